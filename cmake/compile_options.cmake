@@ -1,0 +1,29 @@
+# The compile options that every target of the project shares, as one interface target.
+add_library(compile_options INTERFACE)
+target_compile_features(compile_options INTERFACE cxx_std_20)
+target_include_directories(compile_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(compile_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  # False alarms of g++ 12 on text + std::string (GCC bug 105651).
+  -Wno-restrict
+  $<$<BOOL:${RESAMPLE_WERROR}>:-Werror>
+  # A fused multiply-add would change the documented order of operations, and with it
+  # positions and table indices.
+  -ffp-contract=off)
+
+find_package(Threads REQUIRED)
+target_link_libraries(compile_options INTERFACE Threads::Threads)
+
+if(RESAMPLE_SANITIZE)
+  target_compile_options(compile_options INTERFACE
+    -fsanitize=${RESAMPLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(compile_options INTERFACE -fsanitize=${RESAMPLE_SANITIZE})
+endif()
+
+# add_room(NAME SOURCES... LINKS...): one folder of src/ as one static library; its links say
+# which rooms it may use.
+function(add_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ROOM_SOURCES})
+  target_link_libraries(${name} PUBLIC compile_options ${ROOM_LINKS})
+endfunction()

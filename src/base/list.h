@@ -1,0 +1,24 @@
+#pragma once
+
+#include <list>
+
+/// A list with a virtual destructor, the base of the pool's list of items.
+template <class T>
+class LIST {
+ public:
+  LIST() = default;
+  LIST(const LIST&) = default;
+  LIST& operator=(const LIST&) = default;
+  virtual ~LIST() = default;
+
+  void Append(T item) { items_.push_back(std::move(item)); }
+  bool Empty() const noexcept { return items_.empty(); }
+
+  auto begin() noexcept { return items_.begin(); }
+  auto end() noexcept { return items_.end(); }
+  auto begin() const noexcept { return items_.begin(); }
+  auto end() const noexcept { return items_.end(); }
+
+ private:
+  std::list<T> items_;
+};

@@ -1,0 +1,394 @@
+#include "logging/logging.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+using enum LOGGING_LEVEL_T;
+
+constexpr std::string_view star_line =
+    "***********************************************************";
+
+/// Writes all bytes, going on after interruptions and short writes. A failure is final: there
+/// is nowhere to report that the log itself cannot be written.
+void WriteAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(file, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) {
+      continue;
+    }
+    if (written <= 0) {
+      return;
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+const char* Highlight(LOGGING_LEVEL_T level) {
+  switch (level) {
+    case EXCEPTION:
+      return "\033[1m";
+    case ALARM:
+      return "\033[7m";
+    case WARNING:
+      return "\033[4m";
+    default:
+      return "";
+  }
+}
+
+std::string LocalTime(std::time_t time) {
+  std::array<char, 32> text{};  // ctime_r needs 26
+  if (::ctime_r(&time, text.data()) == nullptr) {
+    return "unknown";
+  }
+  text[std::strcspn(text.data(), "\n")] = '\0';
+  return text.data();
+}
+
+std::string HostName() {
+  std::array<char, 256> name{};
+  if (::gethostname(name.data(), name.size() - 1) != 0) {
+    return "unknown";
+  }
+  return name.data();
+}
+
+std::string ExecutionTime(std::time_t seconds) {
+  struct UNIT {
+    std::time_t seconds;
+    const char* name;
+  };
+  constexpr std::array<UNIT, 4> units = {
+      {{86400, " day(s)"}, {3600, " hour(s)"}, {60, " minute(s)"}, {1, " second(s)"}}};
+  if (seconds < 1) {
+    return " less than 1 second";
+  }
+  std::string text;
+  for (const UNIT& unit : units) {
+    if (const std::time_t count = seconds / unit.seconds; count != 0) {
+      text += " " + std::to_string(count) + unit.name;
+    }
+    seconds %= unit.seconds;
+  }
+  return text;
+}
+
+std::string FormatText(const char* format, std::va_list arguments) {
+  std::va_list measured;
+  va_copy(measured, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, measured);
+  va_end(measured);
+  if (length < 0) {
+    return format;
+  }
+  std::string text(static_cast<std::size_t>(length), '\0');
+  std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+  return text;
+}
+
+std::string_view WithoutFinalLineFeed(std::string_view text) {
+  if (text.ends_with('\n')) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
+
+}  // namespace
+
+LOG_LINE::~LOG_LINE() {
+  try {
+    log_.Write(level_, text_);
+  } catch (...) {  // no memory for the line: the program goes on without it
+  }
+}
+
+LOG_LINE& LOG_LINE::operator<<(const char* text) {
+  text_ += text;
+  return *this;
+}
+
+LOG_LINE& LOG_LINE::operator<<(std::string_view text) {
+  text_ += text;
+  return *this;
+}
+
+LOG_LINE& LOG_LINE::operator<<(char character) {
+  text_ += character;
+  return *this;
+}
+
+LOG_LINE& LOG_LINE::operator<<(long long value) {
+  text_ += std::to_string(value);
+  return *this;
+}
+
+LOG_LINE& LOG_LINE::operator<<(unsigned long long value) {
+  text_ += std::to_string(value);
+  return *this;
+}
+
+LOG_LINE& LOG_LINE::operator<<(double value) {
+  text_ += std::to_string(value);
+  return *this;
+}
+
+LOG_LINE& LOG_LINE::operator<<(long double value) {
+  std::array<char, 64> digits{};
+  std::snprintf(digits.data(), digits.size(), "%LG", value);
+  text_ += digits.data();
+  return *this;
+}
+
+LOGGING::LOGGING(std::string_view file_name, std::string_view program_name,
+                 LOGGING_LEVEL_T screen_level, LOGGING_LEVEL_T file_level)
+    : prefix_(program_name.empty() ? std::string() : std::string(program_name) + " : "),
+      file_name_(file_name),
+      screen_level_(screen_level),
+      file_level_(file_level),
+      start_time_(std::time(nullptr)) {
+  OpenTemporary();
+}
+
+LOGGING::~LOGGING() {
+  CloseFile();
+  RemoveTemporary();
+}
+
+LOG_LINE LOGGING::operator<<(LOGGING_LEVEL_T level) {
+  if (level >= NO_MESSAGE) {
+    throw "LOGGING::operator << (LOGGING_LEVEL_T): logging not allowed in level NO_MESSAGE. This "
+          "level is only provided to totally turn off screen logging.";
+  }
+  return {*this, level};
+}
+
+void LOGGING::Message(LOGGING_LEVEL_T level, const char* format, ...) {
+  if (level >= NO_MESSAGE) {
+    throw "LOGGING::Message: logging not allowed in level NO_MESSAGE. This level is only provided "
+          "to totally turn off screen logging.";
+  }
+  std::va_list arguments;
+  va_start(arguments, format);
+  const std::string text = FormatText(format, arguments);
+  va_end(arguments);
+
+  const std::lock_guard lock(mutex_);
+  WriteLocked(level, text);
+  if (keep_messages_ && level >= screen_level_) {
+    kept_message_ = std::string(WithoutFinalLineFeed(text)) + "\n";
+  }
+}
+
+void LOGGING::SetScreenLevel(LOGGING_LEVEL_T level) {
+  const std::lock_guard lock(mutex_);
+  screen_level_ = level;
+}
+
+void LOGGING::SetFileLevel(LOGGING_LEVEL_T level) {
+  const std::lock_guard lock(mutex_);
+  file_level_ = level;
+}
+
+bool LOGGING::SetScreenLevel(std::string_view name) {
+  LOGGING_LEVEL_T level = NO_MESSAGE;
+  if (name != "NO_MESSAGE" && !LevelFromName(name, level)) {
+    return false;
+  }
+  SetScreenLevel(level);
+  return true;
+}
+
+bool LOGGING::SetFileLevel(std::string_view name) {
+  LOGGING_LEVEL_T level = NO_LEVEL;
+  if (!LevelFromName(name, level)) {
+    return false;
+  }
+  SetFileLevel(level);
+  return true;
+}
+
+void LOGGING::Open(const std::string& file_name) {
+  const std::lock_guard lock(mutex_);
+  const int opened =
+      ::open(file_name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+  if (opened < 0) {
+    WriteLocked(ALARM, " can not open logging file: " + file_name);
+    return;
+  }
+  CarryOver(opened);
+  CloseFile();
+  file_ = opened;
+  file_name_ = file_name;
+  RemoveTemporary();
+}
+
+void LOGGING::WriteHeader(std::unique_ptr<VERSION_RECORD> record) {
+  const std::lock_guard lock(mutex_);
+  WriteLocked(INFO, "");
+  WriteLocked(INFO, star_line);
+  WriteLocked(INFO, record->display_name + " " + record->version);
+  WriteLocked(INFO, star_line);
+  WriteLocked(INFO,
+              "compile date: " + record->compile_date + "  compiled by: " + record->compiled_by);
+  WriteLocked(INFO, "start time: " + LocalTime(start_time_) + "  hostname: " + HostName());
+  if (const char* supervisor = std::getenv("PROC_NAME"); supervisor != nullptr) {
+    WriteLocked(INFO, std::string("started by: ") + supervisor);
+    const std::string version_variable = std::string(supervisor) + "_VERSION";
+    supervisor_version_known_ = std::getenv(version_variable.c_str()) != nullptr;
+  }
+  WriteLocked(INFO, "using configuration file " + record->configuration_file);
+  if (!record->full_version.empty()) {
+    WriteLocked(DEBUG, "full version: " + record->full_version);
+  }
+}
+
+void LOGGING::WriteTrailer() {
+  const std::time_t end_time = std::time(nullptr);
+  const std::lock_guard lock(mutex_);
+  WriteLocked(INFO, star_line);
+  WriteLocked(INFO, "end time: " + LocalTime(end_time));
+  WriteLocked(INFO, "execution time:" + ExecutionTime(end_time - start_time_));
+}
+
+std::string LOGGING::FileName() const {
+  const std::lock_guard lock(mutex_);
+  return file_name_;
+}
+
+void LOGGING::KeepMessages(bool on) {
+  const std::lock_guard lock(mutex_);
+  keep_messages_ = on;
+}
+
+std::string LOGGING::KeptMessage() const {
+  const std::lock_guard lock(mutex_);
+  return kept_message_;
+}
+
+void LOGGING::Write(LOGGING_LEVEL_T level, std::string_view text) {
+  const std::lock_guard lock(mutex_);
+  WriteLocked(level, text);
+}
+
+void LOGGING::WriteLocked(LOGGING_LEVEL_T level, std::string_view text) {
+  if (level == QA_WARNING) {
+    qa_warning_logged_ = true;
+  }
+  const bool to_screen = level >= screen_level_;
+  const bool to_file = file_ >= 0 && level >= file_level_;
+  if (!to_screen && !to_file) {
+    return;
+  }
+  std::string line = LevelTag(level);
+  line += " : ";
+  line += prefix_;
+  line += WithoutFinalLineFeed(text);
+  if (to_screen) {
+    const char* reset = level > QA_WARNING ? "\033[0m\n" : "\n";
+    WriteAll(STDOUT_FILENO, Highlight(level) + line + reset);
+  }
+  if (to_file) {
+    WriteAll(file_, line + "\n");
+  }
+}
+
+void LOGGING::OpenTemporary() {
+  for (const char* directory : {"/tmp/", "/var/tmp/", "./"}) {
+    std::string name = std::string(directory) + "log.XXXXXX";
+    const int opened = ::mkostemp(name.data(), O_APPEND | O_CLOEXEC);
+    if (opened >= 0) {
+      file_ = opened;
+      temporary_name_ = name;
+      return;
+    }
+  }
+}
+
+void LOGGING::CarryOver(int real_file) {
+  if (temporary_name_.empty()) {
+    return;
+  }
+  const int temporary = ::open(temporary_name_.c_str(), O_RDONLY | O_CLOEXEC);
+  if (temporary < 0) {
+    WriteLocked(ALARM, " can not reopen tmp logging file: " + temporary_name_);
+    return;
+  }
+  std::array<char, 4096> block{};
+  ssize_t length = 0;
+  while ((length = ::read(temporary, block.data(), block.size())) > 0) {
+    WriteAll(real_file, {block.data(), static_cast<std::size_t>(length)});
+  }
+  ::close(temporary);
+}
+
+void LOGGING::RemoveTemporary() {
+  if (temporary_name_.empty()) {
+    return;
+  }
+  if (::unlink(temporary_name_.c_str()) != 0) {
+    const std::string reason = std::strerror(errno);
+    WriteLocked(ALARM, "can not remove tmp file: " + temporary_name_);
+    WriteLocked(ALARM, "reason: " + reason);
+  }
+  temporary_name_.clear();
+}
+
+void LOGGING::CloseFile() {
+  if (const int open_file = file_.exchange(-1); open_file >= 0) {
+    ::close(open_file);
+  }
+}
+
+namespace {
+
+struct SHARED_LOG {
+  std::mutex mutex;
+  std::unique_ptr<LOGGING> log;
+  int users = 0;
+};
+
+/// Never destroyed itself, so that users in static objects may end in any order.
+SHARED_LOG& SharedLog() {
+  static SHARED_LOG& shared = *new SHARED_LOG;
+  return shared;
+}
+
+}  // namespace
+
+LOGGING_USER::LOGGING_USER(std::string_view file_name, std::string_view program_name,
+                           LOGGING_LEVEL_T screen_level, LOGGING_LEVEL_T file_level) {
+  SHARED_LOG& shared = SharedLog();
+  const std::lock_guard lock(shared.mutex);
+  if (shared.users++ == 0) {
+    shared.log = std::make_unique<LOGGING>(file_name, program_name, screen_level, file_level);
+  }
+}
+
+LOGGING_USER::~LOGGING_USER() {
+  SHARED_LOG& shared = SharedLog();
+  const std::lock_guard lock(shared.mutex);
+  if (--shared.users == 0) {
+    shared.log.reset();
+  }
+}
+
+LOGGING& Log() {
+  SHARED_LOG& shared = SharedLog();
+  {
+    const std::lock_guard lock(shared.mutex);
+    if (shared.log) {
+      return *shared.log;
+    }
+  }
+  static const LOGGING_USER fallback("", "", ALARM, DEBUG);
+  return *shared.log;
+}
