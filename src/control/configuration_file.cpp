@@ -1,0 +1,64 @@
+#include "control/configuration_file.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "logging/logging.h"
+
+namespace {
+
+using enum LOGGING_LEVEL_T;
+
+/// A longer line is taken in pieces of this length, each a line of its own.
+constexpr std::size_t longest_line = 1024;
+
+/// Takes the next word off the front of the text; empty when there is none.
+std::string_view TakeWord(std::string_view& text) {
+  constexpr std::string_view white_space = " \t\n\v\f\r";
+  text.remove_prefix(std::min(text.find_first_not_of(white_space), text.size()));
+  const std::string_view word = text.substr(0, text.find_first_of(white_space));
+  text.remove_prefix(word.size());
+  return word;
+}
+
+}  // namespace
+
+bool CONFIGURATION_FILE::Open(const std::string& name) {
+  file_.reset(std::fopen(name.c_str(), "re"));
+  return IsOpen();
+}
+
+std::optional<std::string> CONFIGURATION_FILE::Find(const std::string& name) {
+  if (!IsOpen()) {
+    return std::nullopt;
+  }
+  std::string line;
+  for (int ends_of_file = 0; ends_of_file < 2;) {
+    if (ReadLine(line)) {
+      std::string_view rest = line;
+      const std::string_view first_word = TakeWord(rest);
+      if (!first_word.empty() && first_word == name) {
+        return std::string(TakeWord(rest));
+      }
+    } else if (++ends_of_file == 1) {
+      Log() << TRACE << "rewinding file position";
+      std::rewind(file_.get());
+    }
+  }
+  return std::nullopt;
+}
+
+bool CONFIGURATION_FILE::ReadLine(std::string& line) {
+  line.clear();
+  while (line.size() < longest_line) {
+    const int character = std::getc(file_.get());
+    if (character == EOF) {
+      return !line.empty();
+    }
+    if (character == '\n') {
+      return true;
+    }
+    line += static_cast<char>(character);
+  }
+  return true;
+}

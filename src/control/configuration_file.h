@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+/// The controller's configuration file: lines of a name and a value, separated by white space.
+/// What follows the value is ignored.
+///
+/// Searches go on from where the last one stopped, so that a file whose names are asked for in
+/// file order is read in one pass.
+class CONFIGURATION_FILE {
+ public:
+  /// False when the file cannot be opened for reading; there is none then.
+  bool Open(const std::string& name);
+  void Close() noexcept { file_.reset(); }
+  bool IsOpen() const noexcept { return file_ != nullptr; }
+
+  /// The value of the next line with this name, wrapping once from the end to the start of the
+  /// file; empty for a line that holds only the name. A read error counts as end of file.
+  std::optional<std::string> Find(const std::string& name);
+
+ private:
+  struct CLOSER {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+  };
+
+  bool ReadLine(std::string& line);
+
+  std::unique_ptr<std::FILE, CLOSER> file_;
+};

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "control/configuration_file.h"
+#include "control/status_files.h"
+
+/// The program's link to whatever starts it, a supervisor of the processing chain or a person at
+/// a terminal: its parameters, its log file, its marker files in the status directory, and its
+/// end. One instance exists per process; it is used from one thread.
+///
+/// Parameters of its own, from the argument list or the environment: "pid" (name of the run in
+/// place of the binary name), "status" (directory of the marker files), "pcf" (configuration
+/// file, else "pcf." and the name), "lfn" (log file, else "log." and the name); from the
+/// configuration file too: "lfl" and "lsl" (level of the log file and of the screen).
+class CONTROLLER_IFC {
+ public:
+  CONTROLLER_IFC() = default;
+  ~CONTROLLER_IFC();
+  CONTROLLER_IFC(const CONTROLLER_IFC&) = delete;
+  CONTROLLER_IFC& operator=(const CONTROLLER_IFC&) = delete;
+
+  /// Makes this the controller of the process, installs the fatal-signal handler, opens the
+  /// configuration file and the log, and leaves the ERROR file, which only a successful end
+  /// replaces. Ends the process with exit status 2 when the STOP file exists. The arguments must
+  /// outlive the controller. With a `supervisor_flag` other than 0 fatal signals are reported to
+  /// the supervisor.
+  void init(int argc, char** argv, int supervisor_flag);
+
+  /// Looks a parameter up in the argument list ("-NAME value", the last one wins), the
+  /// configuration file and the environment, and asks for it at the keyboard when it is in none
+  /// of them. With `no_prompt` the result is false then, and `value` unchanged.
+  /// Throws a `const char*` when the keyboard's input ends.
+  bool GetParameter(const char* name, std::string& value, bool no_prompt = false);
+  /// Whether the parameter is given without asking at the keyboard.
+  bool IsGiven(const char* name);
+
+  /// The name of the run: the parameter "pid", or the last path component of the first argument.
+  /// Before `init` it is "unknown".
+  const std::string& get_binary_name();
+  /// The last path component of the first argument, whatever "pid" says.
+  const char* ArgumentBinaryName() const noexcept { return argument_binary_name_; }
+  /// Ends with "/", or is empty for the current directory.
+  const std::string& StatusPath() const noexcept { return status_path_; }
+  const std::string& ConfigurationFileName() const noexcept { return configuration_file_name_; }
+  int SupervisorFlag() const noexcept { return supervisor_flag_; }
+  void SetSupervisorFlag() noexcept { supervisor_flag_ = 1; }
+
+  /// Creates the file with the number as its text; a failure is only logged.
+  static void WriteStatusFile(const std::string& path, int number);
+  void RemoveErrorFile() const noexcept;
+  void CloseConfigurationFile() noexcept { configuration_file_.Close(); }
+
+  /// The two ends of a run: they leave the OK file with 0 or the ERROR file with 1, remove the
+  /// other one and return the exit status. Signals other than faults do not change the outcome
+  /// any more.
+  int FinishSuccess();
+  int FinishFailure();
+  /// The same, and the process ends with that exit status. Objects on the stack are not torn
+  /// down.
+  [[noreturn]] void FinishSuccessExit();
+  [[noreturn]] void FinishFailureExit();
+
+  /// Lets invalid operations, divisions by zero and overflows of the calling thread raise SIGFPE
+  /// instead of producing a NaN or an infinity.
+  static void EnableFloatingPointTraps();
+
+  /// The controller of the process, null before `init`. Async-signal-safe, like the next one.
+  static const CONTROLLER_IFC* Current() noexcept { return current_; }
+  /// Removes the OK file and writes 1 into the ERROR file; false when that cannot be written.
+  bool MarkFailed() const noexcept;
+
+ private:
+  void SetStatusFiles();
+  std::string LookUpLogFileName(bool run_is_named);
+  void SetLogLevels();
+  void StopWhenAsked() const;
+
+  std::optional<std::string> LookUp(const std::string& name);
+  std::optional<std::string> LookUpArgument(const std::string& name) const;
+  std::optional<std::string> LookUpConfigurationFile(const std::string& name);
+
+  static std::atomic<CONTROLLER_IFC*> current_;
+
+  int argc_ = 0;
+  char** argv_ = nullptr;
+  std::optional<std::string> binary_name_;
+  const char* argument_binary_name_ = "unknown";
+  std::string status_path_;
+  CONFIGURATION_FILE configuration_file_;
+  std::string configuration_file_name_;
+  std::unique_ptr<const STATUS_FILES> status_files_;
+  /// What `status_files_` owns, for the fatal-signal handler: set in one step.
+  std::atomic<const STATUS_FILES*> published_status_files_ = nullptr;
+  std::atomic<int> supervisor_flag_ = 0;
+};
