@@ -57,8 +57,8 @@ class ENUM_BASE {
   ENUM_BASE& operator=(const ENUM_BASE&) = default;
 
   void Fill(int id, const STRING& name, int value) {
+    name_ = name;  // may throw, and then nothing has changed
     id_ = id;
-    name_ = name;
     value_ = value;
   }
 
