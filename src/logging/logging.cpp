@@ -34,19 +34,6 @@ void WriteAll(int file, std::string_view bytes) {
   }
 }
 
-const char* Highlight(LOGGING_LEVEL_T level) {
-  switch (level) {
-    case EXCEPTION:
-      return "\033[1m";
-    case ALARM:
-      return "\033[7m";
-    case WARNING:
-      return "\033[4m";
-    default:
-      return "";
-  }
-}
-
 std::string LocalTime(std::time_t time) {
   std::array<char, 32> text{};  // ctime_r needs 26
   if (::ctime_r(&time, text.data()) == nullptr) {
@@ -141,7 +128,9 @@ LOGGING::LOGGING(std::string_view file_name, std::string_view program_name,
 }
 
 LOGGING::~LOGGING() {
-  CloseFile();
+  if (const int open_file = file_.exchange(-1); open_file >= 0) {
+    ::close(open_file);
+  }
   RemoveTemporary();
 }
 
@@ -206,8 +195,9 @@ void LOGGING::Open(const std::string& file_name) {
     WriteLocked(ALARM, " can not open logging file: " + file_name);
     return;
   }
-  CloseFile();
-  file_ = opened;
+  if (const int previous = file_.exchange(opened); previous >= 0) {
+    ::close(previous);
+  }
   file_name_ = file_name;
   CarryOver();
   RemoveTemporary();
@@ -275,8 +265,7 @@ void LOGGING::WriteLocked(LOGGING_LEVEL_T level, std::string_view text) {
   line += prefix_;
   line += WithoutFinalLineFeed(text);
   if (to_screen) {
-    const char* reset = level > QA_WARNING ? "\033[0m\n" : "\n";
-    WriteAll(STDOUT_FILENO, Highlight(level) + line + reset);
+    WriteAll(STDOUT_FILENO, ScreenHighlight(level) + line + ScreenReset(level) + "\n");
   }
   if (to_file) {
     WriteAll(file_, line + "\n");
@@ -324,12 +313,6 @@ void LOGGING::RemoveTemporary() {
   temporary_name_.clear();
 }
 
-void LOGGING::CloseFile() {
-  if (const int open_file = file_.exchange(-1); open_file >= 0) {
-    ::close(open_file);
-  }
-}
-
 namespace {
 
 struct SHARED_LOG {
@@ -337,6 +320,9 @@ struct SHARED_LOG {
   std::unique_ptr<LOGGING> log;
   int users = 0;
 };
+
+/// The log of `SharedLog`, readable without its mutex.
+constinit std::atomic<const LOGGING*> existing_log = nullptr;
 
 /// Never destroyed itself, so that users in static objects may end in any order.
 SHARED_LOG& SharedLog() {
@@ -348,6 +334,7 @@ void ReleaseSharedLog() {
   SHARED_LOG& shared = SharedLog();
   const std::lock_guard lock(shared.mutex);
   if (--shared.users == 0) {
+    existing_log = nullptr;
     shared.log.reset();
   }
 }
@@ -360,6 +347,7 @@ LOGGING_USER::LOGGING_USER(std::string_view file_name, std::string_view program_
   const std::lock_guard lock(shared.mutex);
   if (shared.users++ == 0) {
     shared.log = std::make_unique<LOGGING>(file_name, program_name, screen_level, file_level);
+    existing_log = shared.log.get();
   }
 }
 
@@ -372,9 +360,14 @@ LOGGING& Log() {
   const std::lock_guard lock(shared.mutex);
   if (!shared.log) {
     shared.log = std::make_unique<LOGGING>("", "", ALARM, DEBUG);
+    existing_log = shared.log.get();
     ++shared.users;
     // Not a static object: a destructor that runs after it could not log any more.
     std::atexit(ReleaseSharedLog);
   }
   return *shared.log;
+}
+
+const LOGGING* ExistingLog() noexcept {
+  return existing_log;
 }

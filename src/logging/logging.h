@@ -110,7 +110,6 @@ class LOGGING {
   void OpenTemporary();
   void CarryOver();
   void RemoveTemporary();
-  void CloseFile();
 
   mutable std::mutex mutex_;
   const std::string prefix_;
@@ -140,3 +139,7 @@ class LOGGING_USER {
 /// The log of the process. Without a user so far it is created here, without program name, with
 /// screen level ALARM and file level DEBUG, and lives until the process ends.
 LOGGING& Log();
+
+/// The log of the process, null without one. Takes no lock and creates nothing, so that the
+/// fatal-signal handler can call it.
+const LOGGING* ExistingLog() noexcept;

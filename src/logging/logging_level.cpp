@@ -27,6 +27,23 @@ const char* LevelTag(LOGGING_LEVEL_T level) noexcept {
   return index < level_texts.size() ? level_texts[index].tag : level_texts[0].tag;
 }
 
+const char* ScreenHighlight(LOGGING_LEVEL_T level) noexcept {
+  switch (level) {
+    case LOGGING_LEVEL_T::EXCEPTION:
+      return "\033[1m";
+    case LOGGING_LEVEL_T::ALARM:
+      return "\033[7m";
+    case LOGGING_LEVEL_T::WARNING:
+      return "\033[4m";
+    default:
+      return "";
+  }
+}
+
+const char* ScreenReset(LOGGING_LEVEL_T level) noexcept {
+  return level > LOGGING_LEVEL_T::QA_WARNING ? "\033[0m" : "";
+}
+
 bool LevelFromName(std::string_view name, LOGGING_LEVEL_T& level) noexcept {
   constexpr auto first = static_cast<std::size_t>(LOGGING_LEVEL_T::TRACE);
   constexpr auto last = static_cast<std::size_t>(LOGGING_LEVEL_T::ALARM);
