@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <new>
 #include <type_traits>
-#include <utility>
 
 #include "base/range.h"
 
@@ -115,7 +114,7 @@ class ARRAY {
     if (resized == nullptr && range.Count() > 0) {
       return CONTAINER_NO_MEMORY;
     }
-    CopyElements(resized, std::min(range.Count(), range_.Count()));
+    CopyElements(resized, std::min(range.Count(), HeldCount()));
     Free();
     storage_ = resized;
     range_ = range;
@@ -136,6 +135,9 @@ class ARRAY {
     return count > 0 ? new (std::nothrow) T[static_cast<std::size_t>(count)]() : nullptr;
   }
 
+  /// Number of elements in storage: 0 after an allocation that failed, whatever the range.
+  int HeldCount() const noexcept { return storage_ == nullptr ? 0 : range_.Count(); }
+
   /// Copies the leading elements into new storage, which is released when a copy throws.
   void CopyElements(T* target, int count) const {
     try {
@@ -147,11 +149,11 @@ class ARRAY {
   }
 
   void CopyFrom(const ARRAY& other) {
-    T* copy = NewElements(other.range_.Count());
+    T* copy = NewElements(other.HeldCount());
     if (copy == nullptr && other.range_.Count() > 0) {
       throw "ARRAY : can not copy array";
     }
-    other.CopyElements(copy, other.range_.Count());
+    other.CopyElements(copy, other.HeldCount());
     storage_ = copy;
     range_ = other.range_;
   }

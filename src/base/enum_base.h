@@ -57,8 +57,8 @@ class ENUM_BASE {
   ENUM_BASE& operator=(const ENUM_BASE&) = default;
 
   void Fill(int id, const STRING& name, int value) {
+    name_ = name;  // may throw, and then nothing has changed
     id_ = id;
-    name_ = name;
     value_ = value;
   }
 
@@ -82,11 +82,7 @@ class ENUMERATION : public ENUM_BASE {
   static constexpr int first_id = 0;
 
   void Assign(const char* name) override {
-    const int id = Find(name, [](const ENUM_ENTRY& entry) { return entry.name; });
-    if (id < first_id) {
-      ThrowInvalidValue(name);
-    }
-    Set(id, true);
+    SetFound(Find(name, [](const ENUM_ENTRY& entry) { return entry.name; }), name);
   }
 
   int Last() const override { return LastEntryId() - 1; }
@@ -108,6 +104,17 @@ class ENUMERATION : public ENUM_BASE {
  protected:
   ENUMERATION() = default;
 
+  /// `Assign` for a class whose values also go by their descriptions: looks a text up by name
+  /// first and by description second. Throws ERROR_ENUM_BASE_INVALID_VALUE.
+  void AssignNameOrDescription(const char* text) {
+    int id = Find(text, [](const ENUM_ENTRY& entry) { return entry.name; });
+    if (id < first_id) {
+      id = Find(text, [](const ENUM_ENTRY& entry) { return entry.description; });
+    }
+    SetFound(id, text);
+  }
+
+ private:
   /// Id of the first entry whose text, as picked by `text_of`, equals `text` whatever its case;
   /// -1 without one.
   template <class TEXT_OF>
@@ -121,13 +128,15 @@ class ENUMERATION : public ENUM_BASE {
     return -1;
   }
 
-  [[noreturn]] void ThrowInvalidValue(const char* text) const {
-    const char* class_name = typeid(TYPE).name();
-    ERROR_ENUM_BASE_INVALID_VALUE::Throw(text, *class_name == '*' ? class_name + 1 : class_name,
-                                         ValidNames());
+  void SetFound(int id, const char* text) {
+    if (id < first_id) {
+      const char* class_name = typeid(TYPE).name();
+      ERROR_ENUM_BASE_INVALID_VALUE::Throw(text, *class_name == '*' ? class_name + 1 : class_name,
+                                           ValidNames());
+    }
+    Set(id, true);
   }
 
- private:
   static int LastEntryId() { return static_cast<int>(TYPE::Entries().size()) - 1; }
 
   /// The entries as objects of the class, built once on first use.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <list>
+#include <utility>
 
 /// A list with a virtual destructor, the base of the pool's list of items.
 template <class T>

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <new>
 
 #include "base/array.h"
@@ -32,16 +34,15 @@ class MATRIX {
     rows_ = rows;
     columns_ = columns;
     if (const std::size_t count = ElementCount(); count > 0) {
-      storage_ = new (std::nothrow) T[count]();
-      return storage_ == nullptr ? CONTAINER_NO_MEMORY : CONTAINER_OK;
+      storage_.reset(new (std::nothrow) T[count]());
+      return storage_ ? CONTAINER_OK : CONTAINER_NO_MEMORY;
     }
     return CONTAINER_OK;
   }
 
   /// Releases the elements and every row table.
   virtual void Free() noexcept {
-    delete[] storage_;
-    storage_ = nullptr;
+    storage_.reset();
     POINTER_VECTOR_LINK_T* links = links_.Origin();
     for (int i = 0; i < links_.Size(); ++i) {
       delete[] links[i].table;
@@ -88,35 +89,34 @@ class MATRIX {
 
   T** AddRowTable(int column_origin) {
     const auto row_count = static_cast<std::size_t>(rows_.Count());
-    if (links_.Resize(RANGE<int>(0, links_.Size() + 1)) != CONTAINER_OK) {
-      RefuseForMemory();
-    }
-    T** table = new (std::nothrow) T*[row_count];
-    if (table == nullptr) {
-      RefuseForMemory();
+    const auto column_count = static_cast<std::size_t>(columns_.Count());
+    std::unique_ptr<T*[]> table(new (std::nothrow) T*[row_count]);
+    if (!table || links_.Resize(RANGE<int>(0, links_.Size() + 1)) != CONTAINER_OK) {
+      RefuseForMemory("the row table");
     }
     for (std::size_t row = 0; row < row_count; ++row) {
-      table[row] =
-          ShiftOrigin(storage_ + row * static_cast<std::size_t>(columns_.Count()), column_origin);
+      table[row] = ShiftOrigin(storage_.get() + row * column_count, column_origin);
     }
-    links_.Origin()[links_.Last()] = {column_origin, table};
-    return table;
+    links_.Origin()[links_.Last()] = {column_origin, table.get()};
+    return table.release();
   }
 
-  [[noreturn]] static void RefuseForMemory() {
-    Log() << LOGGING_LEVEL_T::ALARM << "MATRIX: no memory for the row table\n";
+  [[noreturn]] static void RefuseForMemory(const char* use) {
+    Log() << LOGGING_LEVEL_T::ALARM << "MATRIX: no memory for " << use << "\n";
     throw ERROR_NO_MEMORY();
   }
 
   void CopyFrom(const MATRIX& other) {
     if (Create(other.rows_, other.columns_) != CONTAINER_OK) {
-      RefuseForMemory();
+      RefuseForMemory("a copy");
     }
-    std::copy_n(other.storage_, ElementCount(), storage_);
+    if (other.storage_) {
+      std::copy_n(other.storage_.get(), ElementCount(), storage_.get());
+    }
   }
 
   RANGE<int> columns_;
   RANGE<int> rows_;
-  T* storage_ = nullptr;
+  std::unique_ptr<T[]> storage_;
   ARRAY<POINTER_VECTOR_LINK_T> links_;
 };

@@ -8,8 +8,7 @@
 class STRING {
  public:
   STRING() : STRING("") {}
-  STRING(
-      const char* text);  // NOLINT(google-explicit-constructor): texts are handed over as they are
+  STRING(const char* text);
   STRING(const STRING& other) : STRING(other.Text()) {}
   STRING& operator=(const STRING& other);
   STRING& operator=(const char* text);

@@ -29,9 +29,14 @@ class SUB_ARRAY : public ARRAY<T> {
   /// Gives the view's first element another index; its count stays.
   virtual void SetFirst(int first) { this->SetRange(RANGE<int>(first, this->Size())); }
 
-  /// Views the elements `part` of `source`, by the source's own indices.
+  /// Views the elements `part` of `source`, by the source's own indices, which the view keeps.
+  /// Throws ERROR_ARGUMENT when the part leaves the source.
   virtual void Link(ARRAY<T>& source, const RANGE<int>& part) {
-    this->Adopt(source.Origin() == nullptr ? nullptr : source.Origin() + part.First(), part);
+    if (part.Count() < 0 || part.First() < source.First() || part.Last() > source.Last()) {
+      Log() << LOGGING_LEVEL_T::ALARM << "SUB_ARRAY: a view can not leave its array\n";
+      throw ERROR_ARGUMENT();
+    }
+    this->Adopt(source.Pointer(source.First() - part.First()), part);
   }
 
  private:

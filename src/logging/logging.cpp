@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "logging/execution_time.h"
+
 namespace {
 
 using enum LOGGING_LEVEL_T;
@@ -47,26 +49,6 @@ std::string HostName() {
     return "unknown";
   }
   return name.data();
-}
-
-std::string ExecutionTime(std::time_t seconds) {
-  struct UNIT {
-    std::time_t seconds;
-    const char* name;
-  };
-  constexpr std::array<UNIT, 4> units = {
-      {{86400, " day(s)"}, {3600, " hour(s)"}, {60, " minute(s)"}, {1, " second(s)"}}};
-  if (seconds < 1) {
-    return " less than 1 second";
-  }
-  std::string text;
-  for (const UNIT& unit : units) {
-    if (const std::time_t count = seconds / unit.seconds; count != 0) {
-      text += " " + std::to_string(count) + unit.name;
-    }
-    seconds %= unit.seconds;
-  }
-  return text;
 }
 
 std::string FormatText(const char* format, std::va_list arguments) {
@@ -213,11 +195,11 @@ void LOGGING::Open(const std::string& file_name) {
     WriteLocked(ALARM, " can not open logging file: " + file_name);
     return;
   }
-  CarryOver(opened);
   if (const int previous = file_.exchange(opened); previous >= 0) {
     ::close(previous);
   }
   file_name_ = file_name;
+  CarryOver();
   RemoveTemporary();
 }
 
@@ -302,7 +284,7 @@ void LOGGING::OpenTemporary() {
   }
 }
 
-void LOGGING::CarryOver(int real_file) {
+void LOGGING::CarryOver() {
   if (temporary_name_.empty()) {
     return;
   }
@@ -314,7 +296,7 @@ void LOGGING::CarryOver(int real_file) {
   std::array<char, 4096> block{};
   ssize_t length = 0;
   while ((length = ::read(temporary, block.data(), block.size())) > 0) {
-    WriteAll(real_file, {block.data(), static_cast<std::size_t>(length)});
+    WriteAll(file_, {block.data(), static_cast<std::size_t>(length)});
   }
   ::close(temporary);
 }
@@ -348,6 +330,15 @@ SHARED_LOG& SharedLog() {
   return shared;
 }
 
+void ReleaseSharedLog() {
+  SHARED_LOG& shared = SharedLog();
+  const std::lock_guard lock(shared.mutex);
+  if (--shared.users == 0) {
+    existing_log = nullptr;
+    shared.log.reset();
+  }
+}
+
 }  // namespace
 
 LOGGING_USER::LOGGING_USER(std::string_view file_name, std::string_view program_name,
@@ -361,23 +352,19 @@ LOGGING_USER::LOGGING_USER(std::string_view file_name, std::string_view program_
 }
 
 LOGGING_USER::~LOGGING_USER() {
-  SHARED_LOG& shared = SharedLog();
-  const std::lock_guard lock(shared.mutex);
-  if (--shared.users == 0) {
-    existing_log = nullptr;
-    shared.log.reset();
-  }
+  ReleaseSharedLog();
 }
 
 LOGGING& Log() {
   SHARED_LOG& shared = SharedLog();
-  {
-    const std::lock_guard lock(shared.mutex);
-    if (shared.log) {
-      return *shared.log;
-    }
+  const std::lock_guard lock(shared.mutex);
+  if (!shared.log) {
+    shared.log = std::make_unique<LOGGING>("", "", ALARM, DEBUG);
+    existing_log = shared.log.get();
+    ++shared.users;
+    // Not a static object: a destructor that runs after it could not log any more.
+    std::atexit(ReleaseSharedLog);
   }
-  static const LOGGING_USER fallback("", "", ALARM, DEBUG);
   return *shared.log;
 }
 

@@ -108,7 +108,7 @@ class LOGGING {
   void Write(LOGGING_LEVEL_T level, std::string_view text);
   void WriteLocked(LOGGING_LEVEL_T level, std::string_view text);
   void OpenTemporary();
-  void CarryOver(int real_file);
+  void CarryOver();
   void RemoveTemporary();
 
   mutable std::mutex mutex_;
@@ -120,7 +120,7 @@ class LOGGING {
   std::atomic<LOGGING_LEVEL_T> file_level_;
   const std::time_t start_time_;
   std::atomic<bool> qa_warning_logged_ = false;
-  bool supervisor_version_known_ = false;
+  std::atomic<bool> supervisor_version_known_ = false;
   bool keep_messages_ = false;
   std::string kept_message_;
 };
