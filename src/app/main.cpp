@@ -1,0 +1,5 @@
+#include "app/driver.h"
+
+int main(int argc, char** argv) {
+  RunDriver(argc, argv);
+}

@@ -1,0 +1,229 @@
+#include "app/resample_run.h"
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/resample_thread.h"
+#include "app/threads.h"
+#include "base/error_exception.h"
+#include "control/processing_history.h"
+#include "control/processors.h"
+#include "logging/logging.h"
+#include "mapping/mapping_matrix.h"
+#include "mapping/mapping_polynomial.h"
+#include "raster/same_file.h"
+
+namespace {
+
+using enum LOGGING_LEVEL_T;
+
+constexpr int read_only = 0;
+
+/// Two paths that name one file, whether it exists already or not.
+bool IsSamePath(const std::string& a, const std::string& b) {
+  std::error_code unresolved;
+  const std::filesystem::path resolved_a = std::filesystem::weakly_canonical(a, unresolved);
+  const std::filesystem::path resolved_b = std::filesystem::weakly_canonical(b, unresolved);
+  return IsSameFile(a.c_str(), b.c_str()) || resolved_a == resolved_b;
+}
+
+/// Throws ERROR_ARGUMENT when creating `output` would destroy one of the files of the run. Empty
+/// names stand for files that are not used.
+void RefuseOverwriting(const std::string& output, const std::vector<std::string>& taken) {
+  for (const std::string& file : taken) {
+    if (!output.empty() && !file.empty() && IsSamePath(output, file)) {
+      Log() << ALARM << "output would overwrite another file of the run: " << output << " is "
+            << file;
+      throw ERROR_ARGUMENT();
+    }
+  }
+}
+
+struct SUBSAMPLING {
+  int range = 0;
+  int azimuth = 0;
+};
+
+SUBSAMPLING ReadSubsampling(PARAMETER_POOL& pool) {
+  constexpr const char* range_key = "shift_matrices_subsampling_rg";
+  constexpr const char* azimuth_key = "shift_matrices_subsampling_az";
+  SUBSAMPLING subsampling;
+  if (pool.Exists(range_key) || pool.Exists(azimuth_key)) {
+    pool.Read(range_key, subsampling.range);
+    pool.Read(azimuth_key, subsampling.azimuth);
+  } else {
+    pool.Read("shift_matrices_subsampling", subsampling.range);
+    subsampling.azimuth = subsampling.range;
+  }
+  return subsampling;
+}
+
+}  // namespace
+
+void RESAMPLE_RUN::Execute(const VERSION_RECORD& version) {
+  ReadParameters();
+  InitializeKernels();
+  MapSlaveAndMask();
+  SetupMapping();
+  AllocateOutput();
+  SetupSlcParameters();
+  PerformProcessing();
+  ReleaseMemory(version);
+}
+
+void RESAMPLE_RUN::ReadParameters() {
+  Log().Message(INFO, "* Read input parameters");
+  const std::string insar_name = MandatoryParameter(controller_, "INSAR_PARAMETER_POOL");
+  insar_pool_ = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(insar_name.c_str());
+  const std::string log_name = MandatoryParameter(controller_, "log_pp");
+  if (log_name != insar_name) {
+    log_pool_ = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(log_name.c_str());
+  }
+  parameters_ = ReadRunParameters(controller_, *insar_pool_);
+  EchoRunParameters(parameters_, insar_name.c_str());
+}
+
+void RESAMPLE_RUN::InitializeKernels() {
+  const KERNEL_PARAMETERS& kernel = parameters_.kernel;
+  Log().Message(INFO, "* Initialize Kernels");
+  Log().Message(INFO, "  -  shift raster = %d", kernel.subpix_positions);
+  kernel_ = std::make_unique<INTERPOLATION_KERNEL>();
+  kernel_->InitKernel(kernel.type, kernel.length, kernel.subpix_positions,
+                      static_cast<float>(kernel.coefficient));
+}
+
+void RESAMPLE_RUN::MapSlaveAndMask() {
+  Log().Message(INFO, "* Map input slave and mask");
+  input_slave_.Map(parameters_.slave_in.c_str(), read_only);
+  Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input_slave_.PixelType()));
+  if (!parameters_.mask_in) {
+    input_mask_.CreateInMemory(0, 0, input_slave_.Width() - 1, input_slave_.Height() - 1,
+                               PIXEL_TYPE::U_INT_8);
+    std::memset(input_mask_.Data(), 1,
+                static_cast<std::size_t>(input_mask_.Width() * input_mask_.Height()));
+  } else {
+    input_mask_.Map(parameters_.mask_in->c_str(), read_only);
+    CheckMaskFitsSlave();
+  }
+}
+
+void RESAMPLE_RUN::CheckMaskFitsSlave() const {
+  if (input_mask_.BytesPerPixel() != 1) {
+    Log() << ALARM << "mask is not one byte a pixel: " << *parameters_.mask_in;
+    throw ERROR_DATA();
+  }
+  if (input_mask_.Width() != input_slave_.Width() ||
+      input_mask_.Height() != input_slave_.Height()) {
+    Log() << ALARM << "mask has another size than the slave: " << input_mask_.Width() << "x"
+          << input_mask_.Height() << " != " << input_slave_.Width() << "x" << input_slave_.Height();
+    throw ERROR_DATA();
+  }
+}
+
+void RESAMPLE_RUN::SetupMapping() {
+  Log().Message(INFO, "* Setup input mapping");
+  switch (parameters_.mapping_format.Id()) {
+    case MAPPING_FORMAT_MATRIX: {
+      const SUBSAMPLING subsampling = ReadSubsampling(*insar_pool_);
+      mapping_ = std::make_unique<MAPPING_MATRIX>(parameters_.rg_mapping_file.c_str(),
+                                                  parameters_.az_mapping_file.c_str(),
+                                                  subsampling.range, subsampling.azimuth);
+      break;
+    }
+    case MAPPING_FORMAT_POLYNOMIAL:
+      mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_);
+      break;
+    default:
+      Log() << ALARM << "mapping type is neither matrix nor polynomial: "
+            << parameters_.mapping_format.Name();
+      throw ERROR_UNHANDLED_CASE();
+  }
+}
+
+void RESAMPLE_RUN::CheckOutputPaths() const {
+  std::vector<std::string> taken = {parameters_.slave_in,
+                                    parameters_.mask_in.value_or(""),
+                                    parameters_.rg_mapping_file,
+                                    parameters_.az_mapping_file,
+                                    parameters_.slave_pool,
+                                    insar_pool_->FileName(),
+                                    log_pool_ ? log_pool_->FileName() : ""};
+  RefuseOverwriting(parameters_.slave_out, taken);
+  taken.push_back(parameters_.slave_out);
+  RefuseOverwriting(parameters_.mask_out.value_or(""), taken);
+}
+
+void RESAMPLE_RUN::AllocateOutput() {
+  Log().Message(INFO, "* Allocate output resampled image and its mask");
+  CheckOutputPaths();
+  const int last_sample = parameters_.n_samples - 1;
+  const int last_line = parameters_.n_lines - 1;
+  output_slave_.Create(parameters_.slave_out.c_str(), 0, 0, last_sample, last_line,
+                       input_slave_.PixelType());
+  if (!parameters_.mask_out) {
+    output_mask_.CreateInMemory(0, 0, last_sample, last_line, PIXEL_TYPE::U_INT_8);
+  } else {
+    output_mask_.Create(parameters_.mask_out->c_str(), 0, 0, last_sample, last_line,
+                        PIXEL_TYPE::U_INT_8);
+  }
+}
+
+void RESAMPLE_RUN::SetupSlcParameters() {
+  Log().Message(INFO, "* Setup SLC parameters");
+  slave_pool_ = std::make_unique<PARAMETER_POOL>(parameters_.slave_pool.c_str());
+  doppler_.Setup(*slave_pool_);
+  insar_pool_->Read("slave_first_rg_time", doppler_.range_start_time);
+  insar_pool_->Read("slave_first_az_time", doppler_.azimuth_start_time);
+  Log().Message(PARAMETER, "fDC: t_rg_start = %f", doppler_.range_start_time);
+  Log().Message(PARAMETER, "fDC: t_az_start = %f", doppler_.azimuth_start_time);
+  slave_pool_->ReadEnumeration("imaging_mode", imaging_mode_);
+}
+
+void RESAMPLE_RUN::PerformProcessing() {
+  Log().Message(INFO, "* Perform processing");
+  Log().Message(INFO, "  - Define work range");
+  const URANGE<unsigned int> lines(0, static_cast<unsigned>(parameters_.n_lines));
+
+  Log().Message(INFO, "  - Set thread argument");
+  RESAMPLE_THR_ARG record;
+  record.Set({.input_slave = &input_slave_,
+              .input_mask = &input_mask_,
+              .input_width = static_cast<int>(input_slave_.Width()),
+              .input_height = static_cast<int>(input_slave_.Height()),
+              .output_slave = &output_slave_,
+              .output_mask = &output_mask_,
+              .output_width = parameters_.n_samples,
+              .output_height = parameters_.n_lines,
+              .mapping = mapping_.get(),
+              .kernel = kernel_.get(),
+              .doppler = &doppler_,
+              .imaging_mode = &imaging_mode_,
+              .ps_mode = parameters_.ps_mode});
+
+  Log().Message(INFO, "  - Setup threads");
+  THREADS<RESAMPLE_THR_ARG, unsigned int> workers;
+  workers.Setup(record, lines, ResampleThread, NumberOfProcessors());
+  Log().Message(INFO, "  - Run");
+  workers.Run();
+  workers.Join();
+}
+
+PARAMETER_POOL_READ_WRITE_CHANGE& RESAMPLE_RUN::LogPool() {
+  return log_pool_ ? *log_pool_ : *insar_pool_;
+}
+
+void RESAMPLE_RUN::ReleaseMemory(const VERSION_RECORD& version) {
+  Log().Message(INFO, "* Memory de-allocation");
+  mapping_.reset();
+  PROCESSING_HISTORY::AddRun(LogPool(), version, Log().StartTime());
+  if (log_pool_) {
+    log_pool_->Update();
+    log_pool_.reset();
+  }
+  slave_pool_.reset();
+  kernel_.reset();
+  insar_pool_->Update();
+  insar_pool_.reset();
+}

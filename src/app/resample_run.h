@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "annotation/image_mode.h"
+#include "app/run_parameters.h"
+#include "control/controller_ifc.h"
+#include "core/doppler_centroid_model.h"
+#include "core/resample_thr_arg.h"
+#include "interpolation/interpolation_kernel.h"
+#include "logging/version_record.h"
+#include "mapping/mapping_base.h"
+#include "pool/parameter_pool.h"
+#include "pool/parameter_pool_read_write_change.h"
+#include "raster/mem_mgr.h"
+
+/// One resampling run: owns every long-lived object and takes the steps of the run in the order
+/// in which the log announces them. Steps fail by the errors of what they use.
+class RESAMPLE_RUN {
+ public:
+  explicit RESAMPLE_RUN(CONTROLLER_IFC& controller) : controller_(controller) {}
+  RESAMPLE_RUN(const RESAMPLE_RUN&) = delete;
+  RESAMPLE_RUN& operator=(const RESAMPLE_RUN&) = delete;
+  ~RESAMPLE_RUN() = default;
+
+  /// Takes all steps. `version` and the log's start time go into the processing history.
+  void Execute(const VERSION_RECORD& version);
+
+ private:
+  void ReadParameters();
+  void InitializeKernels();
+  void MapSlaveAndMask();
+  void SetupMapping();
+  void AllocateOutput();
+  void SetupSlcParameters();
+  void PerformProcessing();
+  void ReleaseMemory(const VERSION_RECORD& version);
+
+  void CheckMaskFitsSlave() const;
+  void CheckOutputPaths() const;
+  PARAMETER_POOL_READ_WRITE_CHANGE& LogPool();
+
+  CONTROLLER_IFC& controller_;
+  MEM_MGR output_slave_;
+  MEM_MGR input_slave_;
+  MEM_MGR input_mask_;
+  MEM_MGR output_mask_;
+  RUN_PARAMETERS parameters_;
+  std::unique_ptr<PARAMETER_POOL_READ_WRITE_CHANGE> insar_pool_;
+  /// Null when the INSAR pool is the log pool as well.
+  std::unique_ptr<PARAMETER_POOL_READ_WRITE_CHANGE> log_pool_;
+  std::unique_ptr<PARAMETER_POOL> slave_pool_;
+  std::unique_ptr<INTERPOLATION_KERNEL> kernel_;
+  std::unique_ptr<MAPPING_BASE> mapping_;
+  DOPPLER_CENTROID_MODEL doppler_;
+  ZARVO::ImageMode imaging_mode_;
+};

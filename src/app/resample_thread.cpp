@@ -1,0 +1,40 @@
+#include "app/resample_thread.h"
+
+#include "base/error_exception.h"
+#include "core/resampling_core.h"
+#include "logging/logging.h"
+
+namespace {
+
+using enum LOGGING_LEVEL_T;
+
+template <class CODEC>
+void RunCore(const RESAMPLE_THR_ARG& argument) {
+  using PIXEL = typename CODEC::PIXEL;
+  ResampleBlock<CODEC>(argument, argument.job.input_slave->Rows<PIXEL>(),
+                       argument.job.output_slave->Rows<PIXEL>());
+}
+
+}  // namespace
+
+void ResampleThread(RESAMPLE_THR_ARG& argument) {
+  const URANGE<unsigned int>& block = argument.block;
+  Log().Message(TRACE, "Thread %d, getstart = %u,getend = %u", argument.worker_number,
+                block.First(), block.Last());
+  const PIXEL_TYPE type = argument.job.input_slave->PixelType();
+  if (type != argument.job.output_slave->PixelType()) {
+    Log() << ALARM << "ERROR : Both input images must have the same type.";
+    throw ERROR_DATA();
+  }
+  switch (type) {
+    case PIXEL_TYPE::C_INT_16:
+      RunCore<INT_16_CODEC>(argument);
+      break;
+    case PIXEL_TYPE::C_FLT_2:
+      RunCore<BINARY_16_CODEC>(argument);
+      break;
+    default:
+      Log() << ALARM << "ERROR : Non supported pixel type has been provided.";
+      throw "not supported pixel type";
+  }
+}

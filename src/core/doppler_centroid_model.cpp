@@ -1,0 +1,130 @@
+#include "core/doppler_centroid_model.h"
+
+#include <cmath>
+
+#include "base/error_exception.h"
+#include "base/matrix.h"
+#include "base/vector.h"
+#include "logging/logging.h"
+
+namespace {
+
+using enum LOGGING_LEVEL_T;
+
+[[noreturn]] void RefuseAnnotation(const char* reason) {
+  Log().Message(ALARM, "fDC: %s", reason);
+  throw ERROR_DATA();
+}
+
+bool IsPositiveNumber(double value) {
+  return std::isfinite(value) && value > 0.0;
+}
+
+/// The annotation as it stands in the pool.
+struct ANNOTATION {
+  VECTOR<double> azimuth_times;
+  VECTOR<double> reference_times;
+  MATRIX<double> coefficients;
+
+  int PolynomialCount() const { return azimuth_times.Size(); }
+  int CoefficientCount() const { return coefficients.Columns().Count(); }
+  double AzimuthTime(int polynomial) const { return azimuth_times.Pointer(0)[polynomial]; }
+  double ReferenceTime(int polynomial) const { return reference_times.Pointer(0)[polynomial]; }
+  double Coefficient(int polynomial, int degree) const {
+    return coefficients.At(coefficients.Rows().First() + polynomial,
+                           coefficients.Columns().First() + degree);
+  }
+};
+
+void CheckAnnotation(const ANNOTATION& annotation) {
+  const int count = annotation.PolynomialCount();
+  if (count < 1) {
+    RefuseAnnotation("fdc_poly_az_time holds no polynomial");
+  }
+  if (annotation.reference_times.Size() != count) {
+    RefuseAnnotation("fdc_poly_rg_ref_time and fdc_poly_az_time have different lengths");
+  }
+  if (annotation.coefficients.Rows().Count() < count) {
+    RefuseAnnotation("fdc_poly_coeff has fewer rows than there are polynomials");
+  }
+  if (annotation.CoefficientCount() < 1) {
+    RefuseAnnotation("fdc_poly_coeff holds no coefficient");
+  }
+  for (int i = 1; i < count; ++i) {
+    // Written so that a NaN is refused too.
+    if (!(annotation.AzimuthTime(i - 1) < annotation.AzimuthTime(i))) {
+      RefuseAnnotation("fdc_poly_az_time does not rise strictly");
+    }
+  }
+}
+
+/// Points (azimuth time i, value_of(i)) for all polynomials.
+template <class VALUE_OF>
+void FillPoints(ARRAY<POINT<double>>& points, const ANNOTATION& annotation, VALUE_OF value_of) {
+  const int count = annotation.PolynomialCount();
+  if (points.Create(RANGE<int>(0, count)) != CONTAINER_OK) {
+    Log() << ALARM << "fDC: no memory for the annotation";
+    throw ERROR_NO_MEMORY();
+  }
+  for (int i = 0; i < count; ++i) {
+    points.Origin()[i] = POINT<double>(annotation.AzimuthTime(i), value_of(i));
+  }
+}
+
+}  // namespace
+
+void DOPPLER_CENTROID_MODEL::ReadRates(PARAMETER_POOL& slave_pool) {
+  slave_pool.Read("prf", prf_);
+  slave_pool.Read("range_sampling_frequency", range_sampling_frequency_);
+  slave_pool.Read("oversampling", oversampling_);
+  LOGGING& log = Log();
+  log.Message(PARAMETER, "fDC: prf = %f", prf_);
+  log.Message(PARAMETER, "fDC: rsf = %f", range_sampling_frequency_);
+  log.Message(PARAMETER, "fDC: oversampling = %f", oversampling_);
+  log.Message(PARAMETER, "fDC: t_az_start = Not initialized here");
+  log.Message(PARAMETER, "fDC: t_rg_start = Not initialized here");
+  if (!IsPositiveNumber(prf_) || !IsPositiveNumber(range_sampling_frequency_) ||
+      !IsPositiveNumber(oversampling_)) {
+    RefuseAnnotation("prf, range_sampling_frequency and oversampling must be positive numbers");
+  }
+}
+
+void DOPPLER_CENTROID_MODEL::Setup(PARAMETER_POOL& slave_pool) {
+  ReadRates(slave_pool);
+
+  ANNOTATION annotation;
+  slave_pool.Read("fdc_poly_az_time", annotation.azimuth_times);
+  slave_pool.Read("fdc_poly_rg_ref_time", annotation.reference_times);
+  slave_pool.Read("fdc_poly_coeff", annotation.coefficients);
+  const int polynomial_count = annotation.PolynomialCount();
+  coefficient_count_ = annotation.CoefficientCount();
+  Log().Message(PARAMETER, "fDC: number of range polynomials over az: %d", polynomial_count);
+  Log().Message(PARAMETER, "fDC: number of coeffs over range: %d", coefficient_count_);
+  CheckAnnotation(annotation);
+
+  const int support_count = polynomial_count >= 3 ? 2 : polynomial_count;
+  FillPoints(reference_time_.points, annotation,
+             [&](int polynomial) { return annotation.ReferenceTime(polynomial); });
+  Log().Message(PARAMETER, "fDC: support count: %d", support_count);
+  reference_time_.interpolation.SetSupportPointCount(support_count);
+  reference_time_.interpolation.Init(reference_time_.points);
+
+  coefficients_ = std::make_unique<AZIMUTH_SERIES[]>(static_cast<std::size_t>(coefficient_count_));
+  for (int degree = 0; degree < coefficient_count_; ++degree) {
+    AZIMUTH_SERIES& coefficient = coefficients_[static_cast<std::size_t>(degree)];
+    FillPoints(coefficient.points, annotation,
+               [&](int polynomial) { return annotation.Coefficient(polynomial, degree); });
+    coefficient.interpolation.SetSupportPointCount(support_count);
+    coefficient.interpolation.Init(coefficient.points);
+  }
+}
+
+double DOPPLER_CENTROID_MODEL::Frequency(double azimuth_time, double range_time) const {
+  const double dt = range_time - reference_time_.interpolation.GetY(azimuth_time);
+  auto degree = static_cast<std::size_t>(coefficient_count_) - 1;
+  double frequency = coefficients_[degree].interpolation.GetY(azimuth_time);
+  while (degree-- > 0) {
+    frequency = frequency * dt + coefficients_[degree].interpolation.GetY(azimuth_time);
+  }
+  return frequency;
+}

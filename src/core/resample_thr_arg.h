@@ -1,0 +1,34 @@
+#pragma once
+
+#include "annotation/image_mode.h"
+#include "core/doppler_centroid_model.h"
+#include "core/thread_argument.h"
+#include "interpolation/interpolation_kernel.h"
+#include "mapping/mapping_base.h"
+#include "raster/mem_mgr.h"
+
+/// One resampling as the workers see it. Everything is borrowed from the driver, which keeps it
+/// alive until the workers are joined, and only the output rasters are written.
+struct RESAMPLE_JOB {
+  MEM_MGR* input_slave = nullptr;
+  MEM_MGR* input_mask = nullptr;
+  int input_width = 0;   ///< samples of the slave
+  int input_height = 0;  ///< lines of the slave
+  MEM_MGR* output_slave = nullptr;
+  MEM_MGR* output_mask = nullptr;
+  int output_width = 0;   ///< samples of the master grid
+  int output_height = 0;  ///< lines of the master grid
+  const MAPPING_BASE* mapping = nullptr;
+  const INTERPOLATION_KERNEL* kernel = nullptr;
+  const DOPPLER_CENTROID_MODEL* doppler = nullptr;
+  const ZARVO::ImageMode* imaging_mode = nullptr;
+  bool ps_mode = false;
+};
+
+/// The argument record of a resampling worker: its block of output lines, and the job.
+class RESAMPLE_THR_ARG : public THREAD_ARGUMENT {
+ public:
+  virtual void Set(const RESAMPLE_JOB& new_job) { job = new_job; }
+
+  RESAMPLE_JOB job;
+};
