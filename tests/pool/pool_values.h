@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -33,7 +34,7 @@ void ForEachPoolType(VISIT visit) {
 
 /// Equal to the last bit; of NaNs only the sign counts.
 template <class T>
-  requires std::is_arithmetic_v<T> || std::is_same_v<T, STRING>
+requires std::is_arithmetic_v<T> || std::is_same_v<T, STRING>
 bool Same(const T& a, const T& b) {
   if constexpr (std::is_floating_point_v<T>) {
     const bool equal = std::isnan(a) ? std::isnan(b) : a == b;
@@ -111,7 +112,7 @@ struct SAMPLES {
 
 template <>
 struct SAMPLES<bool> {
-  static std::vector<bool> Make() { return {true, false}; }
+  static std::array<bool, 2> Make() { return {true, false}; }
 };
 
 template <>
