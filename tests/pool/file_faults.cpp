@@ -12,11 +12,15 @@ namespace {
 
 bool armed = false;
 std::string_view victim_name;
+std::string calls;
 int calls_left = 0;
 std::function<int()> strike;
 
 /// Counts a call down; true when it has to fail, with errno set.
 bool Fails(std::string_view name) {
+  if (armed && !calls.ends_with(name)) {
+    calls += (calls.empty() ? "" : " ") + std::string(name);
+  }
   const bool counts = armed && (victim_name == any_call || victim_name == name);
   if (!counts || calls_left-- != 0) {
     return false;
@@ -32,6 +36,7 @@ bool Fails(std::string_view name) {
 
 FILE_FAULTS::FILE_FAULTS(std::string_view name, int victim, std::function<int()> action) {
   victim_name = name;
+  calls.clear();
   calls_left = victim;
   strike = std::move(action);
   armed = true;
@@ -39,6 +44,10 @@ FILE_FAULTS::FILE_FAULTS(std::string_view name, int victim, std::function<int()>
 
 FILE_FAULTS::~FILE_FAULTS() {
   armed = false;
+}
+
+std::string FILE_FAULTS::Calls() const {
+  return calls;
 }
 
 bool FILE_FAULTS::Struck() const noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 inline constexpr std::string_view any_call;
@@ -20,6 +21,8 @@ class FILE_FAULTS {
   FILE_FAULTS(const FILE_FAULTS&) = delete;
   FILE_FAULTS& operator=(const FILE_FAULTS&) = delete;
 
+  /// The names of the calls so far, repetitions left out: "flock pread mkostemp ...".
+  std::string Calls() const;
   /// Whether there were calls enough to reach the victim.
   bool Struck() const noexcept;
 };
