@@ -209,8 +209,9 @@ TEST_F(MatrixInterpolationTest, SetUpPrintsItsOverview) {
   nodes.InitInterpolation(interpolation_, 2);
   const std::vector<std::string> overview = {
       "INFO  : MATRIX_INTERPOLATION: Overview of initialized parameters:",
-      "INFO  : --------------------------------------------------", "INFO : rg_size: ........... 5",
-      "INFO  : az_size: ........... 3", "INFO : degree: ............ 2"};
+      "INFO  : --------------------------------------------------",
+      "INFO  : rg_size: ........... 5", "INFO  : az_size: ........... 3",
+      "INFO  : degree: ............ 2"};
   EXPECT_EQ(log_.Lines(), overview);
 }
 
