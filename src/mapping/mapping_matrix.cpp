@@ -25,7 +25,7 @@ void MapShifts(MEM_MGR& raster, const char* file) {
   }
 }
 
-void InitOnRaster(MATRIX_INTERPOLATION<float>& interpolation, MEM_MGR& raster) {
+void InitOnRaster(MATRIX_INTERPOLATION<float>& interpolation, const MEM_MGR& raster) {
   interpolation.Init(raster.Rows<float>(), static_cast<unsigned>(raster.Width()),
                      static_cast<unsigned>(raster.Height()));
 }
