@@ -15,6 +15,9 @@ namespace {
 
 constexpr double no_value = std::numeric_limits<double>::quiet_NaN();
 
+/// Pixels along each side of a box, so that the noise of single pixels does not hide the fringes.
+constexpr int fringe_box = 3;
+
 /// Pixels along each side of a box below which a coherence estimate is mostly bias.
 constexpr int coherence_box = 5;
 
@@ -137,7 +140,7 @@ FIGURE PhaseFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted) {
 FIGURE InterferogramFigure(const RASTER_READER& a, const RASTER_READER& b,
                            const PICTURE_SIZE& wanted) {
   RefuseUnfitPair(a, b);
-  FIGURE figure = MultilookedFigure(a, SumsOf(a, b), wanted, 1, PhaseOf);
+  FIGURE figure = MultilookedFigure(a, SumsOf(a, b), wanted, fringe_box, PhaseOf);
   figure.title = "Interferometric phase";
   figure.subtitle = Subtitle(FileName(a) + " - " + FileName(b), figure);
   figure.scale = PhaseScale();

@@ -12,7 +12,7 @@
 FIGURE AmplitudeFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted);
 /// Phase of the averaged complex values, in radians.
 FIGURE PhaseFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted);
-/// Phase of the averaged a * conj(b), in radians.
+/// Phase of a * conj(b) averaged within boxes of at least 3 x 3 pixels, in radians.
 FIGURE InterferogramFigure(const RASTER_READER& a, const RASTER_READER& b,
                            const PICTURE_SIZE& wanted);
 /// Coherence within boxes of at least 5 x 5 pixels, as far as the image has them.
