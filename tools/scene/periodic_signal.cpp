@@ -46,9 +46,8 @@ void ForEachTerm(int last, HANDLE handle) {
 PIXELS KeepBand(const PIXELS& spectrum, int size, int last) {
   PIXELS kept(spectrum.size());
   const double scale = 1.0 / static_cast<double>(spectrum.size());
-  ForEachTerm(last, [&](int k, int m) {
-    kept[Offset(k, m, size)] = spectrum[Offset(k, m, size)] * scale;
-  });
+  ForEachTerm(
+      last, [&](int k, int m) { kept[Offset(k, m, size)] = spectrum[Offset(k, m, size)] * scale; });
   return kept;
 }
 
@@ -107,8 +106,7 @@ int PERIODIC_SIGNAL::TermCount(int size, double bandwidth) {
   return 2 * LastTerm(size, bandwidth) + 1;
 }
 
-PERIODIC_SIGNAL::PERIODIC_SIGNAL(int size, double bandwidth,
-                                 std::array<PIXELS, layer_count> layers)
+PERIODIC_SIGNAL::PERIODIC_SIGNAL(int size, double bandwidth, std::array<PIXELS, layer_count> layers)
     : size_(size),
       fine_size_(2 * size),
       fine_stride_(static_cast<std::size_t>(fine_size_ + window_length)) {

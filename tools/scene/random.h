@@ -27,3 +27,10 @@ inline std::complex<double> RandomSpeckle(std::uint64_t seed, std::uint64_t inde
   const double phase = 2.0 * std::numbers::pi * RandomUniform(seed, 2 * index + 1);
   return std::polar(std::sqrt(power), phase);
 }
+
+/// The independent random series of a scene.
+enum class SERIES : std::uint64_t { FIELDS, TARGETS, SPECKLE, MASTER_NOISE, SLAVE_NOISE };
+
+constexpr std::uint64_t SeedOf(std::uint64_t scene_seed, SERIES series) noexcept {
+  return RandomBits(scene_seed, static_cast<std::uint64_t>(series));
+}

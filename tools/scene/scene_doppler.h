@@ -15,10 +15,10 @@ class SCENE_DOPPLER {
  public:
   explicit SCENE_DOPPLER(const SCENE_OPTIONS& options);
 
-  static constexpr double prf = 1700.0;                      // Hz
+  static constexpr double prf = 1700.0;                       // Hz
   static constexpr double range_sampling_frequency = 20.0e6;  // Hz
-  static constexpr double first_azimuth_time = 36000.0;      // s
-  static constexpr double first_range_time = 5.5e-3;         // s
+  static constexpr double first_azimuth_time = 36000.0;       // s
+  static constexpr double first_range_time = 5.5e-3;          // s
 
   /// The centroid [Hz] at a slave pixel position.
   double Frequency(double line, double sample) const noexcept;
@@ -40,9 +40,9 @@ class SCENE_DOPPLER {
 
   double n_samples_;
   double n_lines_;
-  double line_rate_;    ///< lines a second
-  double sample_rate_;  ///< samples a second
-  double centre_;       ///< F
-  double over_range_;   ///< R
+  double line_rate_;     ///< lines a second
+  double sample_rate_;   ///< samples a second
+  double centre_;        ///< F
+  double over_range_;    ///< R
   double over_azimuth_;  ///< A
 };

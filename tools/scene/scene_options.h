@@ -13,7 +13,8 @@ struct KERNEL_OPTIONS {
   int subpix_positions = 4096;
 };
 
-/// What a scene is made from. Lengths are in pixels, frequencies in hertz.
+/// What a scene is made from. Lengths are in pixels, frequencies in hertz. Master and slave have
+/// the same size.
 struct SCENE_OPTIONS {
   std::string directory;
   int n_samples = 1024;
@@ -23,7 +24,7 @@ struct SCENE_OPTIONS {
   double amplitude = 1000.0;  ///< RMS of the signal, the point targets aside
   int point_targets = 12;     ///< a tile
   double noise = 0.0;         ///< RMS of the noise in each image, relative to the signal's
-  int tile = 1024;            ///< period of the signal
+  int tile = 0;               ///< period of the signal; 0: chosen by the size
 
   double bandwidth = 0.8;     ///< of the signal, as a part of PRF and range sampling frequency
   double oversampling = 1.0;  ///< pixels of the images for each pulse and range sample

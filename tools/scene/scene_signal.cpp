@@ -11,13 +11,6 @@ namespace {
 
 using LAYERS = std::array<PERIODIC_SIGNAL::PIXELS, PERIODIC_SIGNAL::layer_count>;
 
-/// The independent random series of a scene.
-enum class SERIES : std::uint64_t { FIELDS, TARGETS, SPECKLE };
-
-std::uint64_t SeedOf(const SCENE_OPTIONS& options, SERIES series) {
-  return RandomBits(options.seed, static_cast<std::uint64_t>(series));
-}
-
 /// A part of the tile that is equally bright: all that is nearest to its centre.
 struct FIELD {
   double line;
@@ -52,8 +45,7 @@ std::vector<double> MakeReflectivity(int size, std::uint64_t seed) {
       const auto is_nearer = [&](const FIELD& a, const FIELD& b) {
         return a.SquaredDistance(line, sample, size) < b.SquaredDistance(line, sample, size);
       };
-      reflectivity.push_back(
-          std::min_element(fields.begin(), fields.end(), is_nearer)->amplitude);
+      reflectivity.push_back(std::min_element(fields.begin(), fields.end(), is_nearer)->amplitude);
     }
   }
   return reflectivity;
@@ -63,7 +55,7 @@ std::vector<double> MakeReflectivity(int size, std::uint64_t seed) {
 /// share is small. The band keeps `kept` of a single pixel's amplitude.
 void AddTargets(LAYERS& layers, const SCENE_OPTIONS& options, double kept) {
   constexpr double brightness = 20.0;  // relative to the RMS amplitude
-  const std::uint64_t seed = SeedOf(options, SERIES::TARGETS);
+  const std::uint64_t seed = SeedOf(options.seed, SERIES::TARGETS);
   const auto size = static_cast<std::uint64_t>(options.tile);
   for (int i = 0; i < options.point_targets; ++i) {
     const auto index = 3 * static_cast<std::uint64_t>(i);
@@ -79,7 +71,7 @@ void AddTargets(LAYERS& layers, const SCENE_OPTIONS& options, double kept) {
 /// Speckle, whose RMS amplitude in the band is the wanted one, and targets.
 LAYERS MakeLayers(const SCENE_OPTIONS& options, double bandwidth) {
   const std::vector<double> reflectivity =
-      MakeReflectivity(options.tile, SeedOf(options, SERIES::FIELDS));
+      MakeReflectivity(options.tile, SeedOf(options.seed, SERIES::FIELDS));
   double power = 0.0;
   for (const double amplitude : reflectivity) {
     power += amplitude * amplitude / static_cast<double>(reflectivity.size());
@@ -94,7 +86,7 @@ LAYERS MakeLayers(const SCENE_OPTIONS& options, double bandwidth) {
   for (PERIODIC_SIGNAL::PIXELS& layer : layers) {
     for (const double amplitude : reflectivity) {
       layer.push_back(scale * amplitude *
-                      RandomSpeckle(SeedOf(options, SERIES::SPECKLE), index++));
+                      RandomSpeckle(SeedOf(options.seed, SERIES::SPECKLE), index++));
     }
   }
   AddTargets(layers, options, kept);
