@@ -91,6 +91,12 @@ TEST(RasterReportTest, CountsFiniteValuesOnly) {
             "value max: 0.5\n"
             "value mean: -0.5\n"
             "value rms: 1.118034\n");
+
+  WriteRealRaster(path, 1, 1, PIXEL_TYPE::FLT_6, [](std::int64_t, std::span<double> values) {
+    values[0] = std::numeric_limits<double>::infinity();
+  });
+  const std::string nothing = Report(path);
+  EXPECT_EQ(nothing.substr(nothing.find("pixels: ")), "pixels: 1\nfinite: 0\nzeros: 0\n");
 }
 
 TEST(RasterReportTest, TellsTheHeaderOfRastersWithoutNumbers) {

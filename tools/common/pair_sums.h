@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <complex>
-#include <limits>
 
 /// Weighted sums over pairs (a, b) of pixels, from which their coherence, phase difference and
 /// amplitudes follow.

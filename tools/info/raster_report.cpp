@@ -55,8 +55,9 @@ struct RASTER_STATISTICS {
     zeros += value == 0.0 ? 1 : 0;
     real.Add(value.real());
     imaginary.Add(value.imag());
-    amplitude.Add(std::abs(value));
-    amplitudes.Add(std::abs(value));
+    const double magnitude = std::abs(value);
+    amplitude.Add(magnitude);
+    amplitudes.Add(magnitude);
   }
 };
 
@@ -101,6 +102,9 @@ void WriteRasterReport(const std::string& path, std::ostream& report) {
   report << "pixels: " << raster.Width() * raster.Height() << "\n";
   report << "finite: " << statistics.finite << "\n";
   report << "zeros: " << statistics.zeros << "\n";
+  if (statistics.finite == 0) {
+    return;
+  }
   if (!raster.IsComplex()) {
     WriteValues("value", statistics.real, report);
     return;
