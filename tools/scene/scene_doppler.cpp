@@ -14,7 +14,7 @@ SCENE_DOPPLER::SCENE_DOPPLER(const SCENE_OPTIONS& options)
 double SCENE_DOPPLER::Frequency(double line, double sample) const noexcept {
   const double x = sample / n_samples_ - 0.5;
   const double y = AzimuthPosition(line);
-  return centre_ + over_range_ * (x + 0.25 * x * x) + over_azimuth_ * y * (1.0 + 0.5 * x);
+  return centre_ + over_range_ * (x + 0.25 * x * x) + over_azimuth_ * y * (1.0 + 0.05 * x);
 }
 
 double SCENE_DOPPLER::Phase(double from_line, double line, double sample) const noexcept {
@@ -37,6 +37,6 @@ std::vector<double> SCENE_DOPPLER::AzimuthTimes() const {
 std::vector<double> SCENE_DOPPLER::Coefficients(double azimuth_time) const {
   const double y = AzimuthPosition((azimuth_time - first_azimuth_time) * line_rate_);
   const double x_rate = sample_rate_ / n_samples_;
-  return {centre_ + over_azimuth_ * y, (over_range_ + 0.5 * over_azimuth_ * y) * x_rate,
+  return {centre_ + over_azimuth_ * y, (over_range_ + 0.05 * over_azimuth_ * y) * x_rate,
           0.25 * over_range_ * x_rate * x_rate};
 }

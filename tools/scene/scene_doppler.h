@@ -7,7 +7,7 @@
 /// Timing and Doppler centroid of the slave. With x and y the position in the image, from -1/2 to
 /// +1/2 along samples and lines, the centroid is
 ///
-///   fdc = F + R x + R x^2 / 4 + A y (1 + x / 2):
+///   fdc = F + R x + R x^2 / 4 + A y (1 + x / 20):
 ///
 /// quadratic along range and linear along azimuth, so that annotated polynomials that are
 /// interpolated linearly between their azimuth times give it exactly.
