@@ -3,6 +3,7 @@
 #include <cmath>
 #include <optional>
 #include <sstream>
+#include <vector>
 
 namespace {
 
@@ -162,12 +163,22 @@ class KERNEL {
 
   int Length() const { return length_; }
 
-  /// Weight of tap i for the table's row of a fraction of a pixel.
-  double Weight(int i, double fraction) const {
+  /// The taps' weights: the table's row of a fraction of a pixel.
+  std::vector<double> Weights(double fraction) const {
     const int n = scene_.subpix_positions;
     int row = static_cast<int>(fraction * n + 0.5);
     row = row == n ? 0 : row;
-    const double x = (i - (length_ / 2 - 1)) - row / static_cast<double>(n);
+    std::vector<double> weights;
+    for (int i = 0; i < length_; ++i) {
+      weights.push_back(Value((i - (length_ / 2 - 1)) - row / static_cast<double>(n)));
+    }
+    return weights;
+  }
+
+ private:
+  bool IsCubic() const { return scene_.kernel_type == "cubic_convolution"; }
+
+  double Value(double x) const {
     if (IsCubic()) {
       return Cubic(x);
     }
@@ -181,9 +192,6 @@ class KERNEL {
     }
     return 0.0;
   }
-
- private:
-  bool IsCubic() const { return scene_.kernel_type == "cubic_convolution"; }
 
   const SCENE& scene_;
   int length_;
@@ -257,20 +265,22 @@ MODEL_PIXEL Interpolate(const SCENE& scene, const KERNEL& kernel, const POSITION
   const double fr = position.range - ri;
   const double fa = position.azimuth - ai;
   const PHASE_TERMS terms = PhaseTerms(scene, ri, ai);
+  const std::vector<double> range_weights = kernel.Weights(fr);
+  const std::vector<double> azimuth_weights = kernel.Weights(fa);
   MODEL_PIXEL pixel;
   pixel.computed = true;
   pixel.valid = 1;
   for (int k = 0; k < length; ++k) {
     long double re = 0.0L;
     long double im = 0.0L;
-    const double line_weight = kernel.Weight(k, fa);
+    const int line = ai - offset + k;
     for (int j = 0; j < length; ++j) {
-      const int line = ai - offset + k;
       const int sample = ri - offset + j;
       if (scene.mask && scene.mask->At(sample, line) == 0) {
         pixel.valid = 0;
       }
-      const double weight = kernel.Weight(j, fr) * line_weight;
+      const double weight =
+          range_weights[static_cast<std::size_t>(j)] * azimuth_weights[static_cast<std::size_t>(k)];
       const RAW_PIXEL& raw = scene.slave.At(sample, line);
       const double raw_re = Decode(scene.code, raw.re);
       const double raw_im = Decode(scene.code, raw.im);
