@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -33,11 +34,15 @@ class MATRIX {
     Free();
     rows_ = rows;
     columns_ = columns;
-    if (const std::size_t count = ElementCount(); count > 0) {
-      storage_.reset(new (std::nothrow) T[count]());
-      return storage_ ? CONTAINER_OK : CONTAINER_NO_MEMORY;
+    const std::size_t count = ElementCount();
+    if (count == 0) {
+      return CONTAINER_OK;
     }
-    return CONTAINER_OK;
+    // A size in bytes beyond std::size_t would make even the non-throwing new throw.
+    if (count <= std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T)) {
+      storage_.reset(new (std::nothrow) T[count]());
+    }
+    return storage_ ? CONTAINER_OK : CONTAINER_NO_MEMORY;
   }
 
   /// Releases the elements and every row table.

@@ -11,7 +11,7 @@ class RANGE : public INDEX<T, T> {
 
   T First() const { return this->key; }
   T Count() const { return this->value; }
-  T Last() const { return this->key + this->value - 1; }
+  T Last() const { return this->key + (this->value - 1); }
 
   friend bool operator==(const RANGE& a, const RANGE& b) {
     return a.First() == b.First() && a.Count() == b.Count();
@@ -27,5 +27,5 @@ class URANGE : public INDEX<T, T> {
 
   T First() const { return this->key; }
   T Count() const { return this->value; }
-  T Last() const { return this->key + this->value - 1; }
+  T Last() const { return this->key + (this->value - 1); }
 };

@@ -32,7 +32,8 @@ class SUB_ARRAY : public ARRAY<T> {
   /// Views the elements `part` of `source`, by the source's own indices, which the view keeps.
   /// Throws ERROR_ARGUMENT when the part leaves the source.
   virtual void Link(ARRAY<T>& source, const RANGE<int>& part) {
-    if (part.Count() < 0 || part.First() < source.First() || part.Last() > source.Last()) {
+    const long long offset = static_cast<long long>(part.First()) - source.First();
+    if (part.Count() < 0 || offset < 0 || offset + part.Count() > source.Size()) {
       Log() << LOGGING_LEVEL_T::ALARM << "SUB_ARRAY: a view can not leave its array\n";
       throw ERROR_ARGUMENT();
     }

@@ -1,0 +1,76 @@
+#include "raster/file_descriptor.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+FILE_DESCRIPTOR::FILE_DESCRIPTOR(const char* path, int flags, mode_t permissions) noexcept
+    // Without O_NONBLOCK a FIFO in place of the file would hang the program; files on disk do not
+    // mind it.
+    : descriptor_(::open(path, flags | O_CLOEXEC | O_NONBLOCK, permissions)) {}
+
+FILE_DESCRIPTOR::FILE_DESCRIPTOR(FILE_DESCRIPTOR&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+FILE_DESCRIPTOR& FILE_DESCRIPTOR::operator=(FILE_DESCRIPTOR&& other) noexcept {
+  std::swap(descriptor_, other.descriptor_);
+  return *this;
+}
+
+void FILE_DESCRIPTOR::Close() noexcept {
+  if (IsOpen()) {
+    ::close(std::exchange(descriptor_, -1));
+  }
+}
+
+std::optional<std::int64_t> FILE_DESCRIPTOR::Length() const noexcept {
+  struct stat status {};
+  if (::fstat(descriptor_, &status) != 0) {
+    return std::nullopt;
+  }
+  return status.st_size;
+}
+
+bool FILE_DESCRIPTOR::IsFile(const char* path) const noexcept {
+  struct stat own {};
+  struct stat other {};
+  return ::fstat(descriptor_, &own) == 0 && ::stat(path, &other) == 0 &&
+         own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+}
+
+bool FILE_DESCRIPTOR::ReadStart(void* bytes, std::size_t size) const noexcept {
+  auto* position = static_cast<char*>(bytes);
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t count =
+        ::pread(descriptor_, position + done, size - done, static_cast<off_t>(done));
+    if (count == 0 || (count < 0 && errno != EINTR)) {
+      return false;
+    }
+    done += count > 0 ? static_cast<std::size_t>(count) : 0;
+  }
+  return true;
+}
+
+bool FILE_DESCRIPTOR::Write(const void* bytes, std::size_t size) const noexcept {
+  const auto* position = static_cast<const char*>(bytes);
+  // One call writes at most 2 GiB.
+  while (size > 0) {
+    const ssize_t count = ::write(descriptor_, position, size);
+    if (count == 0 || (count < 0 && errno != EINTR)) {
+      return false;
+    }
+    if (count > 0) {
+      position += count;
+      size -= static_cast<std::size_t>(count);
+    }
+  }
+  return true;
+}
+
+bool FILE_DESCRIPTOR::SetLength(std::int64_t length) const noexcept {
+  return ::ftruncate(descriptor_, length) == 0;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+/// Owns an open file, or none. Operations leave the system's reason for a failure in `errno`.
+class FILE_DESCRIPTOR {
+ public:
+  FILE_DESCRIPTOR() = default;
+  /// Opens a file; `IsOpen` tells whether that succeeded. `permissions` are those of a file that
+  /// the flags create.
+  FILE_DESCRIPTOR(const char* path, int flags, mode_t permissions = 0) noexcept;
+  FILE_DESCRIPTOR(FILE_DESCRIPTOR&& other) noexcept;
+  FILE_DESCRIPTOR& operator=(FILE_DESCRIPTOR&& other) noexcept;
+  ~FILE_DESCRIPTOR() { Close(); }
+
+  bool IsOpen() const noexcept { return descriptor_ >= 0; }
+  int Get() const noexcept { return descriptor_; }
+  void Close() noexcept;
+
+  /// Length of the file in bytes.
+  std::optional<std::int64_t> Length() const noexcept;
+  /// Whether `path` names the open file, by whatever name.
+  bool IsFile(const char* path) const noexcept;
+
+  /// Reads the first `size` bytes of the file; false when there are fewer.
+  bool ReadStart(void* bytes, std::size_t size) const noexcept;
+  /// Writes all bytes at the file's position; false when not all could be written.
+  bool Write(const void* bytes, std::size_t size) const noexcept;
+  /// Makes the file that long; what is new reads as zeros and takes no disk space.
+  bool SetLength(std::int64_t length) const noexcept;
+
+ private:
+  int descriptor_ = -1;
+};
