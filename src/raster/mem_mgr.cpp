@@ -131,6 +131,11 @@ void CopyPlanes(const COLOR_MAP& from, unsigned char* planes) {
   }
 }
 
+[[noreturn]] void ThrowNoImage() {
+  Log() << ALARM << "MEM_MGR: no memory allocated for GetNumRecMatrix()";
+  throw ERROR_ALGORITHM();
+}
+
 /// Start of a row table whose first entry has the index `first_row`.
 void* const* Origin(void* const* table, std::int64_t first_row) {
   // The origin may lie outside the table, where pointer arithmetic is not defined.
@@ -290,14 +295,16 @@ void MEM_MGR::Unmap() {
 }
 
 void MEM_MGR::BuildRowTable(std::int64_t first_column, std::int64_t first_row) {
-  DeleteRowTable();
-  CheckHeld();
+  if (data_ == nullptr) {
+    ThrowNoImage();
+  }
   const auto rebased = Rebased(bounds_, first_column, first_row);
   if (!rebased) {
     Log() << ALARM << "MEM_MGR: image can not be counted from column " << first_column << ", row "
           << first_row;
     throw ERROR_ARGUMENT();
   }
+  DeleteRowTable();
   // Rows without columns are not tabulated: nothing can be addressed in them, and a header may
   // declare billions of them.
   const auto rows = static_cast<std::size_t>(Width() > 0 ? Height() : 0);
@@ -326,20 +333,15 @@ void MEM_MGR::DeleteRowTable() {
 }
 
 void* const* MEM_MGR::RowTable(std::size_t pixel_size) const {
-  CheckHeld();
+  if (rows_ == nullptr) {
+    ThrowNoImage();
+  }
   if (pixel_size != static_cast<std::size_t>(BytesPerPixel())) {
     Log() << ALARM << "MEM_MGR: pixels are " << BytesPerPixel() << " bytes long, not "
           << pixel_size;
     throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
   }
   return Origin(rows_.get(), bounds_.first_row);
-}
-
-void MEM_MGR::CheckHeld() const {
-  if (data_ == nullptr) {
-    Log() << ALARM << "MEM_MGR: no memory allocated for GetNumRecMatrix()";
-    throw ERROR_ALGORITHM();
-  }
 }
 
 void MEM_MGR::Save(const char* path, mode_t mode) const {
