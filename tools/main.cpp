@@ -5,7 +5,9 @@
 
 #include "base/error_exception.h"
 #include "compare/compare_command.h"
+#include "info/info_command.h"
 #include "logging/logging.h"
+#include "png/png_command.h"
 #include "scene/scene_command.h"
 
 namespace {
@@ -14,7 +16,8 @@ namespace {
 const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL_T::ALARM);
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
-constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand};
+constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
+                                               AddInfoCommand};
 
 }  // namespace
 

@@ -217,7 +217,10 @@ PARAMETER_POOL_READ_WRITE_CHANGE& RESAMPLE_RUN::LogPool() {
 void RESAMPLE_RUN::ReleaseMemory(const VERSION_RECORD& version) {
   Log().Message(INFO, "* Memory de-allocation");
   mapping_.reset();
-  PROCESSING_HISTORY::AddRun(LogPool(), version, Log().StartTime());
+  PROCESSING_HISTORY().AddRun(LogPool(), {.name = version.display_name,
+                                          .version = version.version,
+                                          .date = version.compile_date,
+                                          .start_time = Log().StartTime()});
   if (log_pool_) {
     log_pool_->Update();
     log_pool_.reset();
