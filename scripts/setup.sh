@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # The packages that the other scripts need, by their Debian names. Sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev)
