@@ -1,0 +1,61 @@
+#include "pool/parameter_pool.h"
+
+#include <fcntl.h>
+
+#include "base/error_exception.h"
+#include "pool/pool_errors.h"
+
+using enum LOGGING_LEVEL_T;
+
+PARAMETER_POOL::PARAMETER_POOL() {
+  Log() << TRACE << "init pool";
+}
+
+PARAMETER_POOL::PARAMETER_POOL(const char* path, int flags) : file_(path, O_RDONLY), flags_(flags) {
+  Log() << DEBUG << "open pool: " << path;
+  if (!file_.IsOpen()) {
+    Log() << ALARM << "can not open parameter file " << path;
+    throw CAN_NOT_OPEN_POOL();
+  }
+  if (file_.IsDirectory()) {
+    Log() << ALARM << "parameter file " << path << " is a directory!";
+    throw CAN_NOT_OPEN_POOL();
+  }
+}
+
+void PARAMETER_POOL::ReadEnumeration(const STRING& key, BASIC::TYPES::ENUM_BASE& value) {
+  STRING name;
+  Read(key, name);
+  value.Assign(name.Text());
+}
+
+bool PARAMETER_POOL::Exists(const STRING& key) const {
+  RequireFile();
+  const POOL_LOCK lock(file_, POOL_LOCK::KIND::SHARED);
+  POOL_LINES lines(file_);
+  POOL_LINE line;
+  return FindKeyLine(lines, key.Text(), line);
+}
+
+PoolValueType PARAMETER_POOL::TypeOf(const STRING& key) const {
+  return Entry(key).Type();
+}
+
+POOL_ENTRY PARAMETER_POOL::Entry(const STRING& key) const {
+  RequireFile();
+  return {file_, key, error_level_};
+}
+
+void PARAMETER_POOL::RequireFile() const {
+  if (!file_.IsOpen()) {
+    Log() << ALARM << "No file pointer given for parameter pool";
+    throw ERROR_ALGORITHM();
+  }
+}
+
+void PARAMETER_POOL::Trace(const char* mode, const STRING& key, PoolValueType type) const {
+  if (trace_level_ < NO_MESSAGE) {
+    Log() << trace_level_ << "PP." << mode << ' ' << FileName() << ' ' << key.Text() << ' '
+          << PoolTypeWord(type);
+  }
+}

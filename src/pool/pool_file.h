@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// An open pool file: its name and its descriptor, which is closed at the end. For trouble that
+/// only the caller can word the operations return false.
+class POOL_FILE {
+ public:
+  /// No file, under the name "xxx.dat".
+  POOL_FILE() = default;
+  /// Opens with the flags of open(2); `IsOpen` tells whether it worked and errno why not.
+  POOL_FILE(const char* name, int flags);
+  POOL_FILE(POOL_FILE&& other) noexcept;
+  POOL_FILE& operator=(POOL_FILE&& other) noexcept;
+  POOL_FILE(const POOL_FILE&) = delete;
+  POOL_FILE& operator=(const POOL_FILE&) = delete;
+  ~POOL_FILE();
+
+  /// Creates a file of a unique name, "<directory>/pool_XXXXXX", open for writing.
+  static POOL_FILE CreateTemporary(const std::string& directory);
+
+  bool IsOpen() const noexcept { return descriptor_ >= 0; }
+  bool IsDirectory() const noexcept;
+  /// Whether the name still leads to this file.
+  bool IsAtItsName() const noexcept;
+  const char* Name() const noexcept { return name_.c_str(); }
+  int Descriptor() const noexcept { return descriptor_; }
+
+  /// Each tells whether it worked; errno says why not.
+  bool Truncate() noexcept;
+  bool Write(std::string_view text) noexcept;  ///< from the start of the file on
+  bool Sync() noexcept;                        ///< to the disk
+  bool Close() noexcept;
+  bool Remove() noexcept;
+
+ private:
+  std::string name_ = "xxx.dat";
+  int descriptor_ = -1;
+};
+
+/// An advisory lock on a pool file: shared by readers, exclusive for an update, so that nobody
+/// reads a half-written pool. A file system without locks is no obstacle; the exclusive lock then
+/// is a line at WARNING.
+class POOL_LOCK {
+ public:
+  enum class KIND { SHARED, EXCLUSIVE };
+
+  /// Waits for the lock.
+  POOL_LOCK(const POOL_FILE& file, KIND kind);
+  ~POOL_LOCK();
+  POOL_LOCK(const POOL_LOCK&) = delete;
+  POOL_LOCK& operator=(const POOL_LOCK&) = delete;
+
+ private:
+  int descriptor_;
+};
