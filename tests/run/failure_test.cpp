@@ -245,12 +245,17 @@ TEST(Failure, OfAnUnknownImagingModeListsTheKnownOnes) {
 
 TEST(Failure, OfAnInputRaster) {
   const std::string no_open = "can not open file";
+  const std::string no_file = "MEM_MGR: No such file or directory";
   const std::string no_read = "can not read from file";
   const std::string short_file = "MEM_MGR: file is shorter than its header declares: ";
   const std::string no_header = "MEM_MGR: can not read header from: ";
   ExpectFailures({
-      {"missing slave", WithoutFile("slave.ras"), {"MEM_MGR: can not open: slave.ras", no_open}},
-      {"missing mask", WithoutFile("mask.ras"), {"MEM_MGR: can not open: mask.ras", no_open}},
+      {"missing slave",
+       WithoutFile("slave.ras"),
+       {"MEM_MGR: can not open: slave.ras", no_file, no_open}},
+      {"missing mask",
+       WithoutFile("mask.ras"),
+       {"MEM_MGR: can not open: mask.ras", no_file, no_open}},
       {"folder as slave", FolderInPlaceOf("slave.ras"), {no_header + "slave.ras", no_read}},
       {"empty mask", CutFile("mask.ras", 0), {no_header + "mask.ras", no_read}},
       {"short header", CutFile("slave.ras", 31), {no_header + "slave.ras", no_read}},
@@ -284,7 +289,8 @@ TEST(Failure, OfTheMapping) {
   ExpectFailures({
       {"missing file",
        WithoutFile("rg.map"),
-       {"MEM_MGR: can not open: rg.map", "can not open file"}},
+       {"MEM_MGR: can not open: rg.map", "MEM_MGR: No such file or directory",
+        "can not open file"}},
       {"cut file", CutLastByte("az.map"), {short_file + "az.map", "can not read from file"}},
       {"widths",
        Raster<float>("az.map", 12, 10, RASTER_FLOAT),
@@ -294,7 +300,7 @@ TEST(Failure, OfTheMapping) {
        {"mapping files have diffent height: 10 != 9 ", "data error"}},
       {"whole numbers",
        TypeWord("az.map", 1),
-       {"mapping file is not of 32-bit real numbers: az.map", "not supported pixel type"}},
+       {"pixels of the mapping file are not 32-bit real: az.map", "not supported pixel type"}},
       {"no subsampling",
        WithoutInsarEntry("shift_matrices_subsampling"),
        {PoolText("shift_matrices_subsampling", "not found"), no_key}},
@@ -303,7 +309,8 @@ TEST(Failure, OfTheMapping) {
        {PoolText("shift_matrices_subsampling_az", "not found"), no_key}},
       {"subsampling 0",
        InsarEntry("shift_matrices_subsampling", "INT_32 0"),
-       {"subsampling of the mapping matrices must be at least 1: 0, 0", "wrong argument"}},
+       {"subsampling of the mapping files must be at least 1, not 0 in range and 0 in azimuth",
+        "wrong argument"}},
       {"missing polynomial",
        Parameter("MAPPING_FORMAT", "polynomial"),
        {PoolText("respl_poly_az", "not found"), no_key}},
@@ -315,7 +322,7 @@ TEST(Failure, OfTheMapping) {
          folder.Write("insar.pool", pool.Text());
          folder.parameters["MAPPING_FORMAT"] = "polynomial";
        },
-       {"respl_poly_rg has fewer than 6 coefficients: 5", "data error"}},
+       {"mapping polynomial \"respl_poly_rg\" needs 6 coefficients, it has 5", "data error"}},
   });
 }
 
@@ -344,13 +351,14 @@ TEST(Failure, OfAnOutput) {
   ExpectFailures({
       {"missing folder",
        Parameter("SlaveOut", "missing/out.ras"),
-       {"ENOENT: see: man page of open", "can not create file"}},
+       {"ENOENT: see: man page of open", "MEM_MGR: can not create: missing/out.ras",
+        "can not create file"}},
       {"folder as output",
        [](RUN_FOLDER& folder) {
          std::filesystem::create_directory(folder.Path("folder"));
          folder.parameters["SlaveOut"] = "folder";
        },
-       {"EISDIR: see: man page of open", "can not create file"}},
+       {"EISDIR: see: man page of open", "MEM_MGR: can not create: folder", "can not create file"}},
   });
 }
 

@@ -53,7 +53,7 @@ void ExpectWholeLines(const std::vector<std::string>& lines) {
 void ExpectReported(const RUN_FOLDER& folder, const PROCESS_END& end, const SIGNAL_TEXT& signal) {
   ExpectFailure(folder, end);
   const std::string text = "got fatal signal " + std::to_string(signal.number) + ": " + signal.text;
-  EXPECT_EQ(folder.CountLogLines(alarm_begin + text), 1);
+  EXPECT_EQ(folder.CountLogLines(alarm_begin + text), 1) << folder.Content("log.run");
   EXPECT_EQ(folder.CountLogLines(alarm_begin + "KVT_MSG|ERROR|resample " + text), 1)
       << "the supervisor knows the program, not the run";
   ExpectWholeLines(folder.LogLines());
@@ -218,10 +218,21 @@ TEST(Fault, OfAnOutputThatMayNotGrowIsReported) {
   ExpectReported(folder, PROCESS(settings).Wait(), CaughtSignal(SIGXFSZ));
 }
 
+bool WriteText(const char* path, const std::string& text) {
+  const int file = ::open(path, O_WRONLY);
+  const bool written = ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  ::close(file);
+  return written;
+}
+
 /// Gives the process a small disk of its own at "disk"; needs no privileges where the system
-/// lets everybody make user namespaces.
+/// lets everybody make user namespaces. The process stays the user that it is.
 bool MountSmallDisk() {
-  return ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 &&
+  const std::string user = std::to_string(::getuid());
+  const std::string group = std::to_string(::getgid());
+  return ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && WriteText("/proc/self/setgroups", "deny") &&
+         WriteText("/proc/self/uid_map", user + " " + user + " 1") &&
+         WriteText("/proc/self/gid_map", group + " " + group + " 1") &&
          ::mount("none", "disk", "tmpfs", 0, "size=64k") == 0;
 }
 

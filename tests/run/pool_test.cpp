@@ -143,7 +143,8 @@ TEST(ForcedMapping, ReplacesItsEntryAndNothingElse) {
   RUN_FOLDER folder(OrdinaryScene());
   folder.Write("log.pool", "");
   folder.parameters["log_pp"] = "log.pool";
-  folder.parameters["MAPPING_FORMAT"] = "Mapping matrix";  // descriptions count as well
+  // Descriptions count as well; a line of the configuration file has one word for the value.
+  folder.arguments.insert(folder.arguments.end(), {"-MAPPING_FORMAT", "Mapping matrix"});
   const std::string start = "# comment\r\n\n  indented\nother STR \"x\"  \n";
   POOL_TEXT without_format = InsarPool(OrdinaryScene());
   without_format.Remove("mapping_format");
