@@ -88,7 +88,7 @@ class ARRAY {
     } else {
       delete[] storage_;
     }
-    Reset();
+    ARRAY::Reset();
   }
 
   virtual int Size() const noexcept { return range_.Count(); }

@@ -1,8 +1,11 @@
 #include "pool/pool_entry_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <limits>
 
 #include "base/error_exception.h"
 #include "pool/pool_lines.h"
@@ -27,9 +30,8 @@ std::string ExponentForm(double value, int digits) {
 /// Whether the text reads back as this value: the reader scans a double, refuses it beyond the
 /// range of float and rounds it.
 bool ReadsBackAs(const std::string& text, float value) {
-  double scanned = 0.0;
-  return std::sscanf(text.c_str(), "%lf", &scanned) == 1 &&
-         std::abs(scanned) <= std::numeric_limits<float>::max() &&
+  const double scanned = std::strtod(text.c_str(), nullptr);
+  return std::abs(scanned) <= std::numeric_limits<float>::max() &&
          static_cast<float>(scanned) == value;
 }
 

@@ -152,7 +152,7 @@ TEST_F(MEM_MGR_CREATE, MemoryImagesAreZerosWithTheGivenBounds) {
   EXPECT_EQ(raster.Height(), 3);
   EXPECT_EQ(raster.Bounds().first_column, -5);
   EXPECT_EQ(raster.Bounds().last_row, 9);
-  EXPECT_EQ(Pixels(raster), std::string(10 * 3 * 8, '\0'));
+  EXPECT_EQ(Pixels(raster), std::string(240, '\0'));
   raster.Unmap();
   EXPECT_EQ(raster.Data(), nullptr);
   EXPECT_TRUE(log_.Has("DEBUG : MEM_MGR: delete image memory .."));

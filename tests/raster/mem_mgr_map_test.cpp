@@ -50,9 +50,8 @@ class MEM_MGR_MAP : public RASTER_TEST {
 
 TEST_F(MEM_MGR_MAP, PixelsOfEveryTypeAreReadInPlace) {
   for (const PIXEL_TYPE type : all_pixel_types) {
-    const auto bytes = static_cast<std::size_t>(5 * 3 * BytesPerPixel(type));
     std::string pixels;
-    for (std::size_t i = 0; i < bytes; ++i) {
+    for (int i = 0; i < 5 * 3 * BytesPerPixel(type); ++i) {
       pixels += static_cast<char>(255 - i);
     }
     const std::string path = WriteRaster("raster", RASTER_HEADER(5, 3, type), pixels);
@@ -123,7 +122,7 @@ TEST_F(MEM_MGR_MAP, AGivenPixelTypeOverridesTheHeader) {
   RASTER_HEADER header = header_2_by_3_;
   header.type = 77;
   header.depth = 0;
-  const std::string path = WriteRaster("raster", header, std::string(6 * 8, 'x'));
+  const std::string path = WriteRaster("raster", header, std::string(48, 'x'));
   MEM_MGR raster;
   for (const PIXEL_TYPE type : {PIXEL_TYPE::INT_16, PIXEL_TYPE::RGB, PIXEL_TYPE::C_FLT_6}) {
     raster.Map(path.c_str(), read_only, type);

@@ -23,7 +23,7 @@ class MEM_MGR_ROWS : public RASTER_TEST {
 
 TEST_F(MEM_MGR_ROWS, EveryImageHasItsTableFromTheStart) {
   const auto* pixels = reinterpret_cast<const PIXEL*>(raster_.Data());
-  for (int row = 0; row < 3; ++row) {
+  for (std::ptrdiff_t row = 0; row < 3; ++row) {
     EXPECT_EQ(raster_.Rows<PIXEL>()[row], pixels + 4 * row);
   }
   EXPECT_EQ(pixels[11].re, 3);

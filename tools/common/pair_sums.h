@@ -29,6 +29,6 @@ struct PAIR_SUMS {
 
   /// |sum a conj(b)| / sqrt(sum |a|^2 sum |b|^2), NaN where a sum of powers is 0.
   double Coherence() const noexcept {
-    return std::abs(cross) / (std::sqrt(power_a) * std::sqrt(power_b));
+    return std::abs(cross) / std::sqrt(power_a * power_b);
   }
 };

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <complex>
 
+#include "common/pair_sums.h"
+
 namespace {
 
 using VALUE = std::complex<double>;
@@ -59,22 +61,9 @@ class PAIR {
   const REGION region_;
 };
 
-/// Sums of the first pass.
-struct PRODUCTS {
-  std::int64_t count = 0;
-  double power_a = 0.0;
-  double power_b = 0.0;
-  VALUE cross = 0.0;  ///< of a conj(b)
-};
-
-PRODUCTS SumProducts(const PAIR& pair) {
-  PRODUCTS sums;
-  pair.ForEachPixel([&](const VALUE& a, const VALUE& b) {
-    ++sums.count;
-    sums.power_a += std::norm(a);
-    sums.power_b += std::norm(b);
-    sums.cross += a * std::conj(b);
-  });
+PAIR_SUMS SumPixels(const PAIR& pair) {
+  PAIR_SUMS sums;
+  pair.ForEachPixel([&](const VALUE& a, const VALUE& b) { sums.Add(PAIR_SUMS::Of(a, b)); });
   return sums;
 }
 
@@ -83,7 +72,7 @@ PRODUCTS SumProducts(const PAIR& pair) {
 COMPARISON Compare(const RASTER_READER& a, const RASTER_READER& b,
                    const std::vector<const RASTER_READER*>& masks, const REGION& region) {
   const PAIR pair(a, b, masks, region);
-  const PRODUCTS sums = SumProducts(pair);
+  const PAIR_SUMS sums = SumPixels(pair);
   const VALUE factor = std::conj(sums.cross) / sums.power_a;
 
   double phase = 0.0;
@@ -98,10 +87,10 @@ COMPARISON Compare(const RASTER_READER& a, const RASTER_READER& b,
     amplitude += std::pow(std::abs(fitted) - std::abs(value_b), 2);
     difference += std::norm(fitted - value_b);
   });
-  return {.compared = sums.count,
-          .coherence = std::abs(sums.cross) / std::sqrt(sums.power_a * sums.power_b),
-          .phase_mean = sums.count > 0 ? std::arg(sums.cross) : NAN,
-          .phase_rms = std::sqrt(phase / static_cast<double>(sums.count)),
+  return {.compared = static_cast<std::int64_t>(sums.weight),
+          .coherence = sums.Coherence(),
+          .phase_mean = sums.weight > 0.0 ? std::arg(sums.cross) : NAN,
+          .phase_rms = std::sqrt(phase / sums.weight),
           .phase_rms_weighted = std::sqrt(phase_weighted / sums.power_b),
           .amplitude_error = std::sqrt(amplitude / sums.power_b),
           .complex_error = std::sqrt(difference / sums.power_b),

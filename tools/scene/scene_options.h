@@ -40,7 +40,7 @@ struct SCENE_OPTIONS {
   int subsampling_azimuth = 16;
   double shift_range = 3.37;     ///< from master to slave in the middle of the image
   double shift_azimuth = -2.61;  ///< likewise, in lines
-  double warp = 1.5;             ///< largest departure from these shifts
+  double warp = 4.0;             ///< largest departure from these shifts
 
   KERNEL_OPTIONS kernel;
 };

@@ -17,10 +17,11 @@ struct FIELD {
   double sample;
   double amplitude;
 
+  /// Of a place in the same tile, going the shorter way round.
   double SquaredDistance(double from_line, double from_sample, double period) const {
-    const double dy = std::remainder(from_line - line, period);
-    const double dx = std::remainder(from_sample - sample, period);
-    return dx * dx + dy * dy;
+    const double dy = std::abs(from_line - line);
+    const double dx = std::abs(from_sample - sample);
+    return std::pow(std::min(dy, period - dy), 2) + std::pow(std::min(dx, period - dx), 2);
   }
 };
 
@@ -36,16 +37,26 @@ std::vector<FIELD> PlaceFields(int size, std::uint64_t seed) {
   return fields;
 }
 
+double AmplitudeAt(const std::vector<FIELD>& fields, int line, int sample, int size) {
+  double nearest = HUGE_VAL;
+  double amplitude = 0.0;
+  for (const FIELD& field : fields) {
+    const double distance = field.SquaredDistance(line, sample, size);
+    if (distance < nearest) {
+      nearest = distance;
+      amplitude = field.amplitude;
+    }
+  }
+  return amplitude;
+}
+
 /// Amplitudes of all pixels of a tile.
 std::vector<double> MakeReflectivity(int size, std::uint64_t seed) {
   const std::vector<FIELD> fields = PlaceFields(size, seed);
   std::vector<double> reflectivity;
   for (int line = 0; line < size; ++line) {
     for (int sample = 0; sample < size; ++sample) {
-      const auto is_nearer = [&](const FIELD& a, const FIELD& b) {
-        return a.SquaredDistance(line, sample, size) < b.SquaredDistance(line, sample, size);
-      };
-      reflectivity.push_back(std::min_element(fields.begin(), fields.end(), is_nearer)->amplitude);
+      reflectivity.push_back(AmplitudeAt(fields, line, sample, size));
     }
   }
   return reflectivity;
