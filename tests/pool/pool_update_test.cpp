@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -7,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 #include "pool/file_faults.h"
@@ -84,7 +84,7 @@ TEST_F(POOL_UPDATE, LosesNothingWhereverASystemCallFails) {
     WriteEntries(pool);
     bool failed = false;
     {
-      const FILE_FAULTS faults(victim, ENOSPC);
+      const FILE_FAULTS faults(any_call, victim, ENOSPC);
       try {
         pool.Update();
       } catch (const ERROR_EXCEPTION&) {
@@ -117,16 +117,15 @@ TEST_F(POOL_UPDATE, LosesNothingWhereverASystemCallFails) {
   EXPECT_GT(completed, 3);
 }
 
-// The calls of an update: lock, read, find the end of the file twice, create the temporary file,
-// write it.
-constexpr int first_write = 5;
-
 TEST_F(POOL_UPDATE, TakesUpInterruptedCalls) {
-  for (const int victim : {0, 1, 2, 3, first_write, first_write + 1}) {
-    SetPool(original);
-    const FILE_FAULTS faults(victim, EINTR);
-    EXPECT_NO_THROW(Update()) << victim;
-    EXPECT_EQ(PoolText(), merged) << victim;
+  for (const char* call : {"flock", "pread", "pwrite"}) {
+    for (const int victim : {0, 1}) {
+      SetPool(original);
+      const FILE_FAULTS faults(call, victim, EINTR);
+      EXPECT_NO_THROW(Update()) << call << victim;
+      EXPECT_TRUE(faults.Struck()) << call << victim;
+      EXPECT_EQ(PoolText(), merged) << call << victim;
+    }
   }
 }
 
@@ -146,7 +145,7 @@ TEST_F(POOL_UPDATE, NamesTheIncompleteTemporaryFile) {
   PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
   WriteEntries(pool);
   {
-    const FILE_FAULTS faults(first_write, ENOSPC);
+    const FILE_FAULTS faults("pwrite", 0, ENOSPC);
     EXPECT_THROW(pool.Update(), CORRUPTED_PARAMETER_POOL);
   }
   ASSERT_EQ(OtherFiles().size(), 1U);
@@ -185,7 +184,7 @@ TEST_F(POOL_UPDATE, KeepsTheFileItself) {
 }
 
 TEST_F(POOL_UPDATE, WritesNothingWithoutEntries) {
-  const FILE_FAULTS faults(0, EIO);
+  const FILE_FAULTS faults(any_call, 0, EIO);
   PARAMETER_POOL_READ_WRITE_CHANGE(Path()).Update();
   EXPECT_EQ(PoolText(), original);
 }
@@ -231,6 +230,7 @@ TEST_F(POOL_UPDATE, ProcessesTakeTurns) {
   constexpr int processes = 4;
   constexpr int rounds = 20;
   std::vector<pid_t> children;
+  children.reserve(processes);
   for (int process = 0; process < processes; ++process) {
     children.push_back(Start([&] {
       const std::string own_key = "process_" + std::to_string(process);
@@ -271,7 +271,7 @@ TEST_F(POOL_UPDATE, IsCompleteOrUntouchedWhenTheProcessIsKilled) {
     const int status = Wait(Start([&] {
       PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
       WriteEntries(pool);
-      const FILE_FAULTS faults(victim, [] {
+      const FILE_FAULTS faults(any_call, victim, [] {
         ::raise(SIGTERM);
         return 0;
       });

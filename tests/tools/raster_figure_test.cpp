@@ -50,12 +50,10 @@ complex<double> Constant(int, int) {
 }
 
 TEST_F(RasterFigureTest, AmplitudeAveragesPowerAndLeavesGapsOut) {
-  const RASTER_READER image = Complex("a", 4, 2, [](int sample, int line) -> complex<double> {
-    if (sample >= 2) {
-      return 0.0;
-    }
-    return line == 0 ? complex<double>(std::nan(""), 1.0)
-                     : complex<double>(0.0, sample == 0 ? 6.0 : 8.0);
+  const RASTER_READER image = Complex("a", 4, 2, [](int sample, int line) {
+    const complex<double> pixels[2][4] = {{{std::nan(""), 1.0}, 0.0, 0.0, 0.0},
+                                          {{0.0, 6.0}, {0.0, 8.0}, 0.0, 0.0}};
+    return pixels[line][sample];
   });
 
   const FIGURE figure = AmplitudeFigure(image, {2, 1});
