@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -18,15 +19,20 @@
 namespace {
 
 using enum LOGGING_LEVEL_T;
+using BASIC::TYPES::MappingFormatType;
 
 constexpr int read_only = 0;
 
+/// The path without links, dots and a relative beginning, as far as it exists.
+std::filesystem::path Resolved(const std::string& path) {
+  std::error_code unresolved;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, unresolved);
+  return std::filesystem::weakly_canonical(absolute, unresolved);
+}
+
 /// Two paths that name one file, whether it exists already or not.
 bool IsSamePath(const std::string& a, const std::string& b) {
-  std::error_code unresolved;
-  const std::filesystem::path resolved_a = std::filesystem::weakly_canonical(a, unresolved);
-  const std::filesystem::path resolved_b = std::filesystem::weakly_canonical(b, unresolved);
-  return IsSameFile(a.c_str(), b.c_str()) || resolved_a == resolved_b;
+  return IsSameFile(a.c_str(), b.c_str()) || Resolved(a) == Resolved(b);
 }
 
 /// Throws ERROR_ARGUMENT when creating `output` would destroy one of the files of the run. Empty
@@ -98,6 +104,7 @@ void RESAMPLE_RUN::MapSlaveAndMask() {
   Log().Message(INFO, "* Map input slave and mask");
   input_slave_.Map(parameters_.slave_in.c_str(), read_only);
   Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input_slave_.PixelType()));
+  CheckSlaveSides();
   if (!parameters_.mask_in) {
     input_mask_.CreateInMemory(0, 0, input_slave_.Width() - 1, input_slave_.Height() - 1,
                                PIXEL_TYPE::U_INT_8);
@@ -106,6 +113,15 @@ void RESAMPLE_RUN::MapSlaveAndMask() {
   } else {
     input_mask_.Map(parameters_.mask_in->c_str(), read_only);
     CheckMaskFitsSlave();
+  }
+}
+
+void RESAMPLE_RUN::CheckSlaveSides() const {
+  constexpr std::int64_t largest = std::numeric_limits<int>::max();
+  if (input_slave_.Width() > largest || input_slave_.Height() > largest) {
+    Log() << ALARM << "slave has too many samples or lines: " << input_slave_.Width() << "x"
+          << input_slave_.Height();
+    throw ERROR_DATA();
   }
 }
 
@@ -125,14 +141,14 @@ void RESAMPLE_RUN::CheckMaskFitsSlave() const {
 void RESAMPLE_RUN::SetupMapping() {
   Log().Message(INFO, "* Setup input mapping");
   switch (parameters_.mapping_format.Id()) {
-    case MAPPING_FORMAT_MATRIX: {
+    case MappingFormatType::MATRIX: {
       const SUBSAMPLING subsampling = ReadSubsampling(*insar_pool_);
       mapping_ = std::make_unique<MAPPING_MATRIX>(parameters_.rg_mapping_file.c_str(),
                                                   parameters_.az_mapping_file.c_str(),
                                                   subsampling.range, subsampling.azimuth);
       break;
     }
-    case MAPPING_FORMAT_POLYNOMIAL:
+    case MappingFormatType::POLYNOMIAL:
       mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_);
       break;
     default:
@@ -217,7 +233,10 @@ PARAMETER_POOL_READ_WRITE_CHANGE& RESAMPLE_RUN::LogPool() {
 void RESAMPLE_RUN::ReleaseMemory(const VERSION_RECORD& version) {
   Log().Message(INFO, "* Memory de-allocation");
   mapping_.reset();
-  PROCESSING_HISTORY::AddRun(LogPool(), version, Log().StartTime());
+  PROCESSING_HISTORY().AddRun(LogPool(), {.name = version.display_name,
+                                          .version = version.version,
+                                          .date = version.compile_date,
+                                          .start_time = Log().StartTime()});
   if (log_pool_) {
     log_pool_->Update();
     log_pool_.reset();

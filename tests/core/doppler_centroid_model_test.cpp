@@ -52,14 +52,14 @@ std::string PoolText(const std::vector<POLYNOMIAL>& polynomials, std::size_t row
 
 class DopplerCentroidModelTest : public testing::Test {
  protected:
-  void Setup(const std::string& pool_text) {
+  void SetupFromText(const std::string& pool_text) {
     WriteFile(directory_.Path() / "slave.pool", pool_text);
     PARAMETER_POOL pool(directory_.File("slave.pool").c_str());
     model_.Setup(pool);
   }
 
   void Setup(const std::vector<POLYNOMIAL>& polynomials) {
-    Setup(PoolText(polynomials, polynomials.size()));
+    SetupFromText(PoolText(polynomials, polynomials.size()));
   }
 
   TEMPORARY_DIRECTORY directory_;
@@ -111,15 +111,15 @@ TEST_F(DopplerCentroidModelTest, LogsWhatItRead) {
 
 TEST_F(DopplerCentroidModelTest, RefusesAnnotationThatDefinesNoCentroid) {
   const std::vector<POLYNOMIAL> two = {{0.0, 0.0, {1.0}}, {1.0, 0.0, {2.0}}};
-  EXPECT_THROW(Setup(PoolText({}, 0)), ERROR_DATA);
-  EXPECT_THROW(Setup(PoolText(two, 1)), ERROR_DATA) << "fewer rows than polynomials";
+  EXPECT_THROW(SetupFromText(PoolText({}, 0)), ERROR_DATA);
+  EXPECT_THROW(SetupFromText(PoolText(two, 1)), ERROR_DATA) << "fewer rows than polynomials";
   EXPECT_THROW(Setup({{0.0, 0.0, {}}}), ERROR_DATA) << "no coefficient";
   EXPECT_THROW(Setup({{1.0, 0.0, {1.0}}, {1.0, 0.0, {2.0}}}), ERROR_DATA) << "equal times";
   std::string lengths = PoolText(two, 2);
   lengths.replace(lengths.find("fdc_poly_rg_ref_time"), 20, "another_key_instead_");
-  EXPECT_THROW(Setup(lengths + Vector("fdc_poly_rg_ref_time", {0.0})), ERROR_DATA);
+  EXPECT_THROW(SetupFromText(lengths + Vector("fdc_poly_rg_ref_time", {0.0})), ERROR_DATA);
   for (const char* prf : {"0", "-1500", "inf", "nan"}) {
-    EXPECT_THROW(Setup(PoolText(two, 2, prf)), ERROR_EXCEPTION) << prf;
+    EXPECT_THROW(SetupFromText(PoolText(two, 2, prf)), ERROR_EXCEPTION) << prf;
   }
   EXPECT_TRUE(log_.Has("ALARM : fDC: fdc_poly_az_time holds no polynomial")) << log_.Text();
 }
