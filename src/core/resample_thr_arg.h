@@ -11,9 +11,9 @@
 /// alive until the workers are joined, and only the output rasters are written.
 struct RESAMPLE_JOB {
   MEM_MGR* input_slave = nullptr;
-  MEM_MGR* input_mask = nullptr;
-  int input_width = 0;   ///< samples of the slave
-  int input_height = 0;  ///< lines of the slave
+  MEM_MGR* input_mask = nullptr;  ///< null when every pixel of the slave is valid
+  int input_width = 0;            ///< samples of the slave
+  int input_height = 0;           ///< lines of the slave
   MEM_MGR* output_slave = nullptr;
   MEM_MGR* output_mask = nullptr;
   int output_width = 0;   ///< samples of the master grid
@@ -23,6 +23,9 @@ struct RESAMPLE_JOB {
   const DOPPLER_CENTROID_MODEL* doppler = nullptr;
   const ZARVO::ImageMode* imaging_mode = nullptr;
   bool ps_mode = false;
+
+  /// Whether the phase of the Doppler centroid has a quadratic term.
+  bool HasRateTerm() const { return !ps_mode && !imaging_mode->IsStripmap(); }
 };
 
 /// The argument record of a resampling worker: its block of output lines, and the job.
