@@ -101,11 +101,18 @@ using FOOTPRINT_FILTER = void (*)(const PIXEL* const* lines, std::int64_t sample
                                   const double* weights, int length, int line_count,
                                   COMPLEX_ROW filtered);
 
+/// valid[x] = 1 when none of mask[x .. x + length - 1] is 0, else 0. Any number of columns.
+using MASK_FILTER = void (*)(const unsigned char* mask, int length, int count,
+                             unsigned char* valid);
+
+/// Converts any number of pixels.
+template <class PIXEL>
+using PIXEL_DECODER = void (*)(const PIXEL* pixels, int count, COMPLEX_ROW decoded);
+
 /// The functions that depend on the kind of pixels.
 template <class PIXEL>
 struct PIXEL_FUNCTIONS {
-  /// Converts pixels, any number of them.
-  void (*decode)(const PIXEL* pixels, int count, COMPLEX_ROW decoded);
+  PIXEL_DECODER<PIXEL> decode;
   FOOTPRINT_FILTER<PIXEL> (*footprint_filter)(int length);
   /// Encodes a row. Returns false when a component is no number or has a magnitude of 2^30 or
   /// more; what was encoded is then of no use.
@@ -143,8 +150,7 @@ struct ROW_FUNCTIONS {
   AZIMUTH_FILTER (*azimuth_filter)(int length);
   RATE_AZIMUTH_FILTER (*rate_azimuth_filter)(int length);
 
-  /// valid[x] = 1 when none of mask[x .. x + length - 1] is 0, else 0.
-  void (*filter_mask)(const unsigned char* mask, int length, int count, unsigned char* valid);
+  MASK_FILTER filter_mask;
   /// valid[x] = 1 when masks[k][x] is 1 for k = 0 .. length - 1, else 0.
   void (*combine_masks)(const unsigned char* masks, int length, int count, unsigned char* valid);
 

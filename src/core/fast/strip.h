@@ -1,0 +1,111 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/fast/azimuth_sums.h"
+#include "core/fast/column_tracker.h"
+#include "core/fast/range_sums.h"
+#include "core/fast/row_functions.h"
+#include "core/pixel_evaluation.h"
+
+/// Resamples strips of columns, each one line by line downwards.
+///
+/// The kernel sum of a pixel separates into sums along range and one along azimuth. The sums along
+/// range of neighbouring lines are mostly the same ones, so a strip keeps them.
+template <class CODEC>
+class STRIP {
+ public:
+  using PIXEL = typename CODEC::PIXEL;
+
+  /// `input` and `output` are row tables; everything is borrowed.
+  STRIP(const RESAMPLE_JOB& job, const PIXEL* const* input, PIXEL* const* output,
+        const ROW_FUNCTIONS& functions, const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
+      : output_(output),
+        output_mask_(job.output_mask->Rows<unsigned char>()),
+        output_width_(job.output_width),
+        functions_(functions),
+        pixel_functions_(pixel_functions),
+        evaluation_(job, input),
+        has_mask_(job.input_mask != nullptr),
+        length_(evaluation_.Footprint().Length()),
+        columns_(job, evaluation_.Footprint(), functions),
+        range_sums_({input, has_mask_ ? job.input_mask->Rows<unsigned char>() : nullptr,
+                     job.input_width},
+                    length_, functions, pixel_functions),
+        azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {
+    std::fill_n(valid_, strip_columns, static_cast<unsigned char>(1));
+  }
+
+  /// The strip that begins at `first_column`, on the lines first_line to last_line.
+  void Resample(int first_column, unsigned first_line, unsigned last_line) {
+    first_column_ = first_column;
+    column_count_ = std::min(strip_columns, output_width_ - first_column);
+    columns_.BeginStrip(first_column, column_count_);
+    for (unsigned line = first_line; line <= last_line; ++line) {
+      columns_.GoTo(line);
+      if (columns_.ComputedCount() == 0) {
+        continue;
+      }
+      range_sums_.Update(columns_);
+      azimuth_sums_.Update(columns_, range_sums_.Sums());
+      if (has_mask_) {
+        functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid_);
+      }
+      StoreLine();
+    }
+  }
+
+ private:
+  void StoreLine() {
+    PIXEL* pixels = output_[columns_.Line()] + first_column_;
+    unsigned char* mask = output_mask_[columns_.Line()] + first_column_;
+    bool is_encoded = false;
+    if (columns_.ComputedCount() == strip_columns) {
+      is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, pixels);
+      std::copy_n(valid_, strip_columns, mask);
+    } else {
+      PIXEL encoded[strip_columns];
+      is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, encoded);
+      for (int x = 0; x < column_count_; ++x) {
+        if (columns_[x].is_computed) {
+          pixels[x] = encoded[x];
+          mask[x] = valid_[x];
+        }
+      }
+    }
+    if (!is_encoded) {
+      EvaluateSingly(pixels);
+    }
+  }
+
+  /// Values that are infinite, no number or very large come from such pixels or centroids, for
+  /// which the order of operations matters.
+  void EvaluateSingly(PIXEL* pixels) {
+    const CONST_COMPLEX_ROW values = azimuth_sums_.Values();
+    for (int x = 0; x < column_count_; ++x) {
+      constexpr double limit = 0x1p30;
+      const bool is_usual = std::abs(values.re[x]) < limit && std::abs(values.im[x]) < limit;
+      if (columns_[x].is_computed && !is_usual) {
+        const INTERPOLATED result =
+            evaluation_.At(columns_.SlaveRange()[x], columns_.SlaveAzimuth()[x]);
+        pixels[x] = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
+      }
+    }
+  }
+
+  PIXEL* const* output_;
+  unsigned char* const* output_mask_;
+  const int output_width_;
+  const ROW_FUNCTIONS& functions_;
+  const PIXEL_FUNCTIONS<PIXEL>& pixel_functions_;
+  const PIXEL_EVALUATION<CODEC> evaluation_;
+  const bool has_mask_;
+  const int length_;
+  COLUMN_TRACKER columns_;
+  RANGE_SUMS<PIXEL> range_sums_;
+  AZIMUTH_SUMS azimuth_sums_;
+  int first_column_ = 0;
+  int column_count_ = 0;
+  alignas(64) unsigned char valid_[strip_columns];
+};
