@@ -21,12 +21,16 @@ using enum LOGGING_LEVEL_T;
 
 constexpr int read_only = 0;
 
+/// The path without links, dots and a relative beginning, as far as it exists.
+std::filesystem::path Resolved(const std::string& path) {
+  std::error_code unresolved;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, unresolved);
+  return std::filesystem::weakly_canonical(absolute, unresolved);
+}
+
 /// Two paths that name one file, whether it exists already or not.
 bool IsSamePath(const std::string& a, const std::string& b) {
-  std::error_code unresolved;
-  const std::filesystem::path resolved_a = std::filesystem::weakly_canonical(a, unresolved);
-  const std::filesystem::path resolved_b = std::filesystem::weakly_canonical(b, unresolved);
-  return IsSameFile(a.c_str(), b.c_str()) || resolved_a == resolved_b;
+  return IsSameFile(a.c_str(), b.c_str()) || Resolved(a) == Resolved(b);
 }
 
 /// Throws ERROR_ARGUMENT when creating `output` would destroy one of the files of the run. Empty
@@ -217,7 +221,10 @@ PARAMETER_POOL_READ_WRITE_CHANGE& RESAMPLE_RUN::LogPool() {
 void RESAMPLE_RUN::ReleaseMemory(const VERSION_RECORD& version) {
   Log().Message(INFO, "* Memory de-allocation");
   mapping_.reset();
-  PROCESSING_HISTORY::AddRun(LogPool(), version, Log().StartTime());
+  PROCESSING_HISTORY().AddRun(LogPool(), {.name = version.display_name,
+                                          .version = version.version,
+                                          .date = version.compile_date,
+                                          .start_time = Log().StartTime()});
   if (log_pool_) {
     log_pool_->Update();
     log_pool_.reset();

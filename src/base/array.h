@@ -23,8 +23,10 @@ T* ShiftOrigin(T* storage, std::ptrdiff_t origin) noexcept {
     return nullptr;
   }
   const auto address = reinterpret_cast<std::uintptr_t>(storage);
-  const auto shift = static_cast<std::uintptr_t>(origin) * sizeof(T);
-  return reinterpret_cast<T*>(address - shift);
+  // T may well be a pointer: the elements of a row table.
+  const auto shift =
+      static_cast<std::uintptr_t>(origin) * sizeof(T);  // NOLINT(bugprone-sizeof-expression)
+  return reinterpret_cast<T*>(address - shift);         // NOLINT(performance-no-int-to-ptr)
 }
 
 /// A one-dimensional array whose indices begin at any integer. The element of index i lies at
@@ -86,7 +88,7 @@ class ARRAY {
     } else {
       delete[] storage_;
     }
-    Reset();
+    ARRAY::Reset();
   }
 
   virtual int Size() const noexcept { return range_.Count(); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <list>
 #include <utility>
 
@@ -8,6 +9,7 @@ template <class T>
 class LIST {
  public:
   LIST() = default;
+  LIST(std::initializer_list<T> items) : items_(items) {}
   LIST(const LIST&) = default;
   LIST& operator=(const LIST&) = default;
   virtual ~LIST() = default;

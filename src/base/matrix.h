@@ -31,7 +31,7 @@ class MATRIX {
     if (rows.Count() < 0 || columns.Count() < 0) {
       return CONTAINER_NEGATIVE_COUNT;
     }
-    Free();
+    MATRIX::Free();
     rows_ = rows;
     columns_ = columns;
     const std::size_t count = ElementCount();

@@ -77,10 +77,13 @@ class MATRIX_INTERPOLATION : public BASE_MATRIX_INTERPOLATION {
     if (!IsWithin(x, -0.5, rg_size_ - 0.5) || !IsWithin(y, -0.5, az_size_ - 0.5)) {
       return 0.0;
     }
-    // The largest double below 0.5 yields 1 when 0.5 is added: beyond the end of a single node.
-    const auto column = std::min(static_cast<unsigned>(x + 0.5), rg_size_ - 1);
-    const auto line = std::min(static_cast<unsigned>(y + 0.5), az_size_ - 1);
-    return static_cast<double>(rows_[line][column]);
+    return static_cast<double>(rows_[NearestNode(y, az_size_)][NearestNode(x, rg_size_)]);
+  }
+
+  static unsigned NearestNode(double position, unsigned size) {
+    const double rounded = position + 0.5;
+    // For the largest double below 0.5 that is 1, beyond the end of a single node.
+    return std::min(static_cast<unsigned>(rounded), size - 1);
   }
 
   /// With i = trunc(x), j = trunc(y), a = x - i, b = y - j, in exactly this order

@@ -1,7 +1,5 @@
 #include "pool/pool_entry.h"
 
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 
@@ -36,9 +34,7 @@ long long LeadingInteger(const std::string& word) {
 
 /// The leading real number; 0 when there is none.
 double LeadingReal(const std::string& word) {
-  double value = 0.0;
-  // Not strtod: that takes the "1" of "1e", a word that does not scan as a whole.
-  return std::sscanf(word.c_str(), "%lf", &value) == 1 ? value : 0.0;
+  return std::strtod(word.c_str(), nullptr);
 }
 
 }  // namespace

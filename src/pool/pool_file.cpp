@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -13,6 +14,13 @@
 
 POOL_FILE::POOL_FILE(const char* name, int flags)
     : name_(name), descriptor_(::open(name, flags | O_CLOEXEC)) {}
+
+POOL_FILE POOL_FILE::CreateTemporary(const std::string& directory) {
+  POOL_FILE file;
+  file.name_ = directory + "/pool_XXXXXX";
+  file.descriptor_ = ::mkostemp(file.name_.data(), O_CLOEXEC);
+  return file;
+}
 
 POOL_FILE::POOL_FILE(POOL_FILE&& other) noexcept {
   *this = std::move(other);
@@ -35,13 +43,54 @@ bool POOL_FILE::IsDirectory() const noexcept {
   return ::fstat(descriptor_, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool POOL_FILE::IsAtItsName() const noexcept {
+  struct stat open_file = {};
+  struct stat named_file = {};
+  return ::fstat(descriptor_, &open_file) == 0 && ::stat(Name(), &named_file) == 0 &&
+         open_file.st_dev == named_file.st_dev && open_file.st_ino == named_file.st_ino;
+}
+
+bool POOL_FILE::Truncate() noexcept {
+  return ::ftruncate(descriptor_, 0) == 0;
+}
+
+bool POOL_FILE::Write(std::string_view text) noexcept {
+  off_t offset = 0;
+  while (!text.empty()) {
+    const ssize_t length = ::pwrite(descriptor_, text.data(), text.size(), offset);
+    if (length == 0) {
+      errno = ENOSPC;
+    }
+    if (length == 0 || (length < 0 && errno != EINTR)) {
+      return false;
+    }
+    if (length > 0) {
+      text.remove_prefix(static_cast<std::size_t>(length));
+      offset += length;
+    }
+  }
+  return true;
+}
+
+bool POOL_FILE::Sync() noexcept {
+  return ::fsync(descriptor_) == 0;
+}
+
+bool POOL_FILE::Close() noexcept {
+  return ::close(std::exchange(descriptor_, -1)) == 0;
+}
+
+bool POOL_FILE::Remove() noexcept {
+  return ::unlink(Name()) == 0;
+}
+
 POOL_LOCK::POOL_LOCK(const POOL_FILE& file, KIND kind) : descriptor_(file.Descriptor()) {
   const int operation = kind == KIND::SHARED ? LOCK_SH : LOCK_EX;
   int result = 0;
   do {
     result = ::flock(descriptor_, operation);
   } while (result != 0 && errno == EINTR);
-  if (result != 0) {
+  if (result != 0 && kind == KIND::EXCLUSIVE) {
     Log() << LOGGING_LEVEL_T::WARNING << "can not lock parameter file " << file.Name() << ": "
           << std::strerror(errno);
   }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
-/// An open pool file: its name and its descriptor, which is closed at the end.
+/// An open pool file: its name and its descriptor, which is closed at the end. For trouble that
+/// only the caller can word the operations return false.
 class POOL_FILE {
  public:
   /// No file, under the name "xxx.dat".
@@ -15,10 +17,22 @@ class POOL_FILE {
   POOL_FILE& operator=(const POOL_FILE&) = delete;
   ~POOL_FILE();
 
+  /// Creates a file of a unique name, "<directory>/pool_XXXXXX", open for writing.
+  static POOL_FILE CreateTemporary(const std::string& directory);
+
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   bool IsDirectory() const noexcept;
+  /// Whether the name still leads to this file.
+  bool IsAtItsName() const noexcept;
   const char* Name() const noexcept { return name_.c_str(); }
   int Descriptor() const noexcept { return descriptor_; }
+
+  /// Each tells whether it worked; errno says why not.
+  bool Truncate() noexcept;
+  bool Write(std::string_view text) noexcept;  ///< from the start of the file on
+  bool Sync() noexcept;                        ///< to the disk
+  bool Close() noexcept;
+  bool Remove() noexcept;
 
  private:
   std::string name_ = "xxx.dat";
@@ -26,7 +40,8 @@ class POOL_FILE {
 };
 
 /// An advisory lock on a pool file: shared by readers, exclusive for an update, so that nobody
-/// reads a half-written pool. A file system without locks is no obstacle (WARNING).
+/// reads a half-written pool. A file system without locks is no obstacle; the exclusive lock then
+/// is a line at WARNING.
 class POOL_LOCK {
  public:
   enum class KIND { SHARED, EXCLUSIVE };

@@ -11,6 +11,7 @@
 #include <new>
 #include <utility>
 
+#include "base/array.h"
 #include "base/error_exception.h"
 #include "logging/logging.h"
 #include "raster/raster_header.h"
@@ -131,12 +132,9 @@ void CopyPlanes(const COLOR_MAP& from, unsigned char* planes) {
   }
 }
 
-/// Start of a row table whose first entry has the index `first_row`.
-void* const* Origin(void* const* table, std::int64_t first_row) {
-  // The origin may lie outside the table, where pointer arithmetic is not defined.
-  const auto address = reinterpret_cast<std::uintptr_t>(table);
-  return reinterpret_cast<void* const*>(address -
-                                        static_cast<std::uintptr_t>(first_row) * sizeof(void*));
+[[noreturn]] void ThrowNoImage() {
+  Log() << ALARM << "MEM_MGR: no memory allocated for GetNumRecMatrix()";
+  throw ERROR_ALGORITHM();
 }
 
 }  // namespace
@@ -290,14 +288,16 @@ void MEM_MGR::Unmap() {
 }
 
 void MEM_MGR::BuildRowTable(std::int64_t first_column, std::int64_t first_row) {
-  DeleteRowTable();
-  CheckHeld();
+  if (data_ == nullptr) {
+    ThrowNoImage();
+  }
   const auto rebased = Rebased(bounds_, first_column, first_row);
   if (!rebased) {
     Log() << ALARM << "MEM_MGR: image can not be counted from column " << first_column << ", row "
           << first_row;
     throw ERROR_ARGUMENT();
   }
+  DeleteRowTable();
   // Rows without columns are not tabulated: nothing can be addressed in them, and a header may
   // declare billions of them.
   const auto rows = static_cast<std::size_t>(Width() > 0 ? Height() : 0);
@@ -307,14 +307,13 @@ void MEM_MGR::BuildRowTable(std::int64_t first_column, std::int64_t first_row) {
     throw ERROR_NO_MEMORY();
   }
   bounds_ = *rebased;
-  // Column `first_column` is the first pixel of a row; what lies `first_column` pixels before it
-  // may be no valid address, so that this is no pointer arithmetic.
-  const auto bytes_per_pixel = static_cast<std::uintptr_t>(BytesPerPixel());
-  const std::uintptr_t row_length = static_cast<std::uintptr_t>(Width()) * bytes_per_pixel;
-  std::uintptr_t row = reinterpret_cast<std::uintptr_t>(data_) -
-                       static_cast<std::uintptr_t>(first_column) * bytes_per_pixel;
-  for (std::size_t k = 0; k < rows; ++k, row += row_length) {
-    rows_[k] = reinterpret_cast<void*>(row);
+  // Without sign, so that a far origin wraps around as addresses do.
+  const auto bytes_per_pixel = static_cast<std::uint64_t>(BytesPerPixel());
+  const auto shift =
+      static_cast<std::ptrdiff_t>(static_cast<std::uint64_t>(first_column) * bytes_per_pixel);
+  const std::uint64_t row_length = static_cast<std::uint64_t>(Width()) * bytes_per_pixel;
+  for (std::size_t k = 0; k < rows; ++k) {
+    rows_[k] = ShiftOrigin(data_ + k * row_length, shift);
   }
 }
 
@@ -326,20 +325,15 @@ void MEM_MGR::DeleteRowTable() {
 }
 
 void* const* MEM_MGR::RowTable(std::size_t pixel_size) const {
-  CheckHeld();
+  if (rows_ == nullptr) {
+    ThrowNoImage();
+  }
   if (pixel_size != static_cast<std::size_t>(BytesPerPixel())) {
     Log() << ALARM << "MEM_MGR: pixels are " << BytesPerPixel() << " bytes long, not "
           << pixel_size;
     throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
   }
-  return Origin(rows_.get(), bounds_.first_row);
-}
-
-void MEM_MGR::CheckHeld() const {
-  if (data_ == nullptr) {
-    Log() << ALARM << "MEM_MGR: no memory allocated for GetNumRecMatrix()";
-    throw ERROR_ALGORITHM();
-  }
+  return ShiftOrigin(rows_.get(), bounds_.first_row);
 }
 
 void MEM_MGR::Save(const char* path, mode_t mode) const {

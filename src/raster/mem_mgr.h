@@ -18,9 +18,10 @@
 /// place, or zero-filled memory of the process. One manager can hold several images in turn.
 ///
 /// Bounds include both ends: (first column, first row, last column, last row). A failure is logged
-/// at ALARM and thrown as a bare class of the error hierarchy; the manager is then empty unless
-/// said otherwise. Nothing is locked: threads may use rows and pixels at once, on pixels of their
-/// own where they write, while nobody calls an operation that changes what is held.
+/// at ALARM and thrown as a bare class of the error hierarchy. An operation that was to hold an
+/// image then leaves the manager empty, or, after ERROR_NO_MEMORY, without row table. Nothing is
+/// locked: threads may use rows and pixels at once, on pixels of their own where they write, while
+/// nobody calls an operation that changes what is held.
 class MEM_MGR {
  public:
   MEM_MGR() = default;
@@ -48,7 +49,8 @@ class MEM_MGR {
 
   /// Creates a raster file of zeros, replacing any file of that name, and maps it to read and
   /// write. The file is sparse: it takes disk space as pixels are written. The bounds become
-  /// 0 .. width - 1 and 0 .. height - 1. `color_map` is copied into the file.
+  /// 0 .. width - 1 and 0 .. height - 1. `color_map` is copied into the file; its planes must not
+  /// be this manager's, which lets go of them first.
   ///
   /// Throws ERROR_NOT_SUPPORTED_PIXEL_TYPE, ERROR_ARGUMENT (impossible bounds, or sides that a
   /// header can not hold), both before any file is touched; ERROR_CAN_NOT_CREATE_FILE,
@@ -139,7 +141,6 @@ class MEM_MGR {
   void BuildRowTable(std::int64_t first_column, std::int64_t first_row);
   void DeleteRowTable();
   void* const* RowTable(std::size_t pixel_size) const;
-  void CheckHeld() const;
   void CheckCanSave(const char* path) const;
   void WritePixels(const FILE_DESCRIPTOR& file, const char* path, std::size_t length) const;
 

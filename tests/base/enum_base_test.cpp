@@ -4,7 +4,6 @@
 
 #include <array>
 #include <thread>
-#include <vector>
 
 #include "base/pool_type.h"
 #include "failing_allocation.h"
@@ -141,9 +140,9 @@ TEST(ENUM_BASE, NoMemoryForTheNameIsReported) {
 }
 
 TEST(ENUM_BASE, InvalidTextsOfSeveralThreadsKeepApart) {
-  std::vector<std::thread> threads;
-  for (int number = 0; number < 4; ++number) {
-    threads.emplace_back([number] {
+  std::array<std::thread, 4> threads;
+  for (std::size_t number = 0; number < threads.size(); ++number) {
+    threads[number] = std::thread([number] {
       const std::string text = "unknown " + std::to_string(number);
       for (int i = 0; i < 200; ++i) {
         try {

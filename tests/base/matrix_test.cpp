@@ -20,7 +20,8 @@ TEST(MATRIX, RowTableAddressesOneRowMajorBlock) {
     for (int column = 10; column <= 13; ++column) {
       EXPECT_EQ(table[row][column], 0);
       table[row][column] = 100 * row + column;
-      EXPECT_EQ(&table[row][column], first + (row + 1) * 4 + (column - 10));
+      const std::ptrdiff_t position = 4L * (row + 1) + (column - 10);
+      EXPECT_EQ(&table[row][column] - first, position);
       EXPECT_EQ(matrix.At(row, column), 100 * row + column);
     }
   }

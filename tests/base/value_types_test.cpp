@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <cstddef>
 #include <cstring>
 #include <string>
 #include <type_traits>
@@ -40,10 +42,14 @@ TEST(VALUE_TYPES, StartAtZeroAndArePolymorphicButForComplex) {
 }
 
 TEST(COMPLEX, ArrayIsABlockOfInterleavedPairs) {
+  static_assert(sizeof(COMPLEX<float>[3]) == 6 * sizeof(float));
+  static_assert(offsetof(COMPLEX<float>, re) == 0);
+  static_assert(offsetof(COMPLEX<double>, im) == sizeof(double));
   const COMPLEX<float> values[] = {{1.0F, 2.0F}, {3.0F, 4.0F}};
-  const float pairs[] = {1.0F, 2.0F, 3.0F, 4.0F};
-  ASSERT_EQ(sizeof values, sizeof pairs);
-  EXPECT_EQ(std::memcmp(values, pairs, sizeof pairs), 0);
+  float pairs[4] = {};
+  std::memcpy(pairs, values, sizeof pairs);
+  EXPECT_EQ(pairs[1], 2.0F);
+  EXPECT_EQ(pairs[2], 3.0F);
 }
 
 TEST(LIST, KeepsTheOrderOfItsItems) {

@@ -55,7 +55,8 @@ class InterpolationKernelTest : public testing::Test {
 
   /// Distance from the target of sub-pixel position k to the sample of tap i.
   double Distance(int k, int i) const {
-    return i - (kernel_.Length() / 2 - 1) - k / static_cast<double>(kernel_.SubpixCount());
+    const int taps_before = kernel_.Length() / 2 - 1;
+    return i - taps_before - k / static_cast<double>(kernel_.SubpixCount());
   }
 
   template <class FORMULA>

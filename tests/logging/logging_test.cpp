@@ -6,12 +6,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
-#include <regex>
+#include <limits>
 #include <sstream>
 #include <thread>
 #include <vector>
 
+#include "logging/execution_time.h"
 #include "support/temporary_directory.h"
 
 namespace {
@@ -84,7 +86,7 @@ TEST_F(LOG, BothStylesWriteTagPrefixAndText) {
        << short{-5};
   log_ << DEBUG << std::numeric_limits<long long>::min() << ' '
        << std::numeric_limits<unsigned long>::max();
-  log_ << TRACE << 1.5F << ' ' << 0.1 << ' ' << -1e20 << ' ' << 1e-7L << ' ' << 2.5e30L;
+  log_ << TRACE << 1.5F << ' ' << 0.1 << ' ' << -1e9 << ' ' << 1e-7L << ' ' << 2.5e30L;
   log_ << NO_LEVEL << "below every threshold";
   log_.SetFileLevel(NO_LEVEL);
   log_ << NO_LEVEL << "unset level";
@@ -92,8 +94,7 @@ TEST_F(LOG, BothStylesWriteTagPrefixAndText) {
             (std::vector<std::string>{
                 "INFO  : resample : lines 7 to the end", "WARN  : resample : text string c -3 4 -5",
                 "DEBUG : resample : -9223372036854775808 18446744073709551615",
-                "TRACE : resample : 1.500000 0.100000 -100000000000000000000.000000 1E-07 "
-                "2.5E+30",
+                "TRACE : resample : 1.500000 0.100000 -1000000000.000000 1E-07 2.5E+30",
                 "LEV_? : resample : unset level"}));
 }
 
@@ -245,16 +246,16 @@ TEST_F(LOG, KeepsTheLastMessageThatReachedTheScreen) {
 }
 
 TEST_F(LOG, LinesOfThreadsNeverMix) {
-  constexpr int thread_count = 6;
+  constexpr std::size_t thread_count = 6;
   constexpr int message_count = 150;
   log_.SetScreenLevel(WARNING);
   const std::string shown = Screen([&] {
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < thread_count; ++thread) {
-      threads.emplace_back([&, thread] {
+    std::array<std::thread, thread_count> threads;
+    for (std::size_t thread = 0; thread < thread_count; ++thread) {
+      threads[thread] = std::thread([&, thread] {
         for (int i = 0; i < message_count; ++i) {
           log_ << WARNING << "stream " << thread << " says " << i << ": " << 0.5 << " done\n";
-          log_.Message(WARNING, "format %d says %d: %f done", thread, i, 0.5);
+          log_.Message(WARNING, "format %zu says %d: %f done", thread, i, 0.5);
         }
       });
     }
@@ -263,7 +264,7 @@ TEST_F(LOG, LinesOfThreadsNeverMix) {
     }
   });
   std::vector<std::string> expected;
-  for (int thread = 0; thread < thread_count; ++thread) {
+  for (std::size_t thread = 0; thread < thread_count; ++thread) {
     for (int i = 0; i < message_count; ++i) {
       for (const char* style : {"stream ", "format "}) {
         expected.push_back("WARN  : resample : " + (style + std::to_string(thread)) + " says " +
@@ -294,7 +295,7 @@ TEST_F(LOG_FILE, TemporaryLogMovesIntoTheRealOne) {
   WriteFile(Path("log"), "an older and longer log than the new one\n");
   LOGGING log("", "resample", NO_MESSAGE, DEBUG);
   const std::string temporary = OpenFile(log);
-  EXPECT_TRUE(std::regex_match(temporary, std::regex("/tmp/log\\.[^/]{6}"))) << temporary;
+  EXPECT_TRUE(temporary.starts_with("/tmp/log.") && temporary.size() == 15) << temporary;
   EXPECT_EQ(log.FileName(), "");
   log.Message(INFO, "early");
   log.Message(TRACE, "below the file level");
@@ -439,19 +440,15 @@ TEST_F(LOG, TrailerTellsEndAndDuration) {
   const std::time_t before = std::time(nullptr);
   log_.WriteTrailer();
   const std::time_t after = std::time(nullptr);
-  const std::vector<std::string> lines = Lines();
-  ASSERT_EQ(lines.size(), 3U);
-  EXPECT_EQ(lines[0], star_line);
-  std::vector<std::string> possible_ends;
+  // The second in which the trailer was written is one of a few.
+  std::vector<std::vector<std::string>> possible;
   for (std::time_t time = before; time <= after; ++time) {
-    possible_ends.push_back("INFO  : resample : end time: " + TimeText(time));
+    possible.push_back(
+        {star_line, "INFO  : resample : end time: " + TimeText(time),
+         "INFO  : resample : execution time:" + ExecutionTime(time - log_.StartTime())});
   }
-  EXPECT_NE(std::find(possible_ends.begin(), possible_ends.end(), lines[1]), possible_ends.end())
-      << lines[1];
-  EXPECT_TRUE(std::regex_match(
-      lines[2],
-      std::regex("INFO  : resample : execution time: (less than 1 second|[0-9]+ second\\(s\\))")))
-      << lines[2];
+  EXPECT_NE(std::find(possible.begin(), possible.end(), Lines()), possible.end())
+      << ReadFile(Path("log"));
 }
 
 TEST(LOGGING_USER, FirstUserCreatesTheLogAndTheLastOneEndsIt) {

@@ -171,7 +171,7 @@ TEST_F(MatrixInterpolationTest, HigherDegreesNeedAllTheirNodes) {
   const NODES nodes(12, 9, One);
   for (const unsigned degree : {4U, 6U}) {
     nodes.InitInterpolation(interpolation_, degree);
-    const double half = degree / 2;
+    const double half = degree * 0.5;
     EXPECT_TRUE(IsInside(half - 1.0, half - 1.0));
     EXPECT_TRUE(IsInside(std::nextafter(12.0 - half, 0.0), std::nextafter(9.0 - half, 0.0)));
     EXPECT_FALSE(IsInside(std::nextafter(half - 1.0, 0.0), 4.0));

@@ -1,0 +1,38 @@
+# The packages that the other scripts need, by their Debian names. Sourced, not run.
+
+build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev)
+test_packages=(libgtest-dev)
+demo_packages=("${build_packages[@]}")
+
+# Whether a package's part that we use is there, wherever it came from.
+is_present() {
+  case $1 in
+    ninja-build) command -v ninja ;;
+    libcli11-dev) pkg-config --exists CLI11 ;;
+    libfftw3-dev) pkg-config --exists fftw3 ;;
+    libgd-dev) pkg-config --exists gdlib ;;
+    libgtest-dev) pkg-config --exists gtest ;;
+    *) command -v "$1" ;;
+  esac >/dev/null 2>&1
+}
+
+# install_packages NAME...: installs what is missing, without a question. Ends the script where
+# that is not possible, and says what is missing.
+install_packages() {
+  local name missing=() root=()
+  for name in "$@"; do
+    is_present "$name" || missing+=("$name")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+
+  if ! command -v apt-get >/dev/null; then
+    printf 'Please install these packages (the names are those of Debian): %s\n' \
+      "${missing[*]}" >&2
+    exit 1
+  fi
+  [ "$(id -u)" -eq 0 ] || root=(sudo)
+  printf 'Installing %s\n' "${missing[*]}"
+  "${root[@]}" apt-get update -qq
+  "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}

@@ -1,0 +1,108 @@
+#include "control/processing_history.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "support/log_capture.h"
+#include "support/temporary_directory.h"
+
+namespace {
+
+class PROCESSING_HISTORY_TEST : public ::testing::Test {
+ protected:
+  void AddRun(const std::string& name, const std::string& version, std::time_t start_time,
+              const std::string& prefix = "") {
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(path_.c_str());
+    PROCESSING_HISTORY(prefix).AddRun(pool, {name, version, "2020-02-06T13:09:23", start_time});
+    pool.Update();
+  }
+
+  /// The texts of a vector of the pool, each followed by a "|".
+  std::string Texts(const char* key) const {
+    ARRAY<STRING> vector;
+    PARAMETER_POOL(path_.c_str()).Read(key, vector);
+    std::string texts;
+    for (int i = 0; i < vector.Size(); ++i) {
+      texts += std::string(vector.Pointer(0)[i].Text()) + "|";
+    }
+    return texts;
+  }
+
+  ARRAY<int> ExecutionTimes() const {
+    ARRAY<int> times;
+    PARAMETER_POOL(path_.c_str()).Read("software_execution_times", times);
+    return times;
+  }
+
+  LOG_CAPTURE log_;
+  TEMPORARY_DIRECTORY directory_;
+  std::string path_ = directory_.File("pool.txt");
+};
+
+TEST_F(PROCESSING_HISTORY_TEST, AppendsNewProgramsAndReplacesKnownOnes) {
+  const std::string others = "# products\nn_lines INT_32 5\n";
+  WriteFile(path_, others);
+  const std::time_t now = std::time(nullptr);
+  AddRun("coregister", "1", now - 10);
+  AddRun("Resample", "2", now - 20);
+  AddRun("coregister", "3", now - 3000);
+  EXPECT_EQ(Texts("software_names"), "coregister|Resample|");
+  EXPECT_EQ(Texts("software_versions"), "3|2|");
+  EXPECT_EQ(Texts("software_dates"), "2020-02-06T13:09:23|2020-02-06T13:09:23|");
+  const std::string time = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\|)";
+  EXPECT_TRUE(std::regex_match(Texts("software_start_times"), std::regex(time + time)));
+  EXPECT_TRUE(std::regex_match(Texts("software_end_times"), std::regex(time + time)));
+  EXPECT_LT(Texts("software_start_times"), Texts("software_end_times"));
+  const ARRAY<int> seconds = ExecutionTimes();
+  ASSERT_EQ(seconds.Size(), 2);
+  EXPECT_NEAR(seconds.Origin()[0], 3000, 600);
+  EXPECT_NEAR(seconds.Origin()[1], 20, 600);
+  EXPECT_EQ(ReadFile(path_).rfind(others, 0), 0U);
+}
+
+TEST_F(PROCESSING_HISTORY_TEST, GrowsByThePrograms) {
+  WriteFile(path_, "");
+  for (const char* program : {"a", "b", "a", "B", "c"}) {
+    AddRun(program, "1", std::time(nullptr));
+  }
+  EXPECT_EQ(Texts("software_names"), "a|b|B|c|");
+  const std::size_t size = ReadFile(path_).size();
+  AddRun("b", "2", std::time(nullptr));
+  EXPECT_EQ(ReadFile(path_).size(), size);
+}
+
+TEST_F(PROCESSING_HISTORY_TEST, TimesDoNotRunBackwards) {
+  WriteFile(path_, "");
+  AddRun("early", "1", std::time(nullptr) + 1000);
+  EXPECT_EQ(ExecutionTimes().Origin()[0], 0);
+}
+
+TEST_F(PROCESSING_HISTORY_TEST, PrefixesKeepHistoriesApart) {
+  WriteFile(path_, "");
+  AddRun("one", "1", std::time(nullptr));
+  AddRun("two", "1", std::time(nullptr), "slave_");
+  EXPECT_EQ(Texts("software_names"), "one|");
+  EXPECT_EQ(Texts("slave_software_names"), "two|");
+}
+
+TEST_F(PROCESSING_HISTORY_TEST, LeavesAPoolAloneWhoseHistoryIsIncomplete) {
+  WriteFile(path_, "");
+  AddRun("one", "1", std::time(nullptr));
+  const std::string whole = ReadFile(path_);
+  std::string incomplete = whole;
+  incomplete.replace(incomplete.find("software_dates"), 8, "SOFTWARE");
+  WriteFile(path_, incomplete);
+  EXPECT_THROW(AddRun("two", "1", std::time(nullptr)), PARAMETER_KEY_NOT_FOUND);
+  EXPECT_EQ(ReadFile(path_), incomplete);
+  EXPECT_TRUE(log_.Has("ALARM : parameter pool: parameter key >> software_dates << not found"));
+
+  std::string uneven = whole;
+  const std::size_t times = uneven.find("INT_32_V        0 1");
+  uneven.replace(times, uneven.find('}') - uneven.find('{'), "INT_32_V        0 2\n{\n1\n2\n} #");
+  WriteFile(path_, uneven);
+  EXPECT_THROW(AddRun("two", "1", std::time(nullptr)), ERROR_DATA);
+  EXPECT_EQ(ReadFile(path_), uneven);
+}
+
+}  // namespace

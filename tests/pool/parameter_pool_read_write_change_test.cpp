@@ -1,0 +1,201 @@
+#include "pool/parameter_pool_read_write_change.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/data_type.h"
+#include "base/vector.h"
+#include "pool/pool_test.h"
+#include "pool/pool_values.h"
+
+namespace {
+
+class POOL_WRITE : public POOL_TEST {
+ protected:
+  void SetUp() override { SetPool(""); }
+
+  /// The text of a pool with this one entry.
+  template <class T>
+  std::string Written(const char* key, const T& value, const LIST<STRING>& comments = {}) {
+    SetPool("");
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+    pool.Write(key, value, comments);
+    pool.Update();
+    return PoolText();
+  }
+
+  /// Writing this value is refused with ERROR, and nothing is registered.
+  template <class ERROR, class T>
+  void ExpectRefusal(const char* key, const T& value) {
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+    EXPECT_THROW(pool.Write(key, value), ERROR) << key;
+    EXPECT_EQ(log_.Lines().back().rfind("ALARM : parameter pool: parameter key >> ", 0), 0U);
+    pool.Update();
+    EXPECT_EQ(PoolText(), "");
+  }
+};
+
+/// Calls `visit(key, sample)` for every sample of every type.
+template <class VISIT>
+void ForEachSample(VISIT visit) {
+  ForEachPoolType([&]<class T>() {
+    int number = 0;
+    for (const T& sample : SAMPLES<T>::Make()) {
+      const std::string key =
+          std::string(PoolTypeWord(pool_type_of<T>)) + "_" + std::to_string(number++);
+      visit(STRING(key.c_str()), sample);
+    }
+  });
+}
+
+TEST_F(POOL_WRITE, ReadsBackEqualForEveryTypeAndIsStable) {
+  const auto write_all = [&] {
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+    ForEachSample([&](const STRING& key, const auto& sample) { pool.Write(key, sample); });
+    pool.Update();
+  };
+  write_all();
+  const std::string text = PoolText();
+  PARAMETER_POOL reader(Path());
+  ForEachSample([&]<class T>(const STRING& key, const T& sample) {
+    T value{};
+    reader.Read(key, value);
+    EXPECT_TRUE(Same(value, sample)) << key.Text();
+  });
+  write_all();
+  EXPECT_EQ(PoolText(), text);
+}
+
+TEST_F(POOL_WRITE, Layout) {
+  EXPECT_EQ(Written("key", true), "key                             BOL             TRUE\n\n");
+  EXPECT_EQ(Written("key", 1.5F),
+            "key                             FLT_6           1.500000E+00\n\n");
+  EXPECT_EQ(Written("key", 0.1),
+            "key                             FLT_15          1.00000000000000006E-01\n\n");
+  EXPECT_EQ(Written("key", STRING("a \"b\" \\")),
+            "key                             STR             \"a \\\"b\\\" \\\\\"\n\n");
+  EXPECT_EQ(Written("key_of_32_characters____________", POINT<int>(1, -2)),
+            "key_of_32_characters____________ INT_32_INT_32   1 -2\n\n");
+  EXPECT_EQ(Written("key", Vector<short>({7, 8}), {"first", "second\nthird"}),
+            "#first\n#second\n#third\n"
+            "key                             INT_16_V        0 2\n  {\n    7\n    8\n  }\n\n");
+  EXPECT_EQ(Written("key", Matrix<char>(1, 2, {{3}, {4}})),
+            "key                             INT_8_M         1 2 2 1\n"
+            "  {\n    {\n      3\n    }\n    {\n      4\n    }\n  }\n\n");
+}
+
+TEST_F(POOL_WRITE, VectorsKeepTheirIndices) {
+  VECTOR<int> vector;
+  vector.Create(RANGE<int>(2, 1));
+  vector.Origin()[2] = 5;
+  EXPECT_EQ(Written("key", vector),
+            "key                             INT_32_V        2 1\n  {\n    5\n  }\n\n");
+  ARRAY<int> value;
+  PARAMETER_POOL(Path()).Read("key", value);
+  EXPECT_TRUE(Same(value, Vector({0, 0, 5})));
+}
+
+TEST_F(POOL_WRITE, RefusesWhatWouldNotReadBack) {
+  const std::string long_text(1024 - 48 - 2 + 1, 'x');
+  ExpectRefusal<INVALID_PARAMETER_VALUE>("key", STRING("two\nlines"));
+  ExpectRefusal<INVALID_PARAMETER_VALUE>("key", Vector<STRING>({"one\r"}));
+  ExpectRefusal<INVALID_PARAMETER_VALUE>("key", STRING(long_text.c_str()));
+  ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", -HUGE_VAL);
+  ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", HUGE_VALF);
+  ARRAY<int> negative;
+  negative.Create(RANGE<int>(-1, 1));
+  ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", negative);
+  ExpectRefusal<PARAMETER_KEY_TOO_LONG>(std::string(101, 'k').c_str(), 1);
+  for (const char* key : {"", "#key", " key", "two words", "two\tcolumns"}) {
+    ExpectRefusal<ERROR_ARGUMENT>(key, 1);
+  }
+}
+
+TEST_F(POOL_WRITE, AKeyOnceAndChangesOfKnownKeysOnly) {
+  SetPool("in_file INT_32 1\n");
+  PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+  pool.Write("new", 1);
+  EXPECT_TRUE(log_.Has(std::string("TRACE : PP.Write ") + Path() + " new INT_32"));
+  EXPECT_THROW(pool.Write("new", 2), PARAMETER_KEY_EXISTS);
+  pool.Change("new", 3.0);
+  pool.Change("in_file", 4);
+  EXPECT_TRUE(log_.Has(std::string("TRACE : PP.Change ") + Path() + " in_file INT_32"));
+  EXPECT_THROW(pool.Change("unknown", 5), PARAMETER_KEY_NOT_FOUND);
+  int number = 0;
+  pool.Read("in_file", number);
+  EXPECT_EQ(number, 1) << "reading answers from the file";
+  EXPECT_FALSE(pool.Exists("new"));
+
+  pool.Update();
+  double real = 0.0;
+  pool.Read("new", real);
+  EXPECT_EQ(real, 3.0);
+  pool.Read("in_file", number);
+  EXPECT_EQ(number, 4);
+  EXPECT_FALSE(pool.Exists("unknown"));
+}
+
+TEST_F(POOL_WRITE, EnumerationsByName) {
+  const BASIC::TYPES::DataType type(3);
+  PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+  pool.WriteEnumeration("type", type);
+  pool.Update();
+  BASIC::TYPES::DataType read;
+  pool.ReadEnumeration("type", read);
+  EXPECT_EQ(read, type);
+}
+
+TEST_F(POOL_WRITE, OpensForUpdateOnlyWhatIsThere) {
+  const std::string missing = (Directory() / "missing").string();
+  for (const std::string& path : {missing, Directory().string()}) {
+    EXPECT_THROW(PARAMETER_POOL_READ_WRITE_CHANGE{path.c_str()}, CAN_NOT_OPEN_POOL);
+    EXPECT_EQ(log_.Lines().back(), "ALARM : can not open pool file for update " + path);
+    EXPECT_TRUE(log_.Has("DEBUG : construct pool_rwc: " + path));
+  }
+}
+
+TEST_F(POOL_WRITE, DestructorUpdates) {
+  { PARAMETER_POOL_READ_WRITE_CHANGE(Path()).Write("key", 1); }
+  EXPECT_TRUE(PARAMETER_POOL(Path()).Exists("key"));
+}
+
+TEST_F(POOL_WRITE, DestructorReportsFailureUnlessAnotherIsOnItsWay) {
+  const auto fail_to_update = [&] {
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+    pool.Write("key", 1);
+    std::filesystem::remove(Path());
+  };
+  EXPECT_THROW(fail_to_update(), NO_UPDATE_PERMISSION_FOR_POOL);
+
+  SetPool("");
+  const auto fail_while_unwinding = [&] {
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+    pool.Write("key", 1);
+    std::filesystem::remove(Path());
+    throw ERROR_DATA();
+  };
+  EXPECT_THROW(fail_while_unwinding(), ERROR_DATA);
+
+  SetPool("");
+  try {
+    throw ERROR_DATA();
+  } catch (const ERROR_DATA&) {
+    EXPECT_NO_THROW(fail_to_update()) << "while another exception is handled";
+  }
+  const std::string alarm = std::string("ALARM : no permission to change pool file: ") + Path() +
+                            ": No such file or directory";
+  const std::vector<std::string> lines = log_.Lines();
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), alarm), 3);
+}
+
+TEST_F(POOL_WRITE, AFailedUpdateIsNotTriedAgain) {
+  PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+  pool.Write("key", 1);
+  std::filesystem::remove(Path());
+  EXPECT_THROW(pool.Update(), NO_UPDATE_PERMISSION_FOR_POOL);
+  SetPool("kept\n");
+  pool.Update();
+  EXPECT_EQ(PoolText(), "kept\n");
+}
+
+}  // namespace

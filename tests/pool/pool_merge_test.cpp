@@ -1,0 +1,164 @@
+#include "pool/pool_merge.h"
+
+#include <fcntl.h>
+
+#include <random>
+
+#include "pool/pool_test.h"
+
+namespace {
+
+constexpr const char* entry = "k                               INT_32          2\n\n";
+constexpr const char* other_entry = "new                             STR             \"n\"\n\n";
+
+class POOL_MERGE : public POOL_TEST {
+ protected:
+  /// What the pool of this text becomes when the entries "k" (and "new") are written.
+  std::string Merged(std::string_view text, bool with_new = false) {
+    PARAMETER_POOL_LIST items;
+    items.Add(PARAMETER_POOL_ITEM("k", 2, {}));
+    if (with_new) {
+      items.Add(PARAMETER_POOL_ITEM("new", STRING("n"), {}));
+    }
+    return MergedWith(text, items);
+  }
+
+  std::string MergedWith(std::string_view text, const PARAMETER_POOL_LIST& items) {
+    SetPool(text);
+    const POOL_FILE file(Path(), O_RDONLY);
+    POOL_LINES lines(file);
+    std::vector<POOL_LINE> all;
+    for (POOL_LINE line; lines.Next(line);) {
+      all.push_back(line);
+    }
+    return MergeIntoPool(all, items);
+  }
+
+  /// Merging replaces the part between the other two by the entry and keeps those.
+  void ExpectReplaced(const std::string& before, const std::string& old_entry,
+                      const std::string& behind) {
+    EXPECT_EQ(Merged(before + old_entry + behind), before + entry + behind);
+  }
+};
+
+TEST_F(POOL_MERGE, ReplacesAnEntryWithItsBlockAndTheBlankLinesBehindIt) {
+  const std::string front = "# comment\r\n\r\n  \t odd\r\nother\tINT_32\t  1 \r\n";
+  const std::string back = "other_v STR_V 0 2\n{\n k\n\"k\"\n}\n   \n";
+  for (const char* old_entry : {
+           "k INT_32 1\n",
+           "k INT_32 1\r\n",
+           "k INT_32 1\r",
+           "k\tFLT_15\t1.0 k\n\n\r\n \t \n",
+           "k\n",
+           "k INT_32_V 0 2\n{\n1\n2\n}\n",
+           "k INT_32_V 0 0\r\n {\r\n }\r\n\r\n",
+           "k STR_V 0 3\n{\n{\n#\n k STR x\n}\n\n",
+           "k FLT_15_M 0 2 0 1\n{\n{\n1\n}\n{\n2\n}\n}\n",
+           "k FUTURE_M 0 1\n  {\n  {\n  }\n  }\n",
+       }) {
+    SCOPED_TRACE(old_entry);
+    ExpectReplaced("", old_entry, "");
+    ExpectReplaced(front, old_entry, back);
+  }
+  ExpectReplaced(front, "k INT_32 1", "");
+  ExpectReplaced(front, "k INT_32_V 0 1\n{\n1\n}", "");
+}
+
+TEST_F(POOL_MERGE, KeepsWhatFollowsADamagedEntry) {
+  for (const char* behind : {
+           "{\n1\n2\nnext INT_32 5\nlast STR_V 0 1\n{\nx\n}\n",
+           "{\n1\n2\n",
+           "{\n",
+           "1\n2\n}\n",
+       }) {
+    SCOPED_TRACE(behind);
+    ExpectReplaced("a INT_32 1\n", "k INT_32_V 0 3\n", behind);
+  }
+  ExpectReplaced("", "k INT_32 1\n", "{\n1\n}\n");
+  ExpectReplaced("", "k INT_32 1\n", " indented\n# comment\n");
+}
+
+TEST_F(POOL_MERGE, ReplacesEveryEntryOfTheKey) {
+  EXPECT_EQ(Merged("k INT_32 1\n k INT_32 1\nkk INT_32 1\nk STR x\n# k INT_32 1\n"),
+            std::string(entry) + " k INT_32 1\nkk INT_32 1\n" + entry + "# k INT_32 1\n");
+}
+
+TEST_F(POOL_MERGE, AppendsBehindABlankLine) {
+  const std::string both = std::string(entry) + other_entry;
+  EXPECT_EQ(Merged("", true), both);
+  EXPECT_EQ(Merged("\n", true), "\n" + both);
+  EXPECT_EQ(Merged("a INT_32 1\n", true), "a INT_32 1\n\n" + both);
+  EXPECT_EQ(Merged("a INT_32 1\n\n", true), "a INT_32 1\n\n" + both);
+  EXPECT_EQ(Merged("a INT_32 1\r\n \r\n", true), "a INT_32 1\r\n \r\n" + both);
+  EXPECT_EQ(Merged("a INT_32 1", true), "a INT_32 1\n\n" + both);
+  EXPECT_EQ(Merged("# k", true), "# k\n\n" + both);
+  EXPECT_EQ(Merged("k INT_32 1\na INT_32 1", true),
+            entry + std::string("a INT_32 1\n\n") + other_entry);
+}
+
+TEST_F(POOL_MERGE, CopiesLongLinesExactly) {
+  const std::string long_comment = "#" + std::string(5000, '.') + "\r\n";
+  const std::string long_text = "t STR " + std::string(5000, 'k') + " k INT_32 1\n";
+  ExpectReplaced(long_comment + long_text, "k INT_32 1\n", long_text + long_comment);
+  const std::string full_piece = "#" + std::string(1023, '.');
+  ExpectReplaced(full_piece, "k INT_32 1\n", "a INT_32 1\n");
+}
+
+TEST_F(POOL_MERGE, CopiesAnyBytes) {
+  std::string bytes = "#";
+  for (int byte = 0; byte < 256; ++byte) {
+    bytes += static_cast<char>(byte);
+  }
+  ExpectReplaced(bytes + "\n", "k INT_32 1\n", bytes);
+}
+
+TEST_F(POOL_MERGE, DoesNotRepeatCommentsThatStandThere) {
+  PARAMETER_POOL_LIST items;
+  items.Add(PARAMETER_POOL_ITEM("k", 2, {"note"}));
+  const std::string once = MergedWith("a STR x#note\n", items);
+  EXPECT_EQ(once, std::string("a STR x#note\n\n#note\n") + entry);
+  EXPECT_EQ(MergedWith(once, items), once);
+  EXPECT_EQ(MergedWith("a STR x#note\nk BOL TRUE\n", items),
+            std::string("a STR x#note\n#note\n") + entry);
+}
+
+/// Pools put together at random from entries of the key and from other pieces, each of which
+/// knows what becomes of it.
+TEST_F(POOL_MERGE, KeepsAllButTheEntriesOfAnyPool) {
+  const std::vector<std::string> old_entries = {
+      "k INT_32 1\n",
+      "k  STR \"k INT_32 1\"\r\n\r\n",
+      "k STR_V 0 2\n{\n a\n \"}\"\n}\n\n\n",
+      "k INT_32_M 0 1 0 1\n {\r\n {\r\n 1\r\n }\r\n }\r\n",
+      "k\r",
+  };
+  const std::vector<std::string> others = {
+      "# k INT_32 1\n",
+      " k INT_32 1\r\n",
+      "kk INT_32 1\n\n\n",
+      "\tindented\n",
+      "v INT_32_V 0 2\n{\n1\n2\n}\n",
+      "m STR_M 0 1 0 1\r\n{\r\n{\r\nx\r\n}\r\n}\r\n",
+      "damaged INT_32_V 0 2\n{\n1\n",
+      "}\n",
+      "no_type\r",
+      "long STR " + std::string(3000, 'x') + "\n",
+  };
+  std::mt19937 random(7);
+  const auto pick = [&](const std::vector<std::string>& pieces) {
+    return pieces[random() % pieces.size()];
+  };
+  for (int round = 0; round < 300; ++round) {
+    std::string before;
+    std::string expected;
+    for (auto piece = random() % 12 + 1; piece > 0; --piece) {
+      const std::string kept = pick(others);
+      const std::string replaced = pick(old_entries);
+      before += kept + replaced;
+      expected += kept + entry;
+    }
+    ASSERT_EQ(Merged(before), expected) << before;
+  }
+}
+
+}  // namespace

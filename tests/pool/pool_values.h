@@ -1,0 +1,222 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <initializer_list>
+#include <limits>
+#include <random>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "pool/pool_value_type.h"
+
+// Sample values of every type that a pool can hold, and what it takes to compare them.
+
+/// Calls `visit.template operator()<T>()` for each of the 47 types.
+template <class VISIT>
+void ForEachPoolType(VISIT visit) {
+  const auto visit_with_vectors = [&]<class... T>() {
+    (visit.template operator()<T>(), ...);
+    (visit.template operator()<ARRAY<T>>(), ...);
+  };
+  const auto visit_matrices = [&]<class... T>() { (visit.template operator()<MATRIX<T>>(), ...); };
+  visit_with_vectors.template operator()<
+      bool, unsigned char, char, short, int, long long, float, double, STRING, COMPLEX<float>,
+      COMPLEX<double>, POINT<int>, POINT<long long>, POINT<float>, POINT<double>, INDEX<int, int>,
+      INDEX<int, float>, INDEX<int, double>, TUPLE<STRING>>();
+  visit_matrices.template operator()<unsigned char, char, short, int, float, double, COMPLEX<float>,
+                                     COMPLEX<double>, STRING>();
+}
+
+/// Equal to the last bit; of NaNs only the sign counts.
+template <class T>
+requires std::is_arithmetic_v<T> || std::is_same_v<T, STRING>
+bool Same(const T& a, const T& b) {
+  if constexpr (std::is_floating_point_v<T>) {
+    const bool equal = std::isnan(a) ? std::isnan(b) : a == b;
+    return equal && std::signbit(a) == std::signbit(b);
+  } else {
+    return a == b;
+  }
+}
+template <class T>
+bool Same(const COMPLEX<T>& a, const COMPLEX<T>& b) {
+  return Same(a.re, b.re) && Same(a.im, b.im);
+}
+template <class T>
+bool Same(const TUPLE<T>& a, const TUPLE<T>& b) {
+  return Same(a.x, b.x) && Same(a.y, b.y);
+}
+template <class T>
+bool Same(const INDEX<int, T>& a, const INDEX<int, T>& b) {
+  return a.key == b.key && Same(a.value, b.value);
+}
+template <class T>
+bool Same(const ARRAY<T>& a, const ARRAY<T>& b) {
+  bool same = a.Range() == b.Range();
+  for (int i = a.First(); same && i <= a.Last(); ++i) {
+    same = Same(a.Origin()[i], b.Origin()[i]);
+  }
+  return same;
+}
+template <class T>
+bool Same(const MATRIX<T>& a, const MATRIX<T>& b) {
+  const RANGE<int> rows = a.Rows();
+  const RANGE<int> columns = a.Columns();
+  bool same = rows == b.Rows() && columns == b.Columns();
+  for (int row = rows.First(); same && row <= rows.Last(); ++row) {
+    for (int column = columns.First(); same && column <= columns.Last(); ++column) {
+      same = Same(a.At(row, column), b.At(row, column));
+    }
+  }
+  return same;
+}
+
+/// Values of a scalar type: the ordinary, the extreme and the awkward ones.
+template <class T>
+struct SAMPLES {
+  static std::vector<T> Make() {
+    using LIMITS = std::numeric_limits<T>;
+    std::vector<T> values = {T(0), T(1), T(100), LIMITS::lowest(), LIMITS::max()};
+    if constexpr (std::is_floating_point_v<T>) {
+      const T one_third = T(1) / T(3);
+      const T more[] = {-T(0),
+                        T(0.1),
+                        one_third,
+                        LIMITS::min(),
+                        LIMITS::epsilon(),
+                        -LIMITS::denorm_min(),
+                        LIMITS::quiet_NaN(),
+                        -LIMITS::quiet_NaN()};
+      values.insert(values.end(), std::begin(more), std::end(more));
+      AddAnyBits(values);
+    }
+    return values;
+  }
+
+ private:
+  /// Finite numbers of evenly spread bit patterns.
+  static void AddAnyBits(std::vector<T>& values) {
+    using BITS = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 200; ++i) {
+      const T value = std::bit_cast<T>(static_cast<BITS>(random()));
+      values.push_back(std::isfinite(value) ? value : T(i));
+    }
+  }
+};
+
+template <>
+struct SAMPLES<bool> {
+  static std::array<bool, 2> Make() { return {true, false}; }
+};
+
+template <>
+struct SAMPLES<STRING> {
+  static std::vector<STRING> Make() {
+    const std::string longest_on_key_line(1024 - 48 - 2, 'x');
+    return {"",
+            " ",
+            "  two  blanks  ",
+            "\ttab",
+            "a \"quoted\" word",
+            "\"",
+            "back\\slash",
+            "\\",
+            "\\\"",
+            "#no comment",
+            "{",
+            "}",
+            "key INT_32 5",
+            "1.5E3",
+            "\xC3\xA4\xFF",
+            longest_on_key_line.c_str()};
+  }
+};
+
+/// Pairs of the samples, from both ends.
+template <class PAIR, class FIRST, class SECOND>
+struct PAIR_SAMPLES {
+  static std::vector<PAIR> Make() {
+    const std::vector<FIRST> first = SAMPLES<FIRST>::Make();
+    const std::vector<SECOND> second = SAMPLES<SECOND>::Make();
+    std::vector<PAIR> pairs;
+    for (std::size_t i = 0; i < second.size(); ++i) {
+      pairs.push_back(PAIR{first[i % first.size()], second[second.size() - 1 - i]});
+    }
+    return pairs;
+  }
+};
+
+template <class T>
+struct SAMPLES<COMPLEX<T>> : PAIR_SAMPLES<COMPLEX<T>, T, T> {};
+template <class T>
+struct SAMPLES<POINT<T>> : PAIR_SAMPLES<POINT<T>, T, T> {};
+template <class T>
+struct SAMPLES<INDEX<int, T>> : PAIR_SAMPLES<INDEX<int, T>, int, T> {};
+
+template <>
+struct SAMPLES<TUPLE<STRING>> {
+  static std::vector<TUPLE<STRING>> Make() {
+    return {{"", ""}, {"one", "two words"}, {"\"", "\\"}, {" , ", "#"}, {"}", "{"}};
+  }
+};
+
+/// The empty vector and one of all samples.
+template <class T>
+struct SAMPLES<ARRAY<T>> {
+  static std::vector<ARRAY<T>> Make() {
+    const auto elements = SAMPLES<T>::Make();
+    std::vector<ARRAY<T>> vectors(2);
+    vectors[1].Create(RANGE<int>(0, static_cast<int>(elements.size())));
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      vectors[1].Origin()[i] = elements[i];
+    }
+    return vectors;
+  }
+};
+
+/// Matrices without anything, without columns and without rows, and one of all samples in two
+/// rows with indices that do not begin at 0.
+template <class T>
+struct SAMPLES<MATRIX<T>> {
+  static std::vector<MATRIX<T>> Make() {
+    const auto elements = SAMPLES<T>::Make();
+    const int width = static_cast<int>(elements.size());
+    std::vector<MATRIX<T>> matrices(4);
+    matrices[1].Create(RANGE<int>(1, 3), RANGE<int>(2, 0));
+    matrices[2].Create(RANGE<int>(0, 0), RANGE<int>(2, 3));
+    matrices[3].Create(RANGE<int>(3, 2), RANGE<int>(7, width));
+    T* const* const table = matrices[3].GetNumRecMatrix();
+    for (int i = 0; i < width; ++i) {
+      table[3][7 + i] = elements[static_cast<std::size_t>(i)];
+      table[4][7 + i] = elements[static_cast<std::size_t>(width - 1 - i)];
+    }
+    return matrices;
+  }
+};
+
+/// A vector of these elements from index 0 on, and a matrix of these rows.
+template <class T>
+ARRAY<T> Vector(std::initializer_list<T> elements) {
+  ARRAY<T> vector;
+  vector.Create(RANGE<int>(0, static_cast<int>(elements.size())));
+  std::copy(elements.begin(), elements.end(), vector.Origin());
+  return vector;
+}
+template <class T>
+MATRIX<T> Matrix(int first_row, int first_column,
+                 std::initializer_list<std::initializer_list<T>> rows) {
+  MATRIX<T> matrix;
+  matrix.Create(RANGE<int>(first_row, static_cast<int>(rows.size())),
+                RANGE<int>(first_column, static_cast<int>(rows.begin()->size())));
+  T* const* const table = matrix.GetNumRecMatrix();
+  for (const std::initializer_list<T>& row : rows) {
+    std::copy(row.begin(), row.end(), table[first_row++] + first_column);
+  }
+  return matrix;
+}

@@ -1,0 +1,259 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <random>
+#include <thread>
+
+#include "run_folder.h"
+
+namespace {
+
+struct SIGNAL_TEXT {
+  int number;
+  const char* text;
+};
+
+constexpr std::array caught_signals = {
+    SIGNAL_TEXT{1, "hangup"},
+    SIGNAL_TEXT{2, "interrupt (rubout)"},
+    SIGNAL_TEXT{3, "quit (ASCII FS)"},
+    SIGNAL_TEXT{4, "illegal instruction (not reset when caught)"},
+    SIGNAL_TEXT{6, "IOT instruction"},
+    SIGNAL_TEXT{7, "bus error"},
+    SIGNAL_TEXT{8, "floating point exception"},
+    SIGNAL_TEXT{11, "segmentation violation"},
+    SIGNAL_TEXT{15, "software termination signal from kill"},
+    SIGNAL_TEXT{23, "urgent socket condition"},
+    SIGNAL_TEXT{24, "exceeded cpu limit"},
+    SIGNAL_TEXT{25, "exceeded file size limit"},
+    SIGNAL_TEXT{31, "bad argument to system call"}};
+
+SIGNAL_TEXT CaughtSignal(int number) {
+  return *std::find_if(caught_signals.begin(), caught_signals.end(),
+                       [=](const SIGNAL_TEXT& signal) { return signal.number == number; });
+}
+
+/// Every line of the log begins with a tag and the program; only the last one may be cut.
+void ExpectWholeLines(const std::vector<std::string>& lines) {
+  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+    EXPECT_EQ(lines[i].find(" : resample : "), 5U) << lines[i];
+  }
+}
+
+/// What a run that a signal ended must leave.
+void ExpectReported(const RUN_FOLDER& folder, const PROCESS_END& end, const SIGNAL_TEXT& signal) {
+  ExpectFailure(folder, end);
+  const std::string text = "got fatal signal " + std::to_string(signal.number) + ": " + signal.text;
+  EXPECT_EQ(folder.CountLogLines(alarm_begin + text), 1) << folder.Content("log.run");
+  EXPECT_EQ(folder.CountLogLines(alarm_begin + "KVT_MSG|ERROR|resample " + text), 1)
+      << "the supervisor knows the program, not the run";
+  ExpectWholeLines(folder.LogLines());
+}
+
+void Pause(std::chrono::microseconds time) {
+  std::this_thread::sleep_for(time);
+}
+
+/// Waits until a file stands in the folder or the process has ended without it.
+void AwaitFile(const RUN_FOLDER& folder, const PROCESS& process, const char* name) {
+  while (!folder.Exists(name) && !process.HasEnded()) {
+    Pause(std::chrono::microseconds(50));
+  }
+}
+
+/// A pool that is updated in place must be there as it was or as it is to be, or else as the
+/// complete temporary file beside it.
+void ExpectNothingLost(const RUN_FOLDER& folder, const std::string& before) {
+  const std::string last_entry = before.substr(before.rfind("\n\n", before.size() - 3));
+  const auto is_whole = [&](const std::filesystem::path& path) {
+    return ReadFile(path).find(last_entry) != std::string::npos;
+  };
+  bool found = is_whole(folder.Path("insar.pool"));
+  for (const auto& entry : std::filesystem::directory_iterator(folder.Directory())) {
+    if (entry.path().filename().string().starts_with("pool_")) {
+      found = found || is_whole(entry.path());
+    }
+  }
+  EXPECT_TRUE(found) << folder.Content("insar.pool");
+}
+
+constexpr int kills = 208;
+
+TEST(Kill, AtAnyMomentIsReported) {
+  using CLOCK = std::chrono::steady_clock;
+  SCENE scene = OrdinaryScene();
+  // An entry after the one that the run writes shows whether the pool is whole.
+  scene.mapping = POLYNOMIAL_MAPPING_DATA{{1.5, 0, 0, 0, 0, 0}, {0.5, 0, 0, 0, 0, 0}};
+  RUN_FOLDER folder(scene);
+  const std::string pool = folder.Content("insar.pool");
+  folder.parameters["lfl"] = "TRACE";
+  folder.parameters["lsl"] = "TRACE";
+  folder.parameters["MAPPING_FORMAT"] = "polynomial";
+  folder.environment["PARALLEL"] = "4";
+
+  const auto start = CLOCK::now();
+  ExpectSuccess(folder, folder.Run());
+  const auto duration =
+      std::chrono::duration_cast<std::chrono::microseconds>(CLOCK::now() - start).count();
+
+  std::mt19937 random(20200206);
+  int reported = 0;
+  for (unsigned round = 0; reported < kills && round < 10 * kills; ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    folder.Write("insar.pool", pool);
+    std::filesystem::remove(folder.Path("ERROR.run"));
+    const SIGNAL_TEXT& signal = caught_signals[round % caught_signals.size()];
+    PROCESS process(folder.Settings());
+    AwaitFile(folder, process, "ERROR.run");
+    Pause(std::chrono::microseconds(random() % static_cast<unsigned long>(duration)));
+    process.SignalThread(static_cast<unsigned>(random()), signal.number);
+    const PROCESS_END end = process.Wait();
+    ExpectNothingLost(folder, pool);
+    if (end.exit_status == 0) {  // the run was faster
+      ExpectSuccess(folder, end);
+      continue;
+    }
+    ExpectReported(folder, end, signal);
+    ++reported;
+    if (testing::Test::HasFailure()) {
+      break;
+    }
+  }
+  EXPECT_EQ(reported, kills);
+}
+
+/// A run that waits in front of a line of its screen until the screen is read on: the screen is a
+/// pipe with exactly as much room as the lines before that one take.
+class HELD_RUN {
+ public:
+  HELD_RUN(const RUN_FOLDER& folder, std::string_view line) {
+    const std::string screen = folder.Run().screen;
+    const std::size_t room = screen.find(line);
+    if (room == std::string::npos || room > capacity || ::pipe2(pipe_.data(), O_CLOEXEC) != 0 ||
+        ::fcntl(pipe_[1], F_SETPIPE_SZ, capacity) != capacity) {
+      throw std::runtime_error("can not hold a run");
+    }
+    const std::string filling(capacity - room, '.');
+    if (::write(pipe_[1], filling.data(), filling.size()) != static_cast<ssize_t>(filling.size())) {
+      throw std::runtime_error("can not fill a pipe");
+    }
+    PROCESS_SETTINGS settings = folder.Settings();
+    settings.screen = pipe_[1];
+    process_.emplace(settings);
+    ::close(pipe_[1]);
+  }
+  ~HELD_RUN() { ::close(pipe_[0]); }
+  HELD_RUN(const HELD_RUN&) = delete;
+  HELD_RUN& operator=(const HELD_RUN&) = delete;
+
+  /// True when the run stands in front of the line.
+  bool AwaitHold() const {
+    for (int filled = 0; !process_->HasEnded(); Pause(std::chrono::microseconds(100))) {
+      if (::ioctl(pipe_[0], FIONREAD, &filled) == 0 && filled == capacity) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  PROCESS& Process() { return *process_; }
+
+  /// Reads the screen to its end, which lets the run go on.
+  PROCESS_END Release() {
+    std::array<char, 4096> block{};
+    while (::read(pipe_[0], block.data(), block.size()) > 0) {
+    }
+    return process_->Wait();
+  }
+
+ private:
+  static constexpr int capacity = 4096;
+  std::array<int, 2> pipe_{};
+  std::optional<PROCESS> process_;
+};
+
+TEST(Kill, OfARunWhoseScreenNobodyReadsIsReported) {
+  RUN_FOLDER folder(OrdinaryScene());
+  HELD_RUN run(folder, info_begin + "  - Run");
+  ASSERT_TRUE(run.AwaitHold());
+  run.Process().Signal(SIGTERM);  // while the run holds the log
+  ExpectReported(folder, run.Process().Wait(), CaughtSignal(SIGTERM));
+}
+
+TEST(Fault, OfAnInputThatShrinksDuringTheRunIsReported) {
+  for (const char* workers : {"1", "3"}) {
+    for (const char* input : {"slave.ras", "mask.ras", "rg.map"}) {
+      SCOPED_TRACE(input);
+      SCENE scene = OrdinaryScene();
+      scene.slave = GRID<RAW_PIXEL>(72, 6000);
+      scene.mask = GRID<std::uint8_t>(72, 6000, 1);
+      auto& matrix = std::get<MATRIX_MAPPING_DATA>(scene.mapping);
+      matrix.range = matrix.azimuth = GRID<float>(300, 300);
+      RUN_FOLDER folder(scene);
+      folder.environment["PARALLEL"] = workers;
+      HELD_RUN run(folder, info_begin + "  - Run");
+      ASSERT_TRUE(run.AwaitHold());
+      std::filesystem::resize_file(folder.Path(input), 0);
+      ExpectReported(folder, run.Release(), CaughtSignal(SIGBUS));
+    }
+  }
+}
+
+TEST(Fault, OfAnOutputThatMayNotGrowIsReported) {
+  RUN_FOLDER folder(OrdinaryScene());
+  PROCESS_SETTINGS settings = folder.Settings();
+  settings.prepare = [] {
+    const rlimit limit = {16000, 16000};  // less than the output, more than the log
+    return ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+  };
+  ExpectReported(folder, PROCESS(settings).Wait(), CaughtSignal(SIGXFSZ));
+}
+
+bool WriteText(const char* path, const std::string& text) {
+  const int file = ::open(path, O_WRONLY);
+  const bool written = ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  ::close(file);
+  return written;
+}
+
+/// Gives the process a small disk of its own at "disk"; needs no privileges where the system
+/// lets everybody make user namespaces. The process stays the user that it is.
+bool MountSmallDisk() {
+  const std::string user = std::to_string(::getuid());
+  const std::string group = std::to_string(::getgid());
+  return ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && WriteText("/proc/self/setgroups", "deny") &&
+         WriteText("/proc/self/uid_map", user + " " + user + " 1") &&
+         WriteText("/proc/self/gid_map", group + " " + group + " 1") &&
+         ::mount("none", "disk", "tmpfs", 0, "size=64k") == 0;
+}
+
+TEST(Fault, OfADiskThatIsFullUnderAnOutputIsReported) {
+  RUN_FOLDER folder(OrdinaryScene());
+  folder.parameters["n_samples"] = "70";
+  folder.parameters["n_lines"] = "2000";
+  folder.parameters["SlaveOut"] = "disk/out.ras";
+  folder.parameters["KERNEL_TYPE"] = "-";
+  folder.parameters["KERNEL_LENGTH"] = "-5000";  // writes every pixel
+  std::filesystem::create_directory(folder.Path("disk"));
+  for (const char* workers : {"1", "4"}) {
+    folder.environment["PARALLEL"] = workers;
+    PROCESS_SETTINGS settings = folder.Settings();
+    settings.prepare = MountSmallDisk;
+    const PROCESS_END end = PROCESS(settings).Wait();
+    if (end.exit_status == PROCESS::not_started) {
+      GTEST_SKIP() << "no disk of its own can be mounted here without privileges";
+    }
+    ExpectReported(folder, end, CaughtSignal(SIGBUS));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/process.h"
+#include "support/scene.h"
+#include "support/temporary_directory.h"
+
+/// A directory in which the program runs, by the name of "run", on the files of a scene. What a
+/// run takes may be changed before it is started.
+class RUN_FOLDER {
+ public:
+  explicit RUN_FOLDER(const SCENE& scene);
+
+  /// Written into the configuration file "pcf.run" when a run starts.
+  std::map<std::string, std::string> parameters;
+  std::vector<std::string> arguments = {"-pid", "run"};
+  std::map<std::string, std::string> environment = {{"PARALLEL", "1"}};
+  std::string keyboard;
+
+  PROCESS_SETTINGS Settings() const;
+  PROCESS_END Run() const { return PROCESS(Settings()).Wait(); }
+
+  const std::filesystem::path& Directory() const { return directory_.Path(); }
+  std::string Path(std::string_view name) const { return directory_.File(name); }
+  bool Exists(std::string_view name) const { return std::filesystem::exists(Path(name)); }
+  std::string Content(std::string_view name) const { return ReadFile(Path(name)); }
+  void Write(std::string_view name, std::string_view content) const {
+    WriteFile(Path(name), content);
+  }
+
+  std::vector<std::string> LogLines() const;
+  /// How many lines of the log equal this one.
+  long CountLogLines(std::string_view line) const;
+
+  /// The output image and its mask; both throw std::runtime_error for malformed files.
+  GRID<RAW_PIXEL> Image() const;
+  GRID<std::uint8_t> Mask() const;
+
+ private:
+  TEMPORARY_DIRECTORY directory_;
+  unsigned image_type_;
+};
+
+/// The lines of a text without their line feeds.
+std::vector<std::string> LinesOf(const std::string& text);
+
+/// Exit status, status files and silence of the sanitizers after a good and after a failed run.
+void ExpectSuccess(const RUN_FOLDER& folder, const PROCESS_END& end);
+void ExpectFailure(const RUN_FOLDER& folder, const PROCESS_END& end);
+
+inline const std::string alarm_begin = "ALARM : resample : ";
+inline const std::string info_begin = "INFO  : resample : ";

@@ -1,0 +1,130 @@
+#include "support/process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string_view>
+
+#include "support/temporary_directory.h"
+
+namespace {
+
+/// A null-terminated array of pointers to the texts, as `execve` wants it.
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) {
+    pointers.push_back(text.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+std::vector<std::string> EnvironmentTexts(const PROCESS_SETTINGS& settings) {
+  std::vector<std::string> texts;
+  for (const auto& [name, value] : settings.environment) {
+    texts.push_back(name + "=" + value);
+  }
+  for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"}) {
+    if (const char* value = std::getenv(name); value != nullptr) {
+      texts.push_back(name + std::string("=") + value);
+    }
+  }
+  return texts;
+}
+
+void Redirect(int descriptor, const char* path, int flags) {
+  const int file = ::open(path, flags, 0666);
+  if (file < 0 || ::dup2(file, descriptor) < 0) {
+    ::_exit(PROCESS::not_started);
+  }
+  ::close(file);
+}
+
+[[noreturn]] void BecomeProgram(const PROCESS_SETTINGS& settings, char** arguments,
+                                char** environment) {
+  constexpr int write_flags = O_WRONLY | O_CREAT | O_APPEND | O_TRUNC;
+  if (::chdir(settings.directory.c_str()) == 0) {
+    Redirect(STDIN_FILENO, "keyboard", O_RDONLY);
+    Redirect(STDERR_FILENO, "errors", write_flags);
+    if (settings.screen >= 0) {
+      ::dup2(settings.screen, STDOUT_FILENO);
+    } else {
+      Redirect(STDOUT_FILENO, "screen", write_flags);
+    }
+    if (!settings.prepare || settings.prepare()) {
+      ::execve(settings.program.c_str(), arguments, environment);
+    }
+  }
+  ::_exit(PROCESS::not_started);
+}
+
+}  // namespace
+
+PROCESS::PROCESS(const PROCESS_SETTINGS& settings) : directory_(settings.directory) {
+  WriteFile(directory_ / "keyboard", settings.keyboard);
+  std::vector<std::string> argument_texts = {settings.program};
+  argument_texts.insert(argument_texts.end(), settings.arguments.begin(), settings.arguments.end());
+  std::vector<std::string> environment_texts = EnvironmentTexts(settings);
+  const std::vector<char*> arguments = Pointers(argument_texts);
+  const std::vector<char*> environment = Pointers(environment_texts);
+  std::fflush(nullptr);
+  id_ = ::fork();
+  if (id_ < 0) {
+    throw std::runtime_error("can not start a process");
+  }
+  if (id_ == 0) {
+    BecomeProgram(settings, const_cast<char**>(arguments.data()),
+                  const_cast<char**>(environment.data()));
+  }
+}
+
+PROCESS::~PROCESS() {
+  if (!waited_) {
+    ::kill(id_, SIGKILL);
+    ::waitpid(id_, nullptr, 0);
+  }
+}
+
+bool PROCESS::HasEnded() const {
+  siginfo_t info = {};
+  return ::waitid(P_PID, static_cast<id_t>(id_), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         info.si_pid == id_;
+}
+
+void PROCESS::Signal(int number) const {
+  ::kill(id_, number);
+}
+
+void PROCESS::SignalThread(unsigned index, int number) const {
+  std::vector<pid_t> threads;
+  std::error_code ended;
+  const std::string tasks = "/proc/" + std::to_string(id_) + "/task";
+  for (const auto& entry : std::filesystem::directory_iterator(tasks, ended)) {
+    threads.push_back(std::stoi(entry.path().filename()));
+  }
+  if (!threads.empty()) {
+    ::syscall(SYS_tgkill, id_, threads[index % threads.size()], number);
+  }
+}
+
+PROCESS_END PROCESS::Wait() {
+  int status = 0;
+  if (::waitpid(id_, &status, 0) != id_) {
+    throw std::runtime_error("can not wait for a process");
+  }
+  waited_ = true;
+  PROCESS_END end;
+  end.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  end.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+  end.errors = ReadFile(directory_ / "errors");
+  if (std::filesystem::exists(directory_ / "screen")) {
+    end.screen = ReadFile(directory_ / "screen");
+  }
+  return end;
+}

@@ -1,0 +1,383 @@
+#include "support/reference_model.h"
+
+#include <cmath>
+#include <optional>
+#include <sstream>
+#include <vector>
+
+namespace {
+
+constexpr double pi = 3.141592653589793;
+constexpr double two_pi = 6.283185307179586;
+
+// ---------------------------------------------------------------- components
+
+double Decode(PIXEL_CODE code, std::uint16_t bits) {
+  if (code == PIXEL_CODE::INT_16) {
+    return static_cast<std::int16_t>(bits);
+  }
+  if (bits == 0) {
+    return 0.0;
+  }
+  const double sign = (bits & 0x8000) != 0 ? -1.0 : 1.0;
+  const int exponent = (bits >> 10) & 0x1F;
+  const int mantissa = bits & 0x3FF;
+  if (exponent == 31) {
+    return mantissa == 0 ? sign * HUGE_VAL : std::nan("");
+  }
+  // Exponent field 0 is no exception here: no subnormal numbers.
+  return sign * std::ldexp(1.0 + mantissa / 1024.0, exponent - 15);
+}
+
+std::uint16_t EncodeInteger16(double value) {
+  if (std::isnan(value)) {
+    return 0;
+  }
+  const double rounded = value > 32767.0    ? 32767.0
+                         : value < -32768.0 ? -32768.0
+                                            : std::trunc(value > 0.0 ? value + 0.5 : value - 0.5);
+  return static_cast<std::uint16_t>(static_cast<std::int16_t>(rounded));
+}
+
+std::uint16_t EncodeBinary16(double value) {
+  if (value > 65504.0) {
+    return 0x7BFF;
+  }
+  if (value < -65504.0) {
+    return 0xFBFF;
+  }
+  if (std::isnan(value)) {
+    return 0x7FFF;
+  }
+  const int sign = std::signbit(value) ? 0x8000 : 0;
+  int exponent = 0;
+  // |value| = fraction * 2^exponent with fraction in [1, 2)
+  const double fraction = std::frexp(std::abs(value), &exponent) * 2.0;
+  --exponent;
+  // Eleven bits after the point, truncated; one more is added to them and the last one dropped.
+  int mantissa = static_cast<int>(fraction * 2048.0) + 1;
+  if (mantissa == 4096) {
+    mantissa = 2048;
+    ++exponent;
+  }
+  mantissa >>= 1;
+  if (value == 0.0 || exponent < -14) {
+    return 0;
+  }
+  if (exponent > 15) {
+    return static_cast<std::uint16_t>(sign | 0x7C00);
+  }
+  return static_cast<std::uint16_t>(sign | (exponent + 15) << 10 | (mantissa - 1024));
+}
+
+std::uint16_t Encode(PIXEL_CODE code, long double value) {
+  const auto rounded = static_cast<double>(value);
+  return code == PIXEL_CODE::INT_16 ? EncodeInteger16(rounded) : EncodeBinary16(rounded);
+}
+
+// ------------------------------------------------------------------- mapping
+
+struct POSITION {
+  double range;
+  double azimuth;
+};
+
+/// Bilinear interpolation between the four nodes around a position in node units.
+std::optional<double> ShiftAt(const GRID<float>& nodes, double column, double line) {
+  const bool inside =
+      column >= 0 && column < nodes.width - 1 && line >= 0 && line < nodes.height - 1;
+  if (!inside) {
+    return std::nullopt;
+  }
+  const int i = static_cast<int>(column);
+  const int j = static_cast<int>(line);
+  const double a = column - i;
+  const double b = line - j;
+  return (1 - b) * (nodes.At(i + 1, j) * a + nodes.At(i, j) * (1 - a)) +
+         (nodes.At(i + 1, j + 1) * a + nodes.At(i, j + 1) * (1 - a)) * b;
+}
+
+POSITION Map(const MATRIX_MAPPING_DATA& matrix, double x, double y) {
+  const double column = x / matrix.range_subsampling;
+  const double line = y / matrix.azimuth_subsampling;
+  const std::optional<double> range_shift = ShiftAt(matrix.range, column, line);
+  const std::optional<double> azimuth_shift = ShiftAt(matrix.azimuth, column, line);
+  return {range_shift ? x + *range_shift : x, azimuth_shift ? y + *azimuth_shift : y};
+}
+
+double Polynomial(const std::vector<double>& c, double x, double y, double own) {
+  return c[1] * y + c[0] + c[2] * x + c[3] * x * y + c[4] * y * y + c[5] * x * x + own;
+}
+
+POSITION Map(const POLYNOMIAL_MAPPING_DATA& polynomial, double x, double y) {
+  return {Polynomial(polynomial.range, x, y, x), Polynomial(polynomial.azimuth, x, y, y)};
+}
+
+// -------------------------------------------------------------------- kernel
+
+double Sinc(double x) {
+  return std::abs(x) < 1e-10 ? 1.0 : std::sin(pi * x) / (pi * x);
+}
+
+double Cubic(double x) {
+  const double a = std::abs(x);
+  const double square = a * a;
+  const double cube = square * a;
+  if (a <= 1) {
+    return 1.3333333333333333 * cube - 2.3333333333333335 * square + 1;
+  }
+  if (a <= 2) {
+    return -0.5833333333333334 * cube + 3 * square - 4.916666666666667 * a + 2.5;
+  }
+  return a <= 3 ? 0.08333333333333333 * cube - 0.6666666666666666 * square + 1.75 * a - 1.5 : 0.0;
+}
+
+double BesselI0(double z) {
+  double sum = 1.0;
+  double term = 1.0;
+  for (int m = 1; m <= 11; ++m) {
+    term *= z * z / 4 / (m * m);
+    sum += term;
+  }
+  return sum;
+}
+
+/// `length` is the one asked for, not the corrected one.
+double KaiserSinc(double x, float coefficient, float length) {
+  const double u = x / length;
+  if (u - 0.5 > 1e-12 || -1e-12 > 0.5 + u) {
+    return 0.0 * Sinc(x);
+  }
+  const double b = coefficient * pi;
+  const double square = 1 - 4 * u * u;
+  return Sinc(x) * (BesselI0(b * std::sqrt(square < 0 ? 0 : square)) / BesselI0(b));
+}
+
+class KERNEL {
+ public:
+  explicit KERNEL(const SCENE& scene) : scene_(scene), length_(scene.kernel_length) {
+    if ((IsCubic() && length_ != 6) || (scene.kernel_type != "-" && length_ < 6)) {
+      length_ = 6;
+    }
+  }
+
+  int Length() const { return length_; }
+
+  /// The taps' weights: the table's row of a fraction of a pixel.
+  std::vector<double> Weights(double fraction) const {
+    const int n = scene_.subpix_positions;
+    int row = static_cast<int>(fraction * n + 0.5);
+    row = row == n ? 0 : row;
+    std::vector<double> weights;
+    for (int i = 0; i < length_; ++i) {
+      weights.push_back(Value((i - (length_ / 2 - 1)) - row / static_cast<double>(n)));
+    }
+    return weights;
+  }
+
+ private:
+  bool IsCubic() const { return scene_.kernel_type == "cubic_convolution"; }
+
+  double Value(double x) const {
+    if (IsCubic()) {
+      return Cubic(x);
+    }
+    if (scene_.kernel_type == "truncated_sinc_no_weight") {
+      return Sinc(x);
+    }
+    if (scene_.kernel_type == "truncated_sinc_kaiser_weight") {
+      const auto coefficient = static_cast<float>(scene_.kernel_coefficient);
+      return KaiserSinc(x, coefficient < 0 ? 0.0F : coefficient,
+                        static_cast<float>(scene_.kernel_length));
+    }
+    return 0.0;
+  }
+
+  const SCENE& scene_;
+  int length_;
+};
+
+// ------------------------------------------------------------------- Doppler
+
+/// Straight lines through neighbouring points, the end ones going on beyond them.
+double AlongAzimuth(const std::vector<double>& times, const std::vector<double>& values, double t) {
+  if (times.size() == 1) {
+    return values[0];
+  }
+  std::size_t k = 0;
+  while (k + 2 < times.size() && t > times[k + 1]) {
+    ++k;
+  }
+  const double slope = (values[k + 1] - values[k]) / (times[k + 1] - times[k]);
+  return slope * (t - times[k]) + values[k];
+}
+
+double Centroid(const DOPPLER_DATA& doppler, double azimuth_time, double range_time) {
+  const double dt =
+      range_time - AlongAzimuth(doppler.azimuth_times, doppler.reference_times, azimuth_time);
+  double frequency = 0.0;
+  for (int degree = doppler.coefficients.width - 1; degree >= 0; --degree) {
+    std::vector<double> values;
+    for (int i = 0; i < doppler.coefficients.height; ++i) {
+      values.push_back(doppler.coefficients.At(degree, i));
+    }
+    frequency = frequency * dt + AlongAzimuth(doppler.azimuth_times, values, azimuth_time);
+  }
+  return frequency;
+}
+
+struct PHASE_TERMS {
+  double linear;     ///< radians a line
+  double quadratic;  ///< radians a squared line
+};
+
+PHASE_TERMS PhaseTerms(const SCENE& scene, int sample, int line) {
+  const DOPPLER_DATA& doppler = scene.doppler;
+  const double line_rate = doppler.oversampling * doppler.prf;
+  const double ta = doppler.first_azimuth_time + line / line_rate;
+  const double tr =
+      doppler.first_range_time + sample / (doppler.oversampling * doppler.range_sampling_frequency);
+  double rate = 0.0;
+  const std::string& mode = scene.imaging_mode;
+  if (scene.ps_mode != 1 && mode != "SM" && mode != "ATI" && mode != "ATIS") {
+    const double d = 100 / line_rate;
+    rate = (Centroid(doppler, ta + d, tr) - Centroid(doppler, ta - d, tr)) / (2 * d) * 0.5 * two_pi;
+  }
+  return {two_pi * Centroid(doppler, ta, tr) / doppler.prf, rate / (doppler.prf * doppler.prf)};
+}
+
+// ---------------------------------------------------------------------- core
+
+bool IsComputed(double position, int size, int length) {
+  const double half = length / 2;
+  if (!(half < position && position < size - half)) {
+    return false;
+  }
+  const long long last_tap = static_cast<long long>(position) - (length / 2 - 1) + length - 1;
+  return last_tap < size;
+}
+
+MODEL_PIXEL Interpolate(const SCENE& scene, const KERNEL& kernel, const POSITION& position) {
+  const int length = kernel.Length();
+  const int offset = length / 2 - 1;
+  const int ri = static_cast<int>(position.range);
+  const int ai = static_cast<int>(position.azimuth);
+  const double fr = position.range - ri;
+  const double fa = position.azimuth - ai;
+  const PHASE_TERMS terms = PhaseTerms(scene, ri, ai);
+  const std::vector<double> range_weights = kernel.Weights(fr);
+  const std::vector<double> azimuth_weights = kernel.Weights(fa);
+  MODEL_PIXEL pixel;
+  pixel.computed = true;
+  pixel.valid = 1;
+  for (int k = 0; k < length; ++k) {
+    long double re = 0.0L;
+    long double im = 0.0L;
+    const int line = ai - offset + k;
+    for (int j = 0; j < length; ++j) {
+      const int sample = ri - offset + j;
+      if (scene.mask && scene.mask->At(sample, line) == 0) {
+        pixel.valid = 0;
+      }
+      const double weight =
+          range_weights[static_cast<std::size_t>(j)] * azimuth_weights[static_cast<std::size_t>(k)];
+      const RAW_PIXEL& raw = scene.slave.At(sample, line);
+      const double raw_re = Decode(scene.code, raw.re);
+      const double raw_im = Decode(scene.code, raw.im);
+      re += static_cast<long double>(raw_re) * weight;
+      im += static_cast<long double>(raw_im) * weight;
+      pixel.magnitude += std::abs(weight) * (std::abs(raw_re) + std::abs(raw_im));
+    }
+    const double t = k - offset;
+    const long double phase = terms.linear * (fa - t) + terms.quadratic * (fa * fa - t * t);
+    pixel.re += std::cos(phase) * re - std::sin(phase) * im;
+    pixel.im += std::cos(phase) * im + std::sin(phase) * re;
+  }
+  return pixel;
+}
+
+// ---------------------------------------------------------------- comparison
+
+bool IsNan(PIXEL_CODE code, std::uint16_t bits) {
+  return code == PIXEL_CODE::BINARY_16 && (bits & 0x7FFF) == 0x7FFF;
+}
+
+struct COMPONENT_VERDICT {
+  bool right;
+  bool tie;
+};
+
+/// Everything that lies within the rounding errors of the sum is right.
+COMPONENT_VERDICT Judge(PIXEL_CODE code, std::uint16_t bits, long double expected,
+                        long double magnitude) {
+  if (!std::isfinite(expected)) {
+    const std::uint16_t encoded = Encode(code, expected);
+    return {bits == encoded || (IsNan(code, bits) && IsNan(code, encoded)), false};
+  }
+  const long double error = 1e-12L * magnitude;
+  const std::uint16_t low = Encode(code, expected - error);
+  const std::uint16_t high = Encode(code, expected + error);
+  return {bits == low || bits == high || bits == Encode(code, expected), low != high};
+}
+
+std::string Describe(int sample, int line, const RAW_PIXEL& pixel, int mask,
+                     const MODEL_PIXEL& expected, PIXEL_CODE code) {
+  std::ostringstream text;
+  text << "sample " << sample << " line " << line << ": ";
+  if (!expected.computed) {
+    text << "expected to stay 0 + 0i, mask 0";
+  } else {
+    text.precision(18);
+    text << "expected " << expected.re << " + " << expected.im << "i, bits " << std::hex
+         << Encode(code, expected.re) << " " << Encode(code, expected.im) << std::dec << ", mask "
+         << static_cast<int>(expected.valid);
+  }
+  text << "; found bits " << std::hex << pixel.re << " " << pixel.im << ", mask " << std::dec
+       << mask;
+  return text.str();
+}
+
+}  // namespace
+
+GRID<MODEL_PIXEL> ResampleByModel(const SCENE& scene) {
+  const KERNEL kernel(scene);
+  GRID<MODEL_PIXEL> output(scene.n_samples, scene.n_lines);
+  for (int y = 0; y < scene.n_lines; ++y) {
+    for (int x = 0; x < scene.n_samples; ++x) {
+      const POSITION position =
+          std::visit([&](const auto& mapping) { return Map(mapping, x, y); }, scene.mapping);
+      if (IsComputed(position.range, scene.slave.width, kernel.Length()) &&
+          IsComputed(position.azimuth, scene.slave.height, kernel.Length())) {
+        output.At(x, y) = Interpolate(scene, kernel, position);
+      }
+    }
+  }
+  return output;
+}
+
+MODEL_COMPARISON CompareWithModel(const SCENE& scene, const GRID<RAW_PIXEL>& image,
+                                  const GRID<std::uint8_t>& mask) {
+  MODEL_COMPARISON comparison;
+  if (image.width != scene.n_samples || image.height != scene.n_lines ||
+      mask.width != scene.n_samples || mask.height != scene.n_lines) {
+    comparison.difference = "wrong size of an output";
+    return comparison;
+  }
+  const GRID<MODEL_PIXEL> model = ResampleByModel(scene);
+  for (int line = 0; line < scene.n_lines; ++line) {
+    for (int sample = 0; sample < scene.n_samples; ++sample) {
+      const MODEL_PIXEL& expected = model.At(sample, line);
+      const RAW_PIXEL& pixel = image.At(sample, line);
+      const std::uint8_t valid = mask.At(sample, line);
+      const COMPONENT_VERDICT re = Judge(scene.code, pixel.re, expected.re, expected.magnitude);
+      const COMPONENT_VERDICT im = Judge(scene.code, pixel.im, expected.im, expected.magnitude);
+      comparison.computed_pixels += expected.computed ? 1 : 0;
+      comparison.valid_pixels += expected.valid;
+      comparison.ties += (re.tie ? 1 : 0) + (im.tie ? 1 : 0);
+      if ((!re.right || !im.right || valid != expected.valid) && comparison.difference.empty()) {
+        comparison.difference = Describe(sample, line, pixel, valid, expected, scene.code);
+      }
+    }
+  }
+  return comparison;
+}

@@ -1,0 +1,338 @@
+#include "support/scene.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <random>
+
+#include "support/raster_file.h"
+
+namespace {
+
+/// Draws for a scene; everything follows from the seed.
+class DRAW {
+ public:
+  explicit DRAW(unsigned seed) : engine_(seed) {}
+
+  int Integer(int least, int most) {
+    return std::uniform_int_distribution<int>(least, most)(engine_);
+  }
+  double Real(double least, double most) {
+    return std::uniform_real_distribution<double>(least, most)(engine_);
+  }
+  /// A number of either sign up to this magnitude.
+  double Sized(double magnitude) { return Real(-magnitude, magnitude); }
+  bool Chance(double probability) { return Real(0.0, 1.0) < probability; }
+  template <class T>
+  T Pick(std::initializer_list<T> values) {
+    return values.begin()[Integer(0, static_cast<int>(values.size()) - 1)];
+  }
+
+ private:
+  std::mt19937_64 engine_;
+};
+
+constexpr float infinite = std::numeric_limits<float>::infinity();
+constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
+
+std::uint16_t DrawInteger16(DRAW& draw, int amplitude) {
+  return static_cast<std::uint16_t>(draw.Integer(-amplitude, amplitude));
+}
+
+/// A finite binary16 pattern whose exponent field lies in a range.
+std::uint16_t DrawBinary16(DRAW& draw, int least_exponent, int greatest_exponent) {
+  const int exponent = draw.Integer(least_exponent, greatest_exponent);
+  return static_cast<std::uint16_t>(draw.Integer(0, 1) << 15 | exponent << 10 |
+                                    draw.Integer(0, 1023));
+}
+
+/// A way to draw components: ordinary amplitudes, tiny ones, or ones that saturate the sums.
+std::uint16_t DrawComponent(DRAW& draw, PIXEL_CODE code, int kind) {
+  if (code == PIXEL_CODE::INT_16) {
+    return DrawInteger16(draw, kind == 0 ? 3000 : kind == 1 ? 4 : 32767);
+  }
+  switch (kind) {
+    case 0:
+      return DrawBinary16(draw, 15, 22);
+    case 1:  // among the subnormal patterns, too, and plus and minus zero
+      return draw.Chance(0.2) ? draw.Pick<std::uint16_t>({0, 0x8000, 1, 0x83FF})
+                              : DrawBinary16(draw, 0, 3);
+    default:
+      return DrawBinary16(draw, 28, 30);
+  }
+}
+
+void SprinkleNonFinitePixels(DRAW& draw, GRID<RAW_PIXEL>& slave) {
+  const int count = draw.Integer(1, 12);
+  for (int i = 0; i < count; ++i) {
+    RAW_PIXEL& pixel =
+        slave.At(draw.Integer(0, slave.width - 1), draw.Integer(0, slave.height - 1));
+    (draw.Chance(0.5) ? pixel.re : pixel.im) =
+        draw.Pick<std::uint16_t>({0x7C00, 0xFC00, 0x7C01, 0xFFFF});
+  }
+}
+
+GRID<RAW_PIXEL> DrawSlave(DRAW& draw, PIXEL_CODE code) {
+  GRID<RAW_PIXEL> slave(draw.Integer(20, 90), draw.Integer(20, 80));
+  const int kind = draw.Pick({0, 0, 0, 1, 2});
+  for (RAW_PIXEL& pixel : slave.values) {
+    pixel = {DrawComponent(draw, code, kind), DrawComponent(draw, code, kind)};
+  }
+  if (code == PIXEL_CODE::BINARY_16 && draw.Chance(0.3)) {
+    SprinkleNonFinitePixels(draw, slave);
+  }
+  return slave;
+}
+
+GRID<std::uint8_t> DrawMask(DRAW& draw, const GRID<RAW_PIXEL>& slave) {
+  GRID<std::uint8_t> mask(slave.width, slave.height);
+  const double invalid = draw.Pick({0.0, 0.001, 0.02});
+  for (std::uint8_t& value : mask.values) {
+    value = static_cast<std::uint8_t>(draw.Chance(invalid) ? 0 : draw.Pick({1, 1, 77, 255}));
+  }
+  return mask;
+}
+
+/// Shifts of one direction: a plane with noise, whole numbers, or steep and folded.
+GRID<float> DrawShifts(DRAW& draw, int columns, int lines, int column_step, int line_step) {
+  const int kind = draw.Pick({0, 0, 0, 1, 2});
+  const double slope = kind == 2 ? 1.5 : 0.03;
+  const double along = draw.Sized(slope) * column_step;
+  const double across = draw.Sized(slope) * line_step;
+  const double constant = draw.Sized(6.0);
+  const double noise = draw.Pick({0.0, 0.01, 1.0});
+  GRID<float> shifts(columns, lines);
+  for (int line = 0; line < lines; ++line) {
+    for (int column = 0; column < columns; ++column) {
+      const double shift = constant + along * column + across * line + draw.Sized(noise);
+      shifts.At(column, line) = static_cast<float>(kind == 1 ? std::round(constant) : shift);
+    }
+  }
+  return shifts;
+}
+
+void SprinkleExtremeShifts(DRAW& draw, GRID<float>& shifts) {
+  const int count = draw.Integer(1, 4);
+  for (int i = 0; i < count; ++i) {
+    shifts.At(draw.Integer(0, shifts.width - 1), draw.Integer(0, shifts.height - 1)) =
+        draw.Pick({not_a_number, infinite, -infinite, 3e38F, -3e38F, 4e9F, -1e5F});
+  }
+}
+
+MATRIX_MAPPING_DATA DrawMatrix(DRAW& draw, int n_samples, int n_lines) {
+  MATRIX_MAPPING_DATA matrix;
+  matrix.range_subsampling = draw.Integer(1, 16);
+  matrix.azimuth_subsampling = draw.Chance(0.5) ? matrix.range_subsampling : draw.Integer(1, 16);
+  // Two nodes more than the grid needs, or so few that its end lies outside of them.
+  const bool covers = draw.Chance(0.8);
+  const int columns = covers ? n_samples / matrix.range_subsampling + 2 : draw.Integer(1, 3);
+  const int lines = covers ? n_lines / matrix.azimuth_subsampling + 2 : draw.Integer(1, 3);
+  for (GRID<float>* shifts : {&matrix.range, &matrix.azimuth}) {
+    *shifts =
+        DrawShifts(draw, columns, lines, matrix.range_subsampling, matrix.azimuth_subsampling);
+    if (draw.Chance(0.15)) {
+      SprinkleExtremeShifts(draw, *shifts);
+    }
+  }
+  return matrix;
+}
+
+std::vector<double> DrawPolynomial(DRAW& draw) {
+  std::vector<double> coefficients = {draw.Sized(5.0),  draw.Sized(0.05), draw.Sized(0.05),
+                                      draw.Sized(5e-4), draw.Sized(5e-4), draw.Sized(5e-4)};
+  if (draw.Chance(0.2)) {  // whole shifts
+    coefficients = {std::round(draw.Sized(5.0)), 0.0, 0.0, 0.0, 0.0, 0.0};
+  }
+  if (draw.Chance(0.2)) {
+    coefficients[static_cast<std::size_t>(draw.Integer(0, 5))] =
+        draw.Pick({1e308, -1e308, 1e10, -3e9, 1.0});
+  }
+  if (draw.Chance(0.2)) {  // more than there are terms: ignored
+    coefficients.push_back(1e6);
+  }
+  return coefficients;
+}
+
+void DrawKernel(DRAW& draw, SCENE& scene, unsigned kind) {
+  constexpr std::array names = {"truncated_sinc_kaiser_weight", "truncated_sinc_no_weight",
+                                "cubic_convolution", "-"};
+  scene.kernel_type = names.at(kind);
+  scene.kernel_coefficient = draw.Pick({2.5, 2.5, 0.0, -1.0, 5.3, 0.7});
+  scene.kernel_length = kind == 3 ? draw.Pick({-5, -4, -1, 0, 1, 2, 6, 7})
+                                  : draw.Pick({6, 8, 12, 16, 7, 9, 11, 6, 8, 5, 4, 0, -8});
+  scene.subpix_positions = draw.Pick({64, 1024, 16, 10, 2, 1, 1000, 3});
+}
+
+DOPPLER_DATA DrawDoppler(DRAW& draw) {
+  DOPPLER_DATA doppler;
+  doppler.prf = draw.Real(900.0, 2000.0);
+  doppler.range_sampling_frequency = draw.Real(1.5e7, 3e7);
+  doppler.oversampling = draw.Pick({1.0, 1.0, 1.2, 2.0});
+  doppler.first_range_time = draw.Real(0.004, 0.006);
+  doppler.first_azimuth_time = draw.Pick({0.0, 2.37e5, -3.0});
+  const int polynomials = draw.Pick({1, 2, 3, 5, 8});
+  const int coefficients = draw.Integer(1, 4);
+  doppler.azimuth_times.clear();
+  doppler.reference_times.clear();
+  doppler.coefficients = GRID<double>(coefficients, polynomials);
+  // The annotation may begin before, within and after the scene of up to 0.1 s.
+  double time = doppler.first_azimuth_time + draw.Real(-0.1, 0.1);
+  const double centroid = draw.Sized(1.5 * doppler.prf);
+  for (int i = 0; i < polynomials; ++i) {
+    doppler.azimuth_times.push_back(time);
+    time += draw.Real(0.01, 0.05);
+    doppler.reference_times.push_back(doppler.first_range_time + draw.Real(0.0, 1e-6));
+    double size = 1.0;
+    for (int degree = 0; degree < coefficients; ++degree) {
+      doppler.coefficients.At(degree, i) = draw.Sized(20.0) * size + (degree == 0 ? centroid : 0);
+      size *= 3e5;
+    }
+  }
+  return doppler;
+}
+
+void DrawImagingMode(DRAW& draw, SCENE& scene, bool with_rate) {
+  if (with_rate) {
+    scene.imaging_mode = draw.Pick({"SL", "TOPS", "SC", "IW", "HS300"});
+    if (draw.Chance(0.5)) {
+      scene.ps_mode = draw.Pick({0, 2, -1});
+    }
+  } else if (draw.Chance(0.5)) {
+    scene.imaging_mode = draw.Pick({"SM", "ATI", "ATIS"});
+  } else {
+    scene.imaging_mode = draw.Pick({"TOPS", "SM"});
+    scene.ps_mode = 1;
+  }
+}
+
+std::string NumberText(double value) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.17g", value);
+  return text.data();
+}
+
+}  // namespace
+
+SCENE OrdinaryScene() {
+  DRAW draw(20200206);
+  SCENE scene;
+  scene.slave = GRID<RAW_PIXEL>(72, 60);
+  for (RAW_PIXEL& pixel : scene.slave.values) {
+    pixel = {DrawInteger16(draw, 3000), DrawInteger16(draw, 3000)};
+  }
+  scene.mask = GRID<std::uint8_t>(72, 60, 1);
+  scene.mask->At(40, 30) = 0;
+  scene.n_samples = 70;
+  scene.n_lines = 60;
+  MATRIX_MAPPING_DATA matrix;
+  matrix.range_subsampling = matrix.azimuth_subsampling = 8;
+  matrix.range = GRID<float>(11, 10, 1.25F);
+  matrix.azimuth = GRID<float>(11, 10, -0.75F);
+  scene.mapping = matrix;
+  scene.doppler.azimuth_times = {0.0, 0.1};
+  scene.doppler.reference_times = {0.005, 0.005};
+  scene.doppler.coefficients = GRID<double>(2, 2);
+  scene.doppler.coefficients.values = {200.0, 1e6, 260.0, 2e6};
+  scene.imaging_mode = "TOPS";
+  return scene;
+}
+
+SCENE RandomScene(unsigned seed) {
+  DRAW draw(seed);
+  SCENE scene;
+  scene.code = seed % 2 == 0 ? PIXEL_CODE::INT_16 : PIXEL_CODE::BINARY_16;
+  scene.slave = DrawSlave(draw, scene.code);
+  scene.n_samples = draw.Integer(1, 90);
+  scene.n_lines = draw.Integer(1, 80);
+  if (seed / 2 % 2 == 0) {
+    scene.mapping = DrawMatrix(draw, scene.n_samples, scene.n_lines);
+  } else {
+    scene.mapping =
+        POLYNOMIAL_MAPPING_DATA{.range = DrawPolynomial(draw), .azimuth = DrawPolynomial(draw)};
+  }
+  DrawKernel(draw, scene, seed / 4 % 4);
+  if (seed / 16 % 2 == 0) {
+    scene.mask = DrawMask(draw, scene.slave);
+  }
+  scene.doppler = DrawDoppler(draw);
+  DrawImagingMode(draw, scene, seed / 32 % 2 == 0);
+  return scene;
+}
+
+POOL_TEXT InsarPool(const SCENE& scene) {
+  POOL_TEXT pool;
+  pool.SetInteger("n_samples", scene.n_samples);
+  pool.SetInteger("n_lines", scene.n_lines);
+  pool.SetReal("slave_first_rg_time", scene.doppler.first_range_time);
+  pool.SetReal("slave_first_az_time", scene.doppler.first_azimuth_time);
+  pool.SetText("mapping_format", scene.IsMatrixMapping() ? "matrix" : "polynomial");
+  if (const auto* matrix = std::get_if<MATRIX_MAPPING_DATA>(&scene.mapping)) {
+    if (matrix->range_subsampling == matrix->azimuth_subsampling) {
+      pool.SetInteger("shift_matrices_subsampling", matrix->range_subsampling);
+    } else {
+      pool.SetInteger("shift_matrices_subsampling", -7);  // loses against the two keys
+      pool.SetInteger("shift_matrices_subsampling_rg", matrix->range_subsampling);
+      pool.SetInteger("shift_matrices_subsampling_az", matrix->azimuth_subsampling);
+    }
+  } else {
+    const auto& polynomial = std::get<POLYNOMIAL_MAPPING_DATA>(scene.mapping);
+    pool.SetReals("respl_poly_rg", polynomial.range);
+    pool.SetReals("respl_poly_az", polynomial.azimuth);
+  }
+  return pool;
+}
+
+POOL_TEXT SlavePool(const SCENE& scene) {
+  const DOPPLER_DATA& doppler = scene.doppler;
+  POOL_TEXT pool;
+  pool.SetReal("prf", doppler.prf);
+  pool.SetReal("range_sampling_frequency", doppler.range_sampling_frequency);
+  pool.SetReal("oversampling", doppler.oversampling);
+  pool.SetReals("fdc_poly_az_time", doppler.azimuth_times);
+  pool.SetReals("fdc_poly_rg_ref_time", doppler.reference_times);
+  pool.SetRealMatrix("fdc_poly_coeff", doppler.coefficients);
+  pool.SetText("imaging_mode", scene.imaging_mode);
+  return pool;
+}
+
+void WriteSceneFiles(const SCENE& scene, const std::string& directory) {
+  const std::filesystem::path place(directory);
+  WriteRaster(place / "slave.ras", scene.slave,
+              scene.code == PIXEL_CODE::INT_16 ? RASTER_COMPLEX_INT_16 : RASTER_COMPLEX_BINARY_16);
+  if (scene.mask) {
+    WriteRaster(place / "mask.ras", *scene.mask, RASTER_BYTE);
+  }
+  if (const auto* matrix = std::get_if<MATRIX_MAPPING_DATA>(&scene.mapping)) {
+    WriteRaster(place / "rg.map", matrix->range, RASTER_FLOAT);
+    WriteRaster(place / "az.map", matrix->azimuth, RASTER_FLOAT);
+  }
+  WriteFile(place / "insar.pool", InsarPool(scene).Text());
+  WriteFile(place / "slave.pool", SlavePool(scene).Text());
+}
+
+std::map<std::string, std::string> SceneParameters(const SCENE& scene) {
+  std::map<std::string, std::string> parameters = {
+      {"INSAR_PARAMETER_POOL", "insar.pool"},
+      {"log_pp", "insar.pool"},
+      {"SLAVE_PARAMETER_POOL", "slave.pool"},
+      {"SlaveIn", "slave.ras"},
+      {"KERNEL_TYPE", scene.kernel_type},
+      {"KERNEL_COEFFICIENT", NumberText(scene.kernel_coefficient)},
+      {"KERNEL_LENGTH", std::to_string(scene.kernel_length)},
+      {"KERNEL_SUBPIX_POS", std::to_string(scene.subpix_positions)},
+      {"SlaveOut", "out.ras"},
+      {"MaskOut", "out_mask.ras"}};
+  if (scene.mask) {
+    parameters["MaskIn"] = "mask.ras";
+  }
+  if (scene.IsMatrixMapping()) {
+    parameters["RG_MAPPING_FILE"] = "rg.map";
+    parameters["AZ_MAPPING_FILE"] = "az.map";
+  }
+  if (scene.ps_mode) {
+    parameters["PS_MODE"] = std::to_string(*scene.ps_mode);
+  }
+  return parameters;
+}

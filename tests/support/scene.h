@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "support/grid.h"
+#include "support/pool_text.h"
+
+/// The two stored components of a complex pixel, as bit patterns.
+struct RAW_PIXEL {
+  std::uint16_t re = 0;
+  std::uint16_t im = 0;
+  bool operator==(const RAW_PIXEL&) const = default;
+};
+
+enum class PIXEL_CODE { INT_16 = 8, BINARY_16 = 9 };
+
+/// Shifts at the nodes of a coarse grid over the master, one node every so many samples (range)
+/// and lines (azimuth).
+struct MATRIX_MAPPING_DATA {
+  GRID<float> range;
+  GRID<float> azimuth;
+  int range_subsampling = 1;
+  int azimuth_subsampling = 1;
+};
+
+/// Coefficients of 1, line, sample, sample * line, line^2, sample^2.
+struct POLYNOMIAL_MAPPING_DATA {
+  std::vector<double> range;
+  std::vector<double> azimuth;
+};
+
+/// Timing and Doppler centroid of the slave, in seconds and hertz.
+struct DOPPLER_DATA {
+  double prf = 1000.0;
+  double range_sampling_frequency = 2e7;
+  double oversampling = 1.0;
+  double first_range_time = 0.005;
+  double first_azimuth_time = 0.0;
+  std::vector<double> azimuth_times = {0.0};    ///< of the polynomials
+  std::vector<double> reference_times = {0.0};  ///< range times that they are expanded around
+  GRID<double> coefficients{1, 1};              ///< line: polynomial, column: degree
+};
+
+/// Everything that a run of the program takes.
+struct SCENE {
+  PIXEL_CODE code = PIXEL_CODE::INT_16;
+  GRID<RAW_PIXEL> slave;
+  std::optional<GRID<std::uint8_t>> mask;
+  int n_samples = 0;
+  int n_lines = 0;
+  std::variant<MATRIX_MAPPING_DATA, POLYNOMIAL_MAPPING_DATA> mapping;
+  std::string kernel_type = "truncated_sinc_kaiser_weight";
+  double kernel_coefficient = 2.5;
+  int kernel_length = 8;
+  int subpix_positions = 64;
+  DOPPLER_DATA doppler;
+  std::string imaging_mode = "SM";
+  std::optional<int> ps_mode;
+
+  bool IsMatrixMapping() const { return std::holds_alternative<MATRIX_MAPPING_DATA>(mapping); }
+};
+
+/// A small ordinary scene: complex integers with a mask, shifted by a matrix on nodes 8 pixels
+/// apart, with a Doppler centroid and a rate. About 60 x 50 pixels of it can be computed.
+SCENE OrdinaryScene();
+
+/// Any scene. The seed counts through pixel type, mapping, kernel, mask, and rate term, so that
+/// 64 seeds in a row meet all their combinations; all else is drawn, extremes included: NaN and
+/// infinite pixels, saturation, shifts far outside, NaN shifts, whole shifts.
+SCENE RandomScene(unsigned seed);
+
+/// The same scene in files of its own directory: "slave.ras", "mask.ras" (if it has one),
+/// "rg.map", "az.map" (for a matrix), "insar.pool", "slave.pool".
+void WriteSceneFiles(const SCENE& scene, const std::string& directory);
+POOL_TEXT InsarPool(const SCENE& scene);
+POOL_TEXT SlavePool(const SCENE& scene);
+
+/// The parameters of a run on these files, with the outputs "out.ras" and "out_mask.ras", the
+/// INSAR pool as log pool, and the mapping format from the pool.
+std::map<std::string, std::string> SceneParameters(const SCENE& scene);

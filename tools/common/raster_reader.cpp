@@ -1,0 +1,100 @@
+#include "common/raster_reader.h"
+
+#include <cstring>
+#include <stdexcept>
+
+#include "common/binary16.h"
+
+namespace {
+
+struct BINARY_16 {
+  std::uint16_t bits;
+  explicit operator double() const noexcept { return Binary16ToDouble(bits); }
+};
+
+template <class COMPONENT>
+double ReadComponent(const std::byte* from) noexcept {
+  COMPONENT component;
+  std::memcpy(&component, from, sizeof component);
+  return static_cast<double>(component);
+}
+
+template <class COMPONENT>
+void CopyReal(const std::byte* pixels, std::span<std::complex<double>> values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    values[i] = ReadComponent<COMPONENT>(pixels + i * sizeof(COMPONENT));
+  }
+}
+
+template <class COMPONENT>
+void CopyComplex(const std::byte* pixels, std::span<std::complex<double>> values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const std::byte* pixel = pixels + 2 * i * sizeof(COMPONENT);
+    values[i] = {ReadComponent<COMPONENT>(pixel),
+                 ReadComponent<COMPONENT>(pixel + sizeof(COMPONENT))};
+  }
+}
+
+}  // namespace
+
+RASTER_READER::RASTER_READER(const std::string& path) : path_(path) {
+  constexpr int read_only = 0;
+  raster_.Map(path.c_str(), read_only);
+  width_ = static_cast<std::int64_t>(raster_.Width());
+  height_ = static_cast<std::int64_t>(raster_.Height());
+  type_ = raster_.PixelType();
+}
+
+bool RASTER_READER::IsComplex() const noexcept {
+  switch (type_) {
+    case PIXEL_TYPE::C_U_INT_8:
+    case PIXEL_TYPE::C_INT_16:
+    case PIXEL_TYPE::C_FLT_2:
+    case PIXEL_TYPE::C_FLT_6:
+    case PIXEL_TYPE::C_FLT_15:
+      return true;
+    default:
+      return false;
+  }
+}
+
+const std::byte* RASTER_READER::Pixels(std::int64_t line, std::int64_t first,
+                                       std::size_t count) const {
+  const auto n_pixels = static_cast<std::int64_t>(count);
+  if (line < 0 || line >= height_ || first < 0 || n_pixels > width_ - first) {
+    throw std::out_of_range("pixels outside the raster " + path_);
+  }
+  return reinterpret_cast<const std::byte*>(raster_.Data()) +
+         (line * width_ + first) * static_cast<std::int64_t>(raster_.BytesPerPixel());
+}
+
+void RASTER_READER::ReadLine(std::int64_t line, std::int64_t first,
+                             std::span<std::complex<double>> values) const {
+  const std::byte* pixels = Pixels(line, first, values.size());
+  switch (type_) {
+    case PIXEL_TYPE::U_INT_8:
+      return CopyReal<std::uint8_t>(pixels, values);
+    case PIXEL_TYPE::INT_16:
+      return CopyReal<std::int16_t>(pixels, values);
+    case PIXEL_TYPE::INT_32:
+      return CopyReal<std::int32_t>(pixels, values);
+    case PIXEL_TYPE::FLT_2:
+      return CopyReal<BINARY_16>(pixels, values);
+    case PIXEL_TYPE::FLT_6:
+      return CopyReal<float>(pixels, values);
+    case PIXEL_TYPE::FLT_15:
+      return CopyReal<double>(pixels, values);
+    case PIXEL_TYPE::C_U_INT_8:
+      return CopyComplex<std::uint8_t>(pixels, values);
+    case PIXEL_TYPE::C_INT_16:
+      return CopyComplex<std::int16_t>(pixels, values);
+    case PIXEL_TYPE::C_FLT_2:
+      return CopyComplex<BINARY_16>(pixels, values);
+    case PIXEL_TYPE::C_FLT_6:
+      return CopyComplex<float>(pixels, values);
+    case PIXEL_TYPE::C_FLT_15:
+      return CopyComplex<double>(pixels, values);
+    default:
+      throw std::invalid_argument("pixels are no numbers in " + path_);
+  }
+}

@@ -1,0 +1,113 @@
+#include "compare/compare_command.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "compare/comparison.h"
+
+namespace {
+
+struct COMPARE_OPTIONS {
+  std::string a;
+  std::string b;
+  std::vector<std::string> masks;
+  std::int64_t margin = 0;
+  std::int64_t block = 0;
+  double min_coherence = 0.0;
+};
+
+/// The figures as "key=value" with the separator behind each.
+void Print(const COMPARISON& comparison, char separator) {
+  std::cout << std::fixed << std::setprecision(6)                                   //
+            << "compared=" << comparison.compared << separator                      //
+            << "coherence=" << comparison.coherence << separator                    //
+            << "phase_mean=" << comparison.phase_mean << separator                  //
+            << "phase_rms=" << comparison.phase_rms << separator                    //
+            << "phase_rms_weighted=" << comparison.phase_rms_weighted << separator  //
+            << "amplitude_error=" << comparison.amplitude_error << separator        //
+            << "complex_error=" << comparison.complex_error << separator            //
+            << "gain=" << comparison.gain << "\n";
+}
+
+REGION RegionWithin(const RASTER_READER& raster, std::int64_t margin) {
+  const REGION region = {margin, margin, raster.Width() - 2 * margin, raster.Height() - 2 * margin};
+  if (region.n_samples < 1 || region.n_lines < 1) {
+    throw std::invalid_argument("the margin leaves no pixel of " + raster.Path());
+  }
+  return region;
+}
+
+void CheckSameSize(const RASTER_READER& a, const RASTER_READER& b) {
+  if (a.Width() != b.Width() || a.Height() != b.Height()) {
+    throw std::invalid_argument(a.Path() + " and " + b.Path() + " have different sizes");
+  }
+}
+
+/// Calls `handle(block)` for all blocks of a region; the last ones are as small as they must be.
+template <class HANDLE>
+void ForEachBlock(const REGION& region, std::int64_t size, HANDLE handle) {
+  for (std::int64_t line = 0; line < region.n_lines; line += size) {
+    for (std::int64_t sample = 0; sample < region.n_samples; sample += size) {
+      handle(REGION{region.first_sample + sample, region.first_line + line,
+                    std::min(size, region.n_samples - sample),
+                    std::min(size, region.n_lines - line)});
+    }
+  }
+}
+
+void PrintComparison(const COMPARE_OPTIONS& options) {
+  const RASTER_READER a(options.a);
+  const RASTER_READER b(options.b);
+  CheckSameSize(a, b);
+  std::vector<std::unique_ptr<RASTER_READER>> mask_readers;
+  std::vector<const RASTER_READER*> masks;
+  for (const std::string& path : options.masks) {
+    mask_readers.push_back(std::make_unique<RASTER_READER>(path));
+    masks.push_back(mask_readers.back().get());
+    CheckSameSize(a, *masks.back());
+  }
+
+  const REGION region = RegionWithin(a, options.margin);
+  if (options.block > 0) {
+    ForEachBlock(region, options.block, [&](const REGION& block) {
+      std::cout << "first_sample=" << block.first_sample << " first_line=" << block.first_line
+                << " n_samples=" << block.n_samples << " n_lines=" << block.n_lines << " ";
+      Print(Compare(a, b, masks, block), ' ');
+    });
+    return;
+  }
+  const COMPARISON comparison = Compare(a, b, masks, region);
+  Print(comparison, '\n');
+  if (comparison.compared == 0) {
+    throw std::runtime_error("there is no pixel to compare");
+  }
+  if (!(comparison.coherence >= options.min_coherence)) {
+    throw std::runtime_error("the coherence is too low");
+  }
+}
+
+}  // namespace
+
+void AddCompareCommand(CLI::App& app) {
+  CLI::App* command = app.add_subcommand(
+      "compare", "Measure coherence, phase and amplitude between two rasters of the same size");
+  const auto options = std::make_shared<COMPARE_OPTIONS>();
+  command->add_option("A", options->a, "Raster to judge")->required();
+  command->add_option("B", options->b, "Raster to judge it by")->required();
+  command->add_option("--mask", options->masks,
+                      "Compare only where this raster is not 0; more than one may be given");
+  command->add_option("--margin", options->margin, "Leave out so many pixels at each edge")
+      ->check(CLI::NonNegativeNumber);
+  command
+      ->add_option("--block", options->block,
+                   "Print a line of figures for each block of so many pixels a side")
+      ->check(CLI::PositiveNumber);
+  command->add_option("--min-coherence", options->min_coherence,
+                      "Fail when the coherence is lower");
+  command->callback([options] { PrintComparison(*options); });
+}

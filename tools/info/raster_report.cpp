@@ -1,0 +1,116 @@
+#include "info/raster_report.h"
+
+#include <array>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <fstream>
+#include <iomanip>
+#include <stdexcept>
+#include <vector>
+
+#include "common/raster_reader.h"
+#include "info/amplitude_histogram.h"
+#include "info/value_statistics.h"
+#include "raster/raster_header.h"
+
+namespace {
+
+RASTER_HEADER ReadHeader(const std::string& path) {
+  RASTER_HEADER::BYTES bytes;
+  std::ifstream file(path, std::ios::binary);
+  if (!file.read(reinterpret_cast<char*>(bytes.data()), bytes.size())) {
+    throw std::runtime_error("can not read a raster header from " + path);
+  }
+  return RASTER_HEADER(bytes);
+}
+
+void WriteHeader(const RASTER_HEADER& header, std::ostream& report) {
+  report << "magic: 0x" << std::hex << std::setw(8) << std::setfill('0') << header.magic << std::dec
+         << (header.magic == RASTER_HEADER::raster_magic ? "" : " (not that of a raster)") << "\n";
+  report << "width: " << header.width << "\n";
+  report << "height: " << header.height << "\n";
+  report << "depth: " << header.depth << "\n";
+  report << "length: " << header.length << "\n";
+  report << "type: " << header.type << "\n";
+  report << "map type: " << header.map_type << "\n";
+  report << "map length: " << header.map_length << "\n";
+  report << "pixel type: " << DataTypeOf(header.PixelType()).Name() << "\n";
+  report << "bytes per pixel: " << BytesPerPixel(header.PixelType()) << "\n";
+}
+
+struct RASTER_STATISTICS {
+  std::int64_t finite = 0;
+  std::int64_t zeros = 0;
+  VALUE_STATISTICS real;
+  VALUE_STATISTICS imaginary;
+  VALUE_STATISTICS amplitude;
+  AMPLITUDE_HISTOGRAM amplitudes;
+
+  void Add(std::complex<double> value) noexcept {
+    if (!std::isfinite(value.real()) || !std::isfinite(value.imag())) {
+      return;
+    }
+    ++finite;
+    zeros += value == 0.0 ? 1 : 0;
+    real.Add(value.real());
+    imaginary.Add(value.imag());
+    const double magnitude = std::abs(value);
+    amplitude.Add(magnitude);
+    amplitudes.Add(magnitude);
+  }
+};
+
+RASTER_STATISTICS Measure(const RASTER_READER& raster) {
+  RASTER_STATISTICS statistics;
+  std::vector<std::complex<double>> values(static_cast<std::size_t>(raster.Width()));
+  for (std::int64_t line = 0; line < raster.Height(); ++line) {
+    raster.ReadLine(line, 0, values);
+    for (const std::complex<double>& value : values) {
+      statistics.Add(value);
+    }
+  }
+  return statistics;
+}
+
+void WriteValues(const std::string& name, const VALUE_STATISTICS& values, std::ostream& report) {
+  report << name << " min: " << values.Min() << "\n";
+  report << name << " max: " << values.Max() << "\n";
+  report << name << " mean: " << values.Mean() << "\n";
+  report << name << " rms: " << values.Rms() << "\n";
+}
+
+void WritePercentiles(const AMPLITUDE_HISTOGRAM& amplitudes, std::ostream& report) {
+  for (const int percent : {1, 5, 25, 50, 75, 95, 99}) {
+    report << "amplitude percentile " << percent << ": " << amplitudes.Quantile(percent / 100.0)
+           << "\n";
+  }
+}
+
+}  // namespace
+
+void WriteRasterReport(const std::string& path, std::ostream& report) {
+  report << "file: " << path << "\n";
+  WriteHeader(ReadHeader(path), report);
+  report.flush();
+  const RASTER_READER raster(path);
+  if (raster.Type() == PIXEL_TYPE::RGB) {
+    return;
+  }
+  const RASTER_STATISTICS statistics = Measure(raster);
+  report << std::setprecision(8);
+  report << "pixels: " << raster.Width() * raster.Height() << "\n";
+  report << "finite: " << statistics.finite << "\n";
+  report << "zeros: " << statistics.zeros << "\n";
+  if (statistics.finite == 0) {
+    return;
+  }
+  if (!raster.IsComplex()) {
+    WriteValues("value", statistics.real, report);
+    return;
+  }
+  WriteValues("real", statistics.real, report);
+  WriteValues("imaginary", statistics.imaginary, report);
+  WriteValues("amplitude", statistics.amplitude, report);
+  WritePercentiles(statistics.amplitudes, report);
+}

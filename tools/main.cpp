@@ -1,0 +1,42 @@
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+#include "base/error_exception.h"
+#include "compare/compare_command.h"
+#include "info/info_command.h"
+#include "logging/logging.h"
+#include "png/png_command.h"
+#include "scene/scene_command.h"
+
+namespace {
+
+/// Only what goes wrong is told: the tools write their results to standard output.
+const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL_T::ALARM);
+
+/// Each adds one subcommand, whose callback does the work and throws what goes wrong.
+constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
+                                               AddInfoCommand};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"Makes, measures and shows rasters around a run of resample."};
+  app.require_subcommand(1);
+  for (const auto add_command : add_commands) {
+    add_command(app);
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
+  } catch (const ERROR_EXCEPTION& error) {
+    std::cerr << "slctool: " << error.what() << "\n";
+    return EXIT_FAILURE;
+  } catch (const std::exception& error) {
+    std::cerr << "slctool: " << error.what() << "\n";
+    return EXIT_FAILURE;
+  }
+  return EXIT_SUCCESS;
+}

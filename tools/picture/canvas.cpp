@@ -1,0 +1,146 @@
+#include "picture/canvas.h"
+
+#include <gd.h>
+#include <gdfontg.h>
+#include <gdfontl.h>
+#include <gdfonts.h>
+
+#include <cstdio>
+#include <new>
+#include <stdexcept>
+#include <system_error>
+
+namespace {
+
+gdFontPtr Letters(FONT font) noexcept {
+  switch (font) {
+    case FONT::SMALL:
+      return gdFontGetSmall();
+    case FONT::TITLE:
+      return gdFontGetGiant();
+    default:
+      return gdFontGetLarge();
+  }
+}
+
+int Packed(COLOUR colour) noexcept {
+  return gdTrueColor(colour.red, colour.green, colour.blue);
+}
+
+/// The drawing library wants unsigned letters; its fonts know more than ASCII, but no UTF-8.
+std::string Drawable(std::string text) {
+  for (char& letter : text) {
+    if (static_cast<unsigned char>(letter) > 0x7E) {
+      letter = '?';
+    }
+  }
+  return text;
+}
+
+unsigned char* Bytes(std::string& text) noexcept {
+  return reinterpret_cast<unsigned char*>(text.data());
+}
+
+/// How far before its point a text of this length begins.
+int Lead(ALIGN align, int length) noexcept {
+  switch (align) {
+    case ALIGN::BEGIN:
+      return 0;
+    case ALIGN::CENTRE:
+      return length / 2;
+    default:
+      return length;
+  }
+}
+
+struct FREER {
+  void operator()(void* memory) const noexcept { gdFree(memory); }
+};
+
+struct CLOSER {
+  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+
+[[noreturn]] void ThrowCanNotWrite(const std::string& path) {
+  throw std::system_error(errno, std::generic_category(), "can not write " + path);
+}
+
+}  // namespace
+
+void CANVAS::DESTROYER::operator()(gdImageStruct* image) const noexcept {
+  gdImageDestroy(image);
+}
+
+CANVAS::CANVAS(int width, int height) : image_(gdImageCreateTrueColor(width, height)) {
+  if (!image_) {
+    throw std::bad_alloc();
+  }
+  Fill(0, 0, width - 1, height - 1, white);
+}
+
+int CANVAS::Width() const noexcept {
+  return gdImageSX(image_.get());
+}
+
+int CANVAS::Height() const noexcept {
+  return gdImageSY(image_.get());
+}
+
+COLOUR CANVAS::Pixel(int x, int y) const noexcept {
+  const int packed = gdImageGetTrueColorPixel(image_.get(), x, y);
+  return {static_cast<unsigned char>(gdTrueColorGetRed(packed)),
+          static_cast<unsigned char>(gdTrueColorGetGreen(packed)),
+          static_cast<unsigned char>(gdTrueColorGetBlue(packed))};
+}
+
+void CANVAS::SetPixel(int x, int y, COLOUR colour) noexcept {
+  gdImageSetPixel(image_.get(), x, y, Packed(colour));
+}
+
+void CANVAS::Line(int x0, int y0, int x1, int y1, COLOUR colour) noexcept {
+  gdImageLine(image_.get(), x0, y0, x1, y1, Packed(colour));
+}
+
+void CANVAS::Frame(int x0, int y0, int x1, int y1, COLOUR colour) noexcept {
+  gdImageRectangle(image_.get(), x0, y0, x1, y1, Packed(colour));
+}
+
+void CANVAS::Fill(int x0, int y0, int x1, int y1, COLOUR colour) noexcept {
+  gdImageFilledRectangle(image_.get(), x0, y0, x1, y1, Packed(colour));
+}
+
+void CANVAS::Text(int x, int y, ALIGN align, FONT font, const std::string& text, COLOUR colour) {
+  std::string drawable = Drawable(text);
+  gdImageString(image_.get(), Letters(font), x - Lead(align, TextWidth(font, text)),
+                y - TextHeight(font) / 2, Bytes(drawable), Packed(colour));
+}
+
+void CANVAS::TextUp(int x, int y, ALIGN align, FONT font, const std::string& text, COLOUR colour) {
+  std::string drawable = Drawable(text);
+  gdImageStringUp(image_.get(), Letters(font), x - TextHeight(font) / 2,
+                  y + Lead(align, TextWidth(font, text)), Bytes(drawable), Packed(colour));
+}
+
+void CANVAS::WritePng(const std::string& path) const {
+  int size = 0;
+  const std::unique_ptr<void, FREER> png(gdImagePngPtr(image_.get(), &size));
+  if (!png) {
+    throw std::bad_alloc();
+  }
+  std::unique_ptr<std::FILE, CLOSER> file(std::fopen(path.c_str(), "wb"));
+  if (!file || std::fwrite(png.get(), 1, static_cast<std::size_t>(size), file.get()) !=
+                   static_cast<std::size_t>(size)) {
+    ThrowCanNotWrite(path);
+  }
+  if (std::fclose(file.release()) != 0) {
+    ThrowCanNotWrite(path);
+  }
+}
+
+int TextWidth(FONT font, const std::string& text) noexcept {
+  return Letters(font)->w * static_cast<int>(text.size());
+}
+
+int TextHeight(FONT font) noexcept {
+  return Letters(font)->h;
+}

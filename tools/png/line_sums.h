@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+
+#include "common/pair_sums.h"
+#include "common/raster_reader.h"
+
+/// Delivers the sums of every single pixel of one line of an image. It refers to its rasters.
+using LINE_SUMS = std::function<void(std::int64_t line, std::span<PAIR_SUMS> pixels)>;
+
+/// Pixels paired with 1: `power_a` tells their power, `cross` their sum.
+LINE_SUMS SumsOf(const RASTER_READER& image);
+/// The pairs of two rasters of one size.
+LINE_SUMS SumsOf(const RASTER_READER& a, const RASTER_READER& b);
+/// The same of one raster whose nonzero pixels all count as 1.
+LINE_SUMS ValidPixelsOf(const RASTER_READER& mask);
