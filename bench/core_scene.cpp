@@ -6,6 +6,7 @@
 
 #include "core/pixel_codec.h"
 #include "mapping/mapping_matrix.h"
+#include "mapping/mapping_polynomial.h"
 
 namespace {
 
@@ -125,11 +126,23 @@ void CORE_SCENE::SetupMapping(CORE_CASE::MAPPING wanted) {
       SetupMatrices(32, [](double x, double y) { return SmoothShift(x, y, 1e-3); });
       break;
     case CORE_CASE::MAPPING::POLYNOMIAL:
+      SetupPolynomial();
       break;
     case CORE_CASE::MAPPING::IRREGULAR:
       SetupMatrices(1, IrregularShift);
       break;
   }
+}
+
+void CORE_SCENE::SetupPolynomial() {
+  const std::string coefficients = "5.3\n-7e-5\n1e-4\n2e-9\n1e-9\n-3e-9\n";
+  const std::string size = std::to_string(size_);
+  WriteText(directory_ / "insar.pool",
+            "respl_poly_az FLT_15_V 0 6\n{\n" + coefficients +
+                "}\nrespl_poly_rg FLT_15_V 0 6\n{\n" + coefficients + "}\nn_samples INT_32 " + size +
+                "\nn_lines INT_32 " + size + "\n");
+  PARAMETER_POOL pool((directory_ / "insar.pool").c_str());
+  mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(pool);
 }
 
 void CORE_SCENE::SetupMatrices(int subsampling, double (*shift)(double, double)) {

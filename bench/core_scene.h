@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 #include "core/resample_thr_arg.h"
 
@@ -35,6 +36,7 @@ class CORE_SCENE {
   void FillMask(bool with_mask);
   void SetupDoppler();
   void SetupMapping(CORE_CASE::MAPPING wanted);
+  void SetupPolynomial();
   void SetupMatrices(int subsampling, double (*shift)(double, double));
 
   const int size_;
