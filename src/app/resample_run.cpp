@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 namespace {
 
 using enum LOGGING_LEVEL_T;
+using BASIC::TYPES::MappingFormatType;
 
 constexpr int read_only = 0;
 
@@ -102,6 +104,7 @@ void RESAMPLE_RUN::MapSlaveAndMask() {
   Log().Message(INFO, "* Map input slave and mask");
   input_slave_.Map(parameters_.slave_in.c_str(), read_only);
   Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input_slave_.PixelType()));
+  CheckSlaveSides();
   if (!parameters_.mask_in) {
     input_mask_.CreateInMemory(0, 0, input_slave_.Width() - 1, input_slave_.Height() - 1,
                                PIXEL_TYPE::U_INT_8);
@@ -110,6 +113,15 @@ void RESAMPLE_RUN::MapSlaveAndMask() {
   } else {
     input_mask_.Map(parameters_.mask_in->c_str(), read_only);
     CheckMaskFitsSlave();
+  }
+}
+
+void RESAMPLE_RUN::CheckSlaveSides() const {
+  constexpr std::int64_t largest = std::numeric_limits<int>::max();
+  if (input_slave_.Width() > largest || input_slave_.Height() > largest) {
+    Log() << ALARM << "slave has too many samples or lines: " << input_slave_.Width() << "x"
+          << input_slave_.Height();
+    throw ERROR_DATA();
   }
 }
 
@@ -129,14 +141,14 @@ void RESAMPLE_RUN::CheckMaskFitsSlave() const {
 void RESAMPLE_RUN::SetupMapping() {
   Log().Message(INFO, "* Setup input mapping");
   switch (parameters_.mapping_format.Id()) {
-    case MAPPING_FORMAT_MATRIX: {
+    case MappingFormatType::MATRIX: {
       const SUBSAMPLING subsampling = ReadSubsampling(*insar_pool_);
       mapping_ = std::make_unique<MAPPING_MATRIX>(parameters_.rg_mapping_file.c_str(),
                                                   parameters_.az_mapping_file.c_str(),
                                                   subsampling.range, subsampling.azimuth);
       break;
     }
-    case MAPPING_FORMAT_POLYNOMIAL:
+    case MappingFormatType::POLYNOMIAL:
       mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_);
       break;
     default:

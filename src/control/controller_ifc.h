@@ -55,7 +55,7 @@ class CONTROLLER_IFC {
   void CloseConfigurationFile() noexcept { configuration_file_.Close(); }
 
   /// The two ends of a run: they leave the OK file with 0 or the ERROR file with 1, remove the
-  /// other one and return the exit status. Signals other than faults do not change the outcome
+  /// other one and return the exit status. Signals that are sent to it do not change the outcome
   /// any more.
   int FinishSuccess();
   int FinishFailure();

@@ -127,8 +127,23 @@ void ReportSignal(int signal_number, const LOGGING& log,
 }
 
 std::atomic_flag signal_taken = ATOMIC_FLAG_INIT;
+/// Whether the process ends as it has decided to.
+std::atomic<bool> end_is_decided = false;
 
-extern "C" void HandleFatalSignal(int signal_number) {
+bool IsFaultSignal(int signal_number) noexcept {
+  return std::find(fault_signals.begin(), fault_signals.end(), signal_number) !=
+         fault_signals.end();
+}
+
+/// Whether somebody has sent the signal, instead of the kernel for a cause of its own.
+bool IsSent(const siginfo_t& info) noexcept {
+  return info.si_code <= 0;
+}
+
+extern "C" void HandleFatalSignal(int signal_number, siginfo_t* info, void* /*context*/) {
+  if (end_is_decided && IsFaultSignal(signal_number) && IsSent(*info)) {
+    return;
+  }
   if (signal_taken.test_and_set()) {
     for (;;) {  // another thread is ending the process
       ::pause();
@@ -160,8 +175,8 @@ void UseSignalStack() {
 void InstallFatalSignalHandler() {
   UseSignalStack();
   struct sigaction action = {};
-  action.sa_handler = HandleFatalSignal;
-  action.sa_flags = SA_ONSTACK;
+  action.sa_sigaction = HandleFatalSignal;
+  action.sa_flags = SA_ONSTACK | SA_SIGINFO | SA_RESTART;
   ::sigfillset(&action.sa_mask);
   for (const int signal_number : fatal_signals) {
     ::sigaction(signal_number, &action, nullptr);
@@ -174,6 +189,7 @@ void BlockFatalSignals() noexcept {
   for (const int signal_number : fatal_signals) {
     sigaddset(&blocked, signal_number);
   }
+  end_is_decided = true;
   // A fault can not wait; it still ends the process as failed.
   for (const int signal_number : fault_signals) {
     sigdelset(&blocked, signal_number);

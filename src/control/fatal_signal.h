@@ -13,6 +13,6 @@
 /// keyboard prompt.
 void InstallFatalSignalHandler();
 
-/// From here on the calling thread's process ends as it has decided to: signals of the list
-/// other than faults stay pending. To be called when the other threads have ended.
+/// From here on the process ends as it has decided to, whatever signals of the list are sent to
+/// it; only a fault of its own still ends it as failed. To be called by the last thread.
 void BlockFatalSignals() noexcept;

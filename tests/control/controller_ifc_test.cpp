@@ -1,6 +1,7 @@
 #include "control/controller_ifc.h"
 
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -292,20 +293,28 @@ TEST_F(CONTROLLER, FailedEndLeavesOnlyTheErrorFile) {
   EXPECT_EQ(RunWith({"tool"}, [](CONTROLLER_IFC& c) { c.FinishFailureExit(); }).exit_status, 1);
 }
 
+/// Reads what no process may read.
+void TouchForbiddenMemory() {
+  const void* const page = ::mmap(nullptr, 1, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  WriteFile("unreachable", std::string(1, *static_cast<const volatile char*>(page)));
+}
+
 TEST_F(CONTROLLER, AfterTheEndOfTheRunOnlyAFaultChangesTheOutcome) {
-  const auto finish_then_raise = [&](int number) {
+  const auto finish_and_then = [&](const std::function<void()>& act) {
     return RunWith({"tool"},
                    [=](CONTROLLER_IFC& controller) {
                      const int status = controller.FinishSuccess();
-                     ::raise(number);
+                     act();
                      std::exit(status);
                    })
         .exit_status;
   };
-  EXPECT_EQ(finish_then_raise(SIGTERM), 0);
-  EXPECT_EQ(Content("OK.tool"), "0");
-  EXPECT_FALSE(Exists("ERROR.tool"));
-  EXPECT_EQ(finish_then_raise(SIGSEGV), 1);
+  for (const int sent : {SIGTERM, SIGSEGV}) {
+    EXPECT_EQ(finish_and_then([=] { ::raise(sent); }), 0);
+    EXPECT_EQ(Content("OK.tool"), "0");
+    EXPECT_FALSE(Exists("ERROR.tool"));
+  }
+  EXPECT_EQ(finish_and_then(TouchForbiddenMemory), 1);
   EXPECT_FALSE(Exists("OK.tool"));
   EXPECT_EQ(Content("ERROR.tool"), "1");
 }
