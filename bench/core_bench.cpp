@@ -1,14 +1,13 @@
 // Times every variant of the core on a list of cases and prints one table: nanoseconds of
 // processor time a pixel, and how many times faster than the plain variant in the same run.
 //
-//   core_bench [size [repetitions [part of a case's name]]]
-
-#include <ctime>
+//   core_bench [size [repetitions [part of a case's name [variant]]]]
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -22,7 +21,7 @@ using MAPPING = CORE_CASE::MAPPING;
 
 const CORE_CASE cases[] = {
     {.name = "code 8, L 6, N 64", .length = 6},
-    {.name = "code 8, L 8, N 64"},
+    {.name = "code 8, L 8, N 64, no rate"},
     {.name = "code 8, L 8, N 64, rate, mask", .with_rate = true, .with_mask = true},
     {.name = "code 8, L 16, N 64", .length = 16},
     {.name = "code 8, L 8, N 1024", .subpix_count = 1024},
@@ -67,14 +66,16 @@ void PrintHeader() {
 }
 
 /// The variants take turns, so that all see the same machine; the best time of each counts.
-void RunCase(const CORE_CASE& wanted, int size, int repetitions) {
+void RunCase(const CORE_CASE& wanted, int size, int repetitions, const char* variant_name) {
   const CORE_SCENE scene(wanted, size);
   std::vector<double> best(CoreVariants().size(), 1e9);
   for (int i = 0; i < repetitions; ++i) {
     for (std::size_t v = 0; v < best.size(); ++v) {
       const CORE_VARIANT& variant = CoreVariants()[v];
       const bool is_plain = v == 0;
-      if (variant.is_supported() && (!is_plain || i < 2)) {
+      const bool is_wanted =
+          variant_name == nullptr || std::strcmp(variant.name, variant_name) == 0;
+      if (variant.is_supported() && is_wanted && (!is_plain || i < 2)) {
         best[v] = std::min(best[v], SecondsOf(scene, variant));
       }
     }
@@ -98,7 +99,7 @@ int main(int argc, char** argv) {
   PrintHeader();
   for (const CORE_CASE& c : cases) {
     if (std::strstr(c.name, wanted) != nullptr) {
-      RunCase(c, size, repetitions);
+      RunCase(c, size, repetitions, argc > 4 ? argv[4] : nullptr);
     }
   }
 }

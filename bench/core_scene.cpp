@@ -44,7 +44,9 @@ CORE_SCENE::CORE_SCENE(const CORE_CASE& wanted, int size)
   output_.CreateInMemory(0, 0, last, last, wanted.pixel_type);
   output_mask_.CreateInMemory(0, 0, last, last, PIXEL_TYPE::U_INT_8);
   FillSlave();
-  FillMask(wanted.with_mask);
+  if (wanted.with_mask) {
+    FillMask();
+  }
   SetupDoppler();
   SetupMapping(wanted.mapping);
   std::filesystem::remove_all(directory_);
@@ -56,7 +58,7 @@ CORE_SCENE::CORE_SCENE(const CORE_CASE& wanted, int size)
   argument_.block = URANGE<unsigned int>(0, static_cast<unsigned>(size));
   argument_.worker_number = 1;  // no progress lines
   argument_.Set({.input_slave = &input_,
-                 .input_mask = &input_mask_,
+                 .input_mask = wanted.with_mask ? &input_mask_ : nullptr,
                  .input_width = size,
                  .input_height = size,
                  .output_slave = &output_,
@@ -82,11 +84,11 @@ void CORE_SCENE::FillSlave() {
   }
 }
 
-void CORE_SCENE::FillMask(bool with_mask) {
+void CORE_SCENE::FillMask() {
   input_mask_.CreateInMemory(0, 0, size_ - 1, size_ - 1, PIXEL_TYPE::U_INT_8);
   for (int line = 0; line < size_; ++line) {
     for (int sample = 0; sample < size_; ++sample) {
-      const bool is_hole = with_mask && line % 701 < 9 && sample % 503 < 40;
+      const bool is_hole = line % 701 < 9 && sample % 503 < 40;
       input_mask_.Rows<unsigned char>()[line][sample] = is_hole ? 0 : 1;
     }
   }
@@ -137,10 +139,10 @@ void CORE_SCENE::SetupMapping(CORE_CASE::MAPPING wanted) {
 void CORE_SCENE::SetupPolynomial() {
   const std::string coefficients = "5.3\n-7e-5\n1e-4\n2e-9\n1e-9\n-3e-9\n";
   const std::string size = std::to_string(size_);
-  WriteText(directory_ / "insar.pool",
-            "respl_poly_az FLT_15_V 0 6\n{\n" + coefficients +
-                "}\nrespl_poly_rg FLT_15_V 0 6\n{\n" + coefficients + "}\nn_samples INT_32 " + size +
-                "\nn_lines INT_32 " + size + "\n");
+  WriteText(directory_ / "insar.pool", "respl_poly_az FLT_15_V 0 6\n{\n" + coefficients +
+                                           "}\nrespl_poly_rg FLT_15_V 0 6\n{\n" + coefficients +
+                                           "}\nn_samples INT_32 " + size + "\nn_lines INT_32 " +
+                                           size + "\n");
   PARAMETER_POOL pool((directory_ / "insar.pool").c_str());
   mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(pool);
 }

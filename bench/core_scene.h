@@ -33,7 +33,7 @@ class CORE_SCENE {
 
  private:
   void FillSlave();
-  void FillMask(bool with_mask);
+  void FillMask();
   void SetupDoppler();
   void SetupMapping(CORE_CASE::MAPPING wanted);
   void SetupPolynomial();

@@ -28,10 +28,10 @@ constexpr CORE_VARIANT FastVariant(const char* name, bool (*is_supported)()) {
 constexpr CORE_VARIANT variants[] = {
     {"plain", ResampleBlock<INT_16_CODEC>, ResampleBlock<BINARY_16_CODEC>, [] { return true; }},
     FastVariant<row_functions_x86_64>("x86-64", [] { return true; }),
-    FastVariant<row_functions_x86_64_v3>(
-        "x86-64-v3", [] { return __builtin_cpu_supports("x86-64-v3") != 0; }),
-    FastVariant<row_functions_x86_64_v4>(
-        "x86-64-v4", [] { return __builtin_cpu_supports("x86-64-v4") != 0; }),
+    FastVariant<row_functions_x86_64_v3>("x86-64-v3",
+                                         [] { return __builtin_cpu_supports("x86-64-v3") != 0; }),
+    FastVariant<row_functions_x86_64_v4>("x86-64-v4",
+                                         [] { return __builtin_cpu_supports("x86-64-v4") != 0; }),
 };
 
 const CORE_VARIANT& FastestVariant() {
@@ -62,7 +62,9 @@ const CORE_VARIANT* VariantFromEnvironment() {
 
 }  // namespace
 
-std::span<const CORE_VARIANT> CoreVariants() { return variants; }
+std::span<const CORE_VARIANT> CoreVariants() {
+  return variants;
+}
 
 const CORE_VARIANT& ChooseCoreVariant() {
   const CORE_VARIANT* wanted = VariantFromEnvironment();

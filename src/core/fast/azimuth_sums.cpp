@@ -8,9 +8,7 @@ struct PHASORS {
   alignas(64) double re[strip_columns];
   alignas(64) double im[strip_columns];
 
-  CONST_COMPLEX_ROW Evaluate(const ROW_FUNCTIONS& functions) {
-    return Evaluate(functions, turns);
-  }
+  CONST_COMPLEX_ROW Evaluate(const ROW_FUNCTIONS& functions) { return Evaluate(functions, turns); }
   CONST_COMPLEX_ROW Evaluate(const ROW_FUNCTIONS& functions, const double* angles) {
     functions.sine_cosine(angles, strip_columns, {re, im});
     return {re, im};

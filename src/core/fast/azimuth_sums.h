@@ -13,8 +13,8 @@
 /// with u = fdc / PRF and g half its change from line to line at the position's own slave pixel.
 class AZIMUTH_SUMS {
  public:
-  AZIMUTH_SUMS(const DOPPLER_SAMPLER& doppler, const FOOTPRINT& footprint,
-               const RESAMPLE_JOB& job, const ROW_FUNCTIONS& functions);
+  AZIMUTH_SUMS(const DOPPLER_SAMPLER& doppler, const FOOTPRINT& footprint, const RESAMPLE_JOB& job,
+               const ROW_FUNCTIONS& functions);
 
   /// `range_sums` are those of the line at which the columns are. Columns that are not computed
   /// get any value.

@@ -1,20 +1,12 @@
 #include "core/fast/column_tracker.h"
 
-#include <cstring>
+#include <bit>
 #include <limits>
 
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-/// All columns of a group at once.
-std::uint64_t FlagsOfGroup(const unsigned char* flags) {
-  static_assert(group_columns == sizeof(std::uint64_t));
-  std::uint64_t word;
-  std::memcpy(&word, flags, sizeof(word));
-  return word;
-}
-constexpr std::uint64_t all_set = 0x0101010101010101;
+/// Beginning of an interval that holds no position.
+constexpr double no_interval = std::numeric_limits<double>::infinity();
 
 /// The fractions [first, end) of a pixel that are `step` sub-pixel steps. Between two steps they
 /// are narrowed by a margin, because rounding makes the limit uncertain; the limits of the pixel
@@ -30,7 +22,9 @@ FRACTIONS FractionsOfStep(int step, int subpix_count, double margin) {
 }
 
 /// Larger than the rounding errors of positions and fractions, smaller than any step that matters.
-double Margin(std::int64_t pixel) { return 1e-9 + static_cast<double>(pixel) * 0x1p-50; }
+double Margin(std::int64_t pixel) {
+  return 1e-9 + static_cast<double>(pixel) * 0x1p-50;
+}
 
 }  // namespace
 
@@ -60,11 +54,11 @@ void COLUMN_TRACKER::GoTo(unsigned line) {
   moved_.Clear();
   new_azimuth_weights_.Clear();
   positions_->Fill(line, rg_, az_);
-  functions_.find_steady({rg_first_, rg_end_, line_shift_, fa_first_, fa_end_}, azimuth_limits_,
-                         line, rg_, az_, strip_columns, fa_, is_steady_);
+  functions_.find_unsteady({rg_first_, rg_end_, line_shift_, fa_first_, fa_end_}, azimuth_limits_,
+                           line, rg_, az_, strip_columns, fa_, unsteady_);
   for (int group = 0; group * group_columns < column_count_; ++group) {
-    if (FlagsOfGroup(is_steady_ + group * group_columns) != all_set) {
-      LookAtGroup(group);
+    if (unsteady_[group] != 0) {
+      LookAtGroup(group, unsteady_[group]);
     }
   }
   if (arrangement_changed_) {
@@ -72,12 +66,9 @@ void COLUMN_TRACKER::GoTo(unsigned line) {
   }
 }
 
-void COLUMN_TRACKER::LookAtGroup(int group) {
-  const int first = group * group_columns;
-  for (int x = first; x < first + group_columns; ++x) {
-    if (is_steady_[x] == 0) {
-      LookAtColumn(x);
-    }
+void COLUMN_TRACKER::LookAtGroup(int group, unsigned unsteady) {
+  for (; unsteady != 0; unsteady &= unsteady - 1) {
+    LookAtColumn(group * group_columns + std::countr_zero(unsteady));
   }
   is_consecutive_[group] = IsConsecutive(group);
 }
@@ -95,19 +86,25 @@ void COLUMN_TRACKER::LookAtColumn(int x) {
   const TAP_POSITION range = LocateTaps(rg_[x], footprint_, kernel_);
   const TAP_POSITION azimuth = LocateTaps(az_[x], footprint_, kernel_);
   const std::int64_t line_shift = azimuth.pixel - line_;
-  if (!column.is_computed || column.sample != range.pixel || column.line_shift != line_shift) {
-    arrangement_changed_ = true;
-    moved_.Add(x);
-  } else if (column.range_weights != range.weights) {
-    moved_.Add(x);
-  }
+  fa_[x] = azimuth.fraction;
   if (column.azimuth_weights != azimuth.weights) {
     new_azimuth_weights_.Add(x);
   }
+  const bool reads_elsewhere =
+      !column.is_computed || column.sample != range.pixel || column.line_shift != line_shift;
+  if (!reads_elsewhere && column.range_weights == range.weights) {
+    column.azimuth_weights = azimuth.weights;
+    SetIntervals(x, range, azimuth);
+    return;
+  }
+  moved_.Add(x);
+  arrangement_changed_ = arrangement_changed_ || reads_elsewhere;
   computed_count_ += column.is_computed ? 0 : 1;
   column = {true, range.pixel, line_shift, range.weights, azimuth.weights};
-  fa_[x] = azimuth.fraction;
-  SetIntervals(x, range, azimuth);
+  // A column that moves on every line is spared the intervals until it stays.
+  if (rg_first_[x] != no_interval) {
+    SetIntervals(x, range, azimuth);
+  }
 }
 
 /// A column that is not computed is never steady, and has moved when it is computed again.
@@ -115,7 +112,7 @@ void COLUMN_TRACKER::Drop(int x) {
   arrangement_changed_ = true;
   computed_count_ -= columns_[x].is_computed ? 1 : 0;
   columns_[x].is_computed = false;
-  rg_first_[x] = infinity;
+  rg_first_[x] = no_interval;
 }
 
 void COLUMN_TRACKER::SetIntervals(int x, const TAP_POSITION& range, const TAP_POSITION& azimuth) {
@@ -155,8 +152,7 @@ void COLUMN_TRACKER::FindRuns() {
           singles_.Add(x);
         }
       }
-    } else if (first > 0 && IsInRun(first - 1) &&
-               column.sample == columns_[first - 1].sample + 1 &&
+    } else if (first > 0 && IsInRun(first - 1) && column.sample == columns_[first - 1].sample + 1 &&
                column.line_shift == columns_[first - 1].line_shift) {
       runs_[run_count_ - 1].count += group_columns;
     } else {

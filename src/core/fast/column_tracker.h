@@ -78,7 +78,7 @@ class COLUMN_TRACKER {
   int ComputedCount() const { return computed_count_; }
 
  private:
-  void LookAtGroup(int group);
+  void LookAtGroup(int group, unsigned unsteady);
   void LookAtColumn(int x);
   void Drop(int x);
   void SetIntervals(int x, const TAP_POSITION& range, const TAP_POSITION& azimuth);
@@ -107,7 +107,7 @@ class COLUMN_TRACKER {
   alignas(64) double rg_[strip_columns] = {};
   alignas(64) double az_[strip_columns] = {};
   alignas(64) double fa_[strip_columns] = {};
-  alignas(64) unsigned char is_steady_[strip_columns] = {};
+  unsigned char unsteady_[strip_columns / group_columns] = {};
   alignas(64) double rg_first_[strip_columns] = {};
   alignas(64) double rg_end_[strip_columns] = {};
   alignas(64) double line_shift_[strip_columns] = {};

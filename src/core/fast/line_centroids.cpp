@@ -31,15 +31,6 @@ void Shift(double* coefficients, int count, double distance) {
 
 }  // namespace
 
-double ValueAt(const RANGE_POLYNOMIAL& polynomial, double range_time) {
-  const double dt = range_time - polynomial.reference_time;
-  double sum = polynomial.coefficients[polynomial.count - 1];
-  for (int k = polynomial.count - 2; k >= 0; --k) {
-    sum = sum * dt + polynomial.coefficients[k];
-  }
-  return sum * polynomial.scale;
-}
-
 LINE_CENTROIDS::LINE_CENTROIDS(const DOPPLER_SAMPLER& doppler, int slave_width, int slave_height,
                                int kernel_length)
     : doppler_(doppler),
@@ -47,34 +38,13 @@ LINE_CENTROIDS::LINE_CENTROIDS(const DOPPLER_SAMPLER& doppler, int slave_width, 
       kernel_length_(kernel_length),
       first_range_time_(doppler.RangeTime(0)),
       last_range_time_(doppler.RangeTime(slave_width)),
+      slope_scale_(1.0 / doppler.Model().Prf()),
       entry_size_(1 + (doppler.WithRate() ? 2 : 1) * static_cast<std::size_t>(coefficient_count_)) {
   const std::size_t count = EntryCount(slave_height, entry_size_);
   entry_mask_ = count - 1;
   lines_.assign(count, -1);
   entries_.resize(count * entry_size_);
   neighbour_.resize(static_cast<std::size_t>(coefficient_count_));
-}
-
-LINE_CENTROID LINE_CENTROIDS::At(std::int64_t line) {
-  const double* entry = Entry(line);
-  const double* slope = entry + 1;
-  const double prf = doppler_.Model().Prf();
-  LINE_CENTROID centroid;
-  centroid.slope = {entry[0], slope, coefficient_count_, 1.0 / prf};
-  if (doppler_.WithRate()) {
-    centroid.rate = {entry[0], slope + coefficient_count_, coefficient_count_, 1.0};
-  }
-  return centroid;
-}
-
-double* LINE_CENTROIDS::Entry(std::int64_t line) {
-  const std::size_t index = static_cast<std::size_t>(line) & entry_mask_;
-  double* entry = entries_.data() + index * entry_size_;
-  if (lines_[index] != line) {
-    Compute(line, entry);
-    lines_[index] = line;
-  }
-  return entry;
 }
 
 void LINE_CENTROIDS::Compute(std::int64_t line, double* entry) {
@@ -104,8 +74,8 @@ bool LINE_CENTROIDS::ComputeRate(double azimuth_time, double* entry) {
     const double reference_time =
         model.PolynomialAt(azimuth_time + sign * doppler_.RateStep(), neighbour_.data());
     Shift(neighbour_.data(), coefficient_count_, entry[0] - reference_time);
-    const double phase = Magnitude(neighbour_.data(), entry[0]) * scale * kernel_length_ *
-                         kernel_length_;
+    const double phase =
+        Magnitude(neighbour_.data(), entry[0]) * scale * kernel_length_ * kernel_length_;
     is_accurate = is_accurate && phase <= largest_phase;
     for (int k = 0; k < coefficient_count_; ++k) {
       rate[k] += sign * scale * neighbour_[static_cast<std::size_t>(k)];

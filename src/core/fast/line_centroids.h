@@ -9,11 +9,18 @@
 /// The Doppler centroid of one slave line along range.
 struct LINE_CENTROID {
   RANGE_POLYNOMIAL slope;  ///< fdc / PRF [turns a line]
-  RANGE_POLYNOMIAL rate;   ///< half its change from line to line, 0 coefficients without rate term
+  RANGE_POLYNOMIAL rate;   ///< half its change from line to line; only with a rate term
 };
 
 /// Value of a polynomial at one range time, as the row function computes it.
-double ValueAt(const RANGE_POLYNOMIAL& polynomial, double range_time);
+inline double ValueAt(const RANGE_POLYNOMIAL& polynomial, double range_time) {
+  const double dt = range_time - polynomial.reference_time;
+  double sum = polynomial.coefficients[polynomial.count - 1];
+  for (int k = polynomial.count - 2; k >= 0; --k) {
+    sum = sum * dt + polynomial.coefficients[k];
+  }
+  return sum * polynomial.scale;
+}
 
 /// Centroids by slave line, worked out when first asked for and kept in a table of bounded size.
 ///
@@ -30,10 +37,18 @@ class LINE_CENTROIDS {
                  int kernel_length);
 
   /// Valid until the next call.
-  LINE_CENTROID At(std::int64_t line);
+  LINE_CENTROID At(std::int64_t line) {
+    const std::size_t index = static_cast<std::size_t>(line) & entry_mask_;
+    double* entry = entries_.data() + index * entry_size_;
+    if (lines_[index] != line) {
+      Compute(line, entry);
+      lines_[index] = line;
+    }
+    return {{entry[0], entry + 1, coefficient_count_, slope_scale_},
+            {entry[0], entry + 1 + coefficient_count_, coefficient_count_, 1.0}};
+  }
 
  private:
-  double* Entry(std::int64_t line);
   void Compute(std::int64_t line, double* entry);
   bool ComputeSlope(double azimuth_time, double* entry);
   bool ComputeRate(double azimuth_time, double* entry);
@@ -44,6 +59,7 @@ class LINE_CENTROIDS {
   const int kernel_length_;
   const double first_range_time_;
   const double last_range_time_;
+  const double slope_scale_;
   const std::size_t entry_size_;  ///< doubles: reference time, slope, rate
   std::size_t entry_mask_;
   std::vector<std::int64_t> lines_;  ///< that the entries are for

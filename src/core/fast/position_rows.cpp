@@ -52,14 +52,16 @@ class MATRIX_POSITIONS : public POSITION_ROWS {
         az_subsampling_(mapping.AzSubsampling()) {}
 
   void BeginStrip(int first_column, int count) override {
-    count_ = count;
+    inside_count_ = 0;
     held_grid_line_ = nothing_held;
     for (int x = 0; x < strip_columns; ++x) {
       sample_[x] = x < count ? first_column + x : nan;
       const double u = (first_column + x) / static_cast<double>(rg_subsampling_);
-      inside_[x] = u >= 0.0 && u < rg_.RgSize() - 1.0;
-      node_[x] = inside_[x] ? static_cast<std::size_t>(u) : 0;
-      fraction_[x] = u - static_cast<double>(node_[x]);
+      if (x < count && u < rg_.RgSize() - 1.0) {
+        node_[x] = static_cast<std::size_t>(u);
+        fraction_[x] = u - static_cast<double>(node_[x]);
+        inside_count_ = x + 1;
+      }
     }
   }
 
@@ -79,26 +81,30 @@ class MATRIX_POSITIONS : public POSITION_ROWS {
   static constexpr std::int64_t nothing_held = -2;
   static constexpr std::int64_t outside = -1;
 
+  /// Going down, the grid line after the last ones becomes the one before.
   void HoldGridLine(std::int64_t grid_line) {
-    held_grid_line_ = grid_line;
-    FillShifts(rg_, grid_line, rg_before_);
-    FillShifts(az_, grid_line, az_before_);
+    if (grid_line != outside && grid_line == held_grid_line_ + 1 && held_grid_line_ >= 0) {
+      std::copy_n(rg_after_, strip_columns, rg_before_);
+      std::copy_n(az_after_, strip_columns, az_before_);
+    } else {
+      FillShifts(rg_, grid_line, rg_before_);
+      FillShifts(az_, grid_line, az_before_);
+    }
     const std::int64_t next = grid_line == outside ? outside : grid_line + 1;
     FillShifts(rg_, next, rg_after_);
     FillShifts(az_, next, az_after_);
+    held_grid_line_ = grid_line;
   }
 
   void FillShifts(const MATRIX_INTERPOLATION<float>& matrix, std::int64_t grid_line,
                   double* shifts) const {
-    if (grid_line == outside) {
-      std::fill_n(shifts, strip_columns, 0.0);
-      return;
-    }
-    const float* nodes = matrix.Rows()[grid_line];
-    for (int x = 0; x < count_; ++x) {
+    const int count = grid_line == outside ? 0 : inside_count_;
+    const float* nodes = grid_line == outside ? nullptr : matrix.Rows()[grid_line];
+    for (int x = 0; x < count; ++x) {
       const float* node = nodes + node_[x];
-      shifts[x] = inside_[x] ? node[1] * fraction_[x] + node[0] * (1.0 - fraction_[x]) : 0.0;
+      shifts[x] = node[1] * fraction_[x] + node[0] * (1.0 - fraction_[x]);
     }
+    std::fill(shifts + count, shifts + strip_columns, 0.0);
   }
 
   const ROW_FUNCTIONS& functions_;
@@ -106,9 +112,8 @@ class MATRIX_POSITIONS : public POSITION_ROWS {
   const MATRIX_INTERPOLATION<float>& az_;
   const int rg_subsampling_;
   const int az_subsampling_;
-  int count_ = 0;
   std::int64_t held_grid_line_ = nothing_held;
-  bool inside_[strip_columns] = {};
+  int inside_count_ = 0;  ///< columns inside the grid, which are the first ones
   std::size_t node_[strip_columns] = {};
   double fraction_[strip_columns] = {};
   alignas(64) double sample_[strip_columns] = {};
@@ -133,9 +138,7 @@ class POLYNOMIAL_TERMS {
   }
 
   POLYNOMIAL_COLUMNS Columns() const { return {c2_x_, c3_x_, c5_x_x_}; }
-  POLYNOMIAL_LINE Line(double line) const {
-    return {c_[1] * line + c_[0], c_[4] * line * line};
-  }
+  POLYNOMIAL_LINE Line(double line) const { return {c_[1] * line + c_[0], c_[4] * line * line}; }
 
  private:
   const double* c_;

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "core/fast/column_tracker.h"
 #include "core/fast/line_ring.h"
+#include "core/fast/prefetch.h"
 #include "core/fast/row_buffer.h"
 #include "core/fast/row_functions.h"
 
@@ -14,6 +16,7 @@ struct SLAVE_ROWS {
   const PIXEL* const* pixels;
   const unsigned char* const* mask;  ///< null when every pixel is valid
   int width;
+  int height;
 };
 
 /// The sums along range that the columns of a strip need for an output line,
@@ -30,6 +33,7 @@ class RANGE_SUMS {
              const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
       : slave_(slave),
         length_(length),
+        mask_length_(static_cast<std::size_t>(length)),
         ring_(length),
         filter_run_(functions.range_filter(length)),
         filter_mask_(functions.filter_mask),
@@ -106,15 +110,23 @@ class RANGE_SUMS {
     const std::int64_t sample = columns.FirstTapSample(run.first);
     const int row = oldest_row_ + k;
     const int twin = ring_.Twin(row);
+    PrefetchAhead(line, sample, run.count + length_ - 1);
     Decode(line, sample, run.count + length_ - 1);
-    const COMPLEX_ROW sums = {re_.Row(row) + run.first, im_.Row(row) + run.first};
-    filter_run_(weights_.Row(0) + run.first, {pixels_re_, pixels_im_}, length_, run.count, sums);
-    std::copy_n(sums.re, run.count, re_.Row(twin) + run.first);
-    std::copy_n(sums.im, run.count, im_.Row(twin) + run.first);
+    filter_run_(weights_.Row(0) + run.first, {pixels_re_, pixels_im_}, length_, run.count,
+                {re_.Row(row) + run.first, im_.Row(row) + run.first},
+                {re_.Row(twin) + run.first, im_.Row(twin) + run.first});
     if (slave_.mask != nullptr) {
       unsigned char* valid = valid_.Row(row) + run.first;
       filter_mask_(slave_.mask[line] + sample, length_, run.count, valid);
       std::copy_n(valid, run.count, valid_.Row(twin) + run.first);
+    }
+  }
+
+  void PrefetchAhead(std::int64_t line, std::int64_t sample, int count) const {
+    constexpr std::int64_t lines_ahead = 8;
+    if (line + lines_ahead < slave_.height) {
+      const PIXEL* pixels = slave_.pixels[line + lines_ahead] + sample;
+      Prefetch(pixels, pixels + count);
     }
   }
 
@@ -129,25 +141,33 @@ class RANGE_SUMS {
   void FilterColumn(const COLUMN_TRACKER& columns, int x, int first_k) {
     const std::int64_t line = columns.FirstTapLine(x) + first_k;
     const std::int64_t sample = columns.FirstTapSample(x);
-    const int line_count = length_ - first_k;
-    double re[longest_kernel];
-    double im[longest_kernel];
-    filter_footprint_(slave_.pixels + line, sample, columns[x].range_weights, length_, line_count,
-                      {re, im});
-    for (int i = 0; i < line_count; ++i) {
-      const int row = oldest_row_ + first_k + i;
-      const int twin = ring_.Twin(row);
-      re_.Row(row)[x] = re_.Row(twin)[x] = re[i];
-      im_.Row(row)[x] = im_.Row(twin)[x] = im[i];
-      if (slave_.mask != nullptr) {
-        filter_mask_(slave_.mask[line + i] + sample, length_, 1, valid_.Row(row) + x);
-        valid_.Row(twin)[x] = valid_.Row(row)[x];
+    const int first_row = oldest_row_ + first_k;
+    const int end_row = oldest_row_ + length_;
+    filter_footprint_(slave_.pixels + line, sample, columns[x].range_weights, length_,
+                      end_row - first_row, {re_.Row(first_row) + x, im_.Row(first_row) + x});
+    if (slave_.mask != nullptr) {
+      for (int row = first_row; row < end_row; ++row) {
+        const unsigned char* mask = slave_.mask[line + row - first_row] + sample;
+        valid_.Row(row)[x] = std::memchr(mask, 0, mask_length_) == nullptr ? 1 : 0;
       }
+    }
+    for (int row = std::max(first_row, length_); row < end_row; ++row) {
+      CopyToTwin(row, x);
+    }
+  }
+
+  void CopyToTwin(int row, int x) {
+    const int twin = ring_.Twin(row);
+    re_.Row(twin)[x] = re_.Row(row)[x];
+    im_.Row(twin)[x] = im_.Row(row)[x];
+    if (slave_.mask != nullptr) {
+      valid_.Row(twin)[x] = valid_.Row(row)[x];
     }
   }
 
   const SLAVE_ROWS<PIXEL> slave_;
   const int length_;
+  const std::size_t mask_length_;
   const LINE_RING ring_;
   const RANGE_FILTER filter_run_;
   const MASK_FILTER filter_mask_;

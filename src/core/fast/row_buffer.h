@@ -11,7 +11,7 @@ template <class T>
 class ROW_BUFFER {
  public:
   explicit ROW_BUFFER(int rows)
-      : values_(new(alignment) T[static_cast<std::size_t>(rows) * strip_columns]{}) {}
+      : values_(new (alignment) T[static_cast<std::size_t>(rows) * strip_columns]{}) {}
 
   T* Row(int row) { return values_.get() + std::ptrdiff_t{row} * strip_columns; }
 

@@ -79,9 +79,9 @@ struct RATE_TURNS {
   double* last;
 };
 
-/// filtered[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1.
+/// filtered[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1; and a copy of it.
 using RANGE_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW pixels, int length,
-                              int count, COMPLEX_ROW filtered);
+                              int count, COMPLEX_ROW filtered, COMPLEX_ROW copy);
 
 /// sum[x] = last[x] * (sum over k of weights[k][x] filtered[k][x] / ramp[x]^k).
 using AZIMUTH_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW filtered, int length,
@@ -94,8 +94,8 @@ using RATE_AZIMUTH_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW fi
                                      CONST_COMPLEX_ROW first, CONST_COMPLEX_ROW step,
                                      CONST_COMPLEX_ROW last, int count, COMPLEX_ROW sum);
 
-/// filtered[k] = sum over j of weights[j] lines[k][sample + j] for `line_count` lines k: what a
-/// range filter makes of a single column, to the last bit.
+/// filtered[k][0] = sum over j of weights[j] lines[k][sample + j] for `line_count` lines k: what a
+/// range filter makes of a single column, to the last bit. Rows are `strip_columns` apart.
 template <class PIXEL>
 using FOOTPRINT_FILTER = void (*)(const PIXEL* const* lines, std::int64_t sample,
                                   const double* weights, int length, int line_count,
@@ -128,17 +128,17 @@ struct ROW_FUNCTIONS {
   /// Positions along one axis: the shift of the polynomial plus the column's origin.
   void (*polynomial_positions)(const POLYNOMIAL_COLUMNS& columns, const POLYNOMIAL_LINE& terms,
                                double line, const double* origin, int count, double* position);
-  /// fa = az - (line + line_shift), and whether each column stays in all its intervals.
-  void (*find_steady)(const COLUMN_INTERVALS& intervals, const AZIMUTH_LIMITS& limits, double line,
-                      const double* rg, const double* az, int count, double* fa,
-                      unsigned char* steady);
+  /// fa = az - (line + line_shift), and which columns leave one of their intervals: one byte a
+  /// group, its lowest bit for the first column.
+  void (*find_unsteady)(const COLUMN_INTERVALS& intervals, const AZIMUTH_LIMITS& limits,
+                        double line, const double* rg, const double* az, int count, double* fa,
+                        unsigned char* unsteady);
 
   /// scale * sum over k of c_k (range_time - reference_time)^k by Horner's rule, never fused.
   void (*centroid)(const RANGE_POLYNOMIAL& polynomial, const double* range_time, int count,
                    double* value);
   /// last = slope * (fa + offset)
-  void (*ramp_turns)(const double* slope, const double* fa, double offset, int count,
-                     double* last);
+  void (*ramp_turns)(const double* slope, const double* fa, double offset, int count, double* last);
   /// The turns of `RATE_AZIMUTH_FILTER` for the phase slope * (fa - t) + rate * (fa^2 - t^2) of
   /// tap k at t = k - offset.
   void (*rate_turns)(const double* slope, const double* rate, const double* fa, double offset,

@@ -16,8 +16,8 @@ void MatrixPositions(const MATRIX_COLUMNS& columns, double line, double line_fra
                      double* __restrict rg, double* __restrict az) {
   const double before = 1.0 - line_fraction;
   for (int x = 0; x < count; ++x) {
-    rg[x] = columns.sample[x] +
-            (before * columns.rg_before[x] + columns.rg_after[x] * line_fraction);
+    rg[x] =
+        columns.sample[x] + (before * columns.rg_before[x] + columns.rg_after[x] * line_fraction);
     az[x] = line + (before * columns.az_before[x] + columns.az_after[x] * line_fraction);
   }
 }
@@ -31,17 +31,22 @@ void PolynomialPositions(const POLYNOMIAL_COLUMNS& columns, const POLYNOMIAL_LIN
   }
 }
 
-void FindSteady(const COLUMN_INTERVALS& intervals, const AZIMUTH_LIMITS& limits, double line,
-                const double* __restrict rg, const double* __restrict az, int count,
-                double* __restrict fa, unsigned char* __restrict steady) {
-  const COLUMN_INTERVALS in = intervals;
-  const AZIMUTH_LIMITS within = limits;
-  for (int x = 0; x < count; ++x) {
-    const double fraction = az[x] - (line + in.line_shift[x]);
-    fa[x] = fraction;
-    steady[x] = (rg[x] >= in.rg_first[x]) & (rg[x] < in.rg_end[x]) &
-                (fraction >= in.fa_first[x]) & (fraction < in.fa_end[x]) &
-                (az[x] > within.above) & (az[x] < within.below);
+void FindUnsteady(const COLUMN_INTERVALS& in, const AZIMUTH_LIMITS& limits, double line,
+                  const double* rg, const double* az, int count, double* fa,
+                  unsigned char* unsteady) {
+  for (int first = 0; first < count; first += group_columns) {
+    unsigned steady = 0;
+    for (int x = first; x < first + group_columns; x += lanes) {
+      const LANES range = Load(rg + x);
+      const LANES azimuth = Load(az + x);
+      const LANES fraction = azimuth - (line + Load(in.line_shift + x));
+      Store(fraction, fa + x);
+      steady |= MaskOf((range >= Load(in.rg_first + x)) & (range < Load(in.rg_end + x)) &
+                       (fraction >= Load(in.fa_first + x)) & (fraction < Load(in.fa_end + x)) &
+                       (azimuth > limits.above) & (azimuth < limits.below))
+                << (x - first);
+    }
+    unsteady[first / group_columns] = static_cast<unsigned char>(~steady);
   }
 }
 
@@ -125,7 +130,7 @@ void SineCosine(const double* __restrict turns, int count, COMPLEX_ROW phasor) {
 
 template <int LENGTH>
 void FilterRange(const double* weights, CONST_COMPLEX_ROW pixels, int length, int count,
-                 COMPLEX_ROW filtered) {
+                 COMPLEX_ROW filtered, COMPLEX_ROW copy) {
   const int taps = LENGTH > 0 ? LENGTH : length;
   for (int x = 0; x < count; x += lanes) {
     LANES even_re{};
@@ -150,7 +155,9 @@ void FilterRange(const double* weights, CONST_COMPLEX_ROW pixels, int length, in
       even_im = MultiplyAdd(even, Load(im + taps - 1), even_im);
     }
     Store(even_re + odd_re, filtered.re + x);
+    Store(even_re + odd_re, copy.re + x);
     Store(even_im + odd_im, filtered.im + x);
+    Store(even_im + odd_im, copy.im + x);
   }
 }
 
@@ -293,8 +300,12 @@ std::uint32_t Word(const PIXEL& pixel) {
   return word;
 }
 
-std::int32_t RealHalf(std::uint32_t word) { return static_cast<std::int32_t>(word << 16) >> 16; }
-std::int32_t ImaginaryHalf(std::uint32_t word) { return static_cast<std::int32_t>(word) >> 16; }
+std::int32_t RealHalf(std::uint32_t word) {
+  return static_cast<std::int32_t>(word << 16) >> 16;
+}
+std::int32_t ImaginaryHalf(std::uint32_t word) {
+  return static_cast<std::int32_t>(word) >> 16;
+}
 
 // Constants of the conversion from binary16 to binary32 bits: exponent and mantissa move to their
 // place with the sign, the exponent by the difference of the biases, 127 - 15.
@@ -342,14 +353,16 @@ __m128i Halves(const PIXEL* pixels) {
 #endif
 }
 
-COMPLEX_PAIR DecodePair(const INT_16* pixels) { return ToDouble(Halves(pixels)); }
+COMPLEX_PAIR DecodePair(const INT_16* pixels) {
+  return ToDouble(Halves(pixels));
+}
 
 /// The same steps as for a single binary16 number.
 COMPLEX_PAIR DecodePair(const BINARY_16* pixels) {
   const __m128i half = Halves(pixels);
   const __m128i moved = _mm_and_si128(_mm_slli_epi32(half, 13), _mm_set1_epi32(moved_mask));
-  const __m128i special = _mm_cmpgt_epi32(_mm_and_si128(half, _mm_set1_epi32(0x7FFF)),
-                                          _mm_set1_epi32(largest_finite));
+  const __m128i special =
+      _mm_cmpgt_epi32(_mm_and_si128(half, _mm_set1_epi32(0x7FFF)), _mm_set1_epi32(largest_finite));
   const __m128i bits = _mm_or_si128(_mm_add_epi32(moved, _mm_set1_epi32(bias_step)), special);
   const __m128i is_zero = _mm_cmpeq_epi32(half, _mm_setzero_si128());
   return ToDouble(_mm_castsi128_ps(_mm_andnot_si128(is_zero, bits)));
@@ -386,13 +399,15 @@ void FilterFootprint(const PIXEL* const* lines, std::int64_t sample, const doubl
                         DecodeSingle(pixels + taps - 1), sum);
     }
     const __m128d total = Sum(sum);
-    filtered.re[k] = total[0];
-    filtered.im[k] = total[1];
+    filtered.re[k * strip_columns] = total[0];
+    filtered.im[k * strip_columns] = total[1];
   }
 }
 
 /// Bits whose bit 62 is set for infinities, NaN and magnitudes of 2^30 and more.
-std::uint64_t Bits(double value) { return __builtin_bit_cast(std::uint64_t, value * 0x1p-29); }
+std::uint64_t Bits(double value) {
+  return __builtin_bit_cast(std::uint64_t, value * 0x1p-29);
+}
 constexpr std::uint64_t too_large = std::uint64_t{1} << 62;
 
 /// Rounds half away from zero and saturates; for magnitudes below 2^30.
@@ -440,14 +455,15 @@ bool EncodeRowBinary16(CONST_COMPLEX_ROW values, int count, BINARY_16* encoded) 
 constexpr ROW_FUNCTIONS all_row_functions = {
     .matrix_positions = MatrixPositions,
     .polynomial_positions = PolynomialPositions,
-    .find_steady = FindSteady,
+    .find_unsteady = FindUnsteady,
     .centroid = Centroid,
     .ramp_turns = RampTurns,
     .rate_turns = RateTurns,
     .sine_cosine = SineCosine,
     .range_filter =
         [](int length) {
-          return ForLength(length, [](auto taps) -> RANGE_FILTER { return FilterRange<taps.count>; });
+          return ForLength(length,
+                           [](auto taps) -> RANGE_FILTER { return FilterRange<taps.count>; });
         },
     .azimuth_filter =
         [](int length) {

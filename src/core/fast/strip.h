@@ -5,6 +5,7 @@
 
 #include "core/fast/azimuth_sums.h"
 #include "core/fast/column_tracker.h"
+#include "core/fast/prefetch.h"
 #include "core/fast/range_sums.h"
 #include "core/fast/row_functions.h"
 #include "core/pixel_evaluation.h"
@@ -31,7 +32,7 @@ class STRIP {
         length_(evaluation_.Footprint().Length()),
         columns_(job, evaluation_.Footprint(), functions),
         range_sums_({input, has_mask_ ? job.input_mask->Rows<unsigned char>() : nullptr,
-                     job.input_width},
+                     job.input_width, job.input_height},
                     length_, functions, pixel_functions),
         azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {
     std::fill_n(valid_, strip_columns, static_cast<unsigned char>(1));
@@ -46,6 +47,12 @@ class STRIP {
       columns_.GoTo(line);
       if (columns_.ComputedCount() == 0) {
         continue;
+      }
+      if (line < last_line) {
+        const PIXEL* next_pixels = output_[line + 1] + first_column;
+        Prefetch(next_pixels, next_pixels + column_count_);
+        const unsigned char* next_mask = output_mask_[line + 1] + first_column;
+        Prefetch(next_mask, next_mask + column_count_);
       }
       range_sums_.Update(columns_);
       azimuth_sums_.Update(columns_, range_sums_.Sums());
