@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <type_traits>
 
 #include "core/pixel_codec.h"
 #include "core/resample_thr_arg.h"
@@ -17,6 +18,15 @@ struct CORE_VARIANT {
   RESAMPLE_FUNCTION<INT_16_CODEC> int_16;
   RESAMPLE_FUNCTION<BINARY_16_CODEC> binary_16;
   bool (*is_supported)();  ///< by this processor
+
+  template <class CODEC>
+  RESAMPLE_FUNCTION<CODEC> Function() const {
+    if constexpr (std::is_same_v<CODEC, INT_16_CODEC>) {
+      return int_16;
+    } else {
+      return binary_16;
+    }
+  }
 };
 
 /// "plain", then "x86-64", "x86-64-v3" and "x86-64-v4": the fast core for processors of these

@@ -8,7 +8,8 @@ void ResampleBlock(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL
                    typename CODEC::PIXEL* const* output) {
   const RESAMPLE_JOB& job = argument.job;
   const PIXEL_EVALUATION<CODEC> evaluation(job, input);
-  unsigned char* const* output_mask = job.output_mask->Rows<unsigned char>();
+  unsigned char* const* output_mask =
+      job.output_mask != nullptr ? job.output_mask->Rows<unsigned char>() : nullptr;
 
   for (unsigned line = argument.block.First(); line <= argument.block.Last(); ++line) {
     LogProgress(argument, line);
@@ -20,7 +21,9 @@ void ResampleBlock(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL
       }
       const INTERPOLATED result = evaluation.At(slave_range, slave_azimuth);
       output[line][sample] = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
-      output_mask[line][sample] = result.valid;
+      if (output_mask != nullptr) {
+        output_mask[line][sample] = result.valid;
+      }
     }
   }
 }

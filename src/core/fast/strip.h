@@ -23,16 +23,16 @@ class STRIP {
   STRIP(const RESAMPLE_JOB& job, const PIXEL* const* input, PIXEL* const* output,
         const ROW_FUNCTIONS& functions, const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
       : output_(output),
-        output_mask_(job.output_mask->Rows<unsigned char>()),
+        output_mask_(RowsOf(job.output_mask)),
         output_width_(job.output_width),
         functions_(functions),
         pixel_functions_(pixel_functions),
         evaluation_(job, input),
-        has_mask_(job.input_mask != nullptr),
         length_(evaluation_.Footprint().Length()),
+        with_validity_(job.input_mask != nullptr && job.output_mask != nullptr),
         columns_(job, evaluation_.Footprint(), functions),
-        range_sums_({input, has_mask_ ? job.input_mask->Rows<unsigned char>() : nullptr,
-                     job.input_width, job.input_height},
+        range_sums_({input, with_validity_ ? RowsOf(job.input_mask) : nullptr, job.input_width,
+                     job.input_height},
                     length_, functions, pixel_functions),
         azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {
     std::fill_n(valid_, strip_columns, static_cast<unsigned char>(1));
@@ -49,40 +49,63 @@ class STRIP {
         continue;
       }
       if (line < last_line) {
-        const PIXEL* next_pixels = output_[line + 1] + first_column;
-        Prefetch(next_pixels, next_pixels + column_count_);
-        const unsigned char* next_mask = output_mask_[line + 1] + first_column;
-        Prefetch(next_mask, next_mask + column_count_);
+        PrefetchOutput(line + 1);
       }
       range_sums_.Update(columns_);
       azimuth_sums_.Update(columns_, range_sums_.Sums());
-      if (has_mask_) {
-        functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid_);
+      StorePixels();
+      if (output_mask_ != nullptr) {
+        StoreMask();
       }
-      StoreLine();
     }
   }
 
  private:
-  void StoreLine() {
+  static unsigned char* const* RowsOf(const MEM_MGR* mask) {
+    return mask != nullptr ? mask->Rows<unsigned char>() : nullptr;
+  }
+
+  void PrefetchOutput(unsigned line) const {
+    const PIXEL* pixels = output_[line] + first_column_;
+    Prefetch(pixels, pixels + column_count_);
+    if (output_mask_ != nullptr) {
+      const unsigned char* mask = output_mask_[line] + first_column_;
+      Prefetch(mask, mask + column_count_);
+    }
+  }
+
+  void StorePixels() {
     PIXEL* pixels = output_[columns_.Line()] + first_column_;
-    unsigned char* mask = output_mask_[columns_.Line()] + first_column_;
     bool is_encoded = false;
     if (columns_.ComputedCount() == strip_columns) {
       is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, pixels);
-      std::copy_n(valid_, strip_columns, mask);
     } else {
       PIXEL encoded[strip_columns];
       is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, encoded);
-      for (int x = 0; x < column_count_; ++x) {
-        if (columns_[x].is_computed) {
-          pixels[x] = encoded[x];
-          mask[x] = valid_[x];
-        }
-      }
+      CopyComputed(encoded, pixels);
     }
     if (!is_encoded) {
       EvaluateSingly(pixels);
+    }
+  }
+
+  void StoreMask() {
+    if (with_validity_) {
+      functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid_);
+    }
+    CopyComputed(valid_, output_mask_[columns_.Line()] + first_column_);
+  }
+
+  template <class T>
+  void CopyComputed(const T* values, T* row) const {
+    if (columns_.ComputedCount() == column_count_) {
+      std::copy_n(values, column_count_, row);
+      return;
+    }
+    for (int x = 0; x < column_count_; ++x) {
+      if (columns_[x].is_computed) {
+        row[x] = values[x];
+      }
     }
   }
 
@@ -107,8 +130,8 @@ class STRIP {
   const ROW_FUNCTIONS& functions_;
   const PIXEL_FUNCTIONS<PIXEL>& pixel_functions_;
   const PIXEL_EVALUATION<CODEC> evaluation_;
-  const bool has_mask_;
   const int length_;
+  const bool with_validity_;  ///< whether the mask of the output differs from ones
   COLUMN_TRACKER columns_;
   RANGE_SUMS<PIXEL> range_sums_;
   AZIMUTH_SUMS azimuth_sums_;
