@@ -1,6 +1,5 @@
 #include "app/resample_run.h"
 
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -11,6 +10,7 @@
 #include "base/error_exception.h"
 #include "control/processing_history.h"
 #include "control/processors.h"
+#include "core/core_variant.h"
 #include "logging/logging.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
@@ -105,12 +105,7 @@ void RESAMPLE_RUN::MapSlaveAndMask() {
   input_slave_.Map(parameters_.slave_in.c_str(), read_only);
   Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input_slave_.PixelType()));
   CheckSlaveSides();
-  if (!parameters_.mask_in) {
-    input_mask_.CreateInMemory(0, 0, input_slave_.Width() - 1, input_slave_.Height() - 1,
-                               PIXEL_TYPE::U_INT_8);
-    std::memset(input_mask_.Data(), 1,
-                static_cast<std::size_t>(input_mask_.Width() * input_mask_.Height()));
-  } else {
+  if (parameters_.mask_in) {
     input_mask_.Map(parameters_.mask_in->c_str(), read_only);
     CheckMaskFitsSlave();
   }
@@ -178,9 +173,7 @@ void RESAMPLE_RUN::AllocateOutput() {
   const int last_line = parameters_.n_lines - 1;
   output_slave_.Create(parameters_.slave_out.c_str(), 0, 0, last_sample, last_line,
                        input_slave_.PixelType());
-  if (!parameters_.mask_out) {
-    output_mask_.CreateInMemory(0, 0, last_sample, last_line, PIXEL_TYPE::U_INT_8);
-  } else {
+  if (parameters_.mask_out) {
     output_mask_.Create(parameters_.mask_out->c_str(), 0, 0, last_sample, last_line,
                         PIXEL_TYPE::U_INT_8);
   }
@@ -205,13 +198,14 @@ void RESAMPLE_RUN::PerformProcessing() {
   Log().Message(INFO, "  - Set thread argument");
   RESAMPLE_THR_ARG record;
   record.Set({.input_slave = &input_slave_,
-              .input_mask = &input_mask_,
+              .input_mask = parameters_.mask_in ? &input_mask_ : nullptr,
               .input_width = static_cast<int>(input_slave_.Width()),
               .input_height = static_cast<int>(input_slave_.Height()),
               .output_slave = &output_slave_,
-              .output_mask = &output_mask_,
+              .output_mask = parameters_.mask_out ? &output_mask_ : nullptr,
               .output_width = parameters_.n_samples,
               .output_height = parameters_.n_lines,
+              .core = &ChooseCoreVariant(),
               .mapping = mapping_.get(),
               .kernel = kernel_.get(),
               .doppler = &doppler_,
