@@ -1,21 +1,18 @@
 #include "info/raster_report.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <complex>
 #include <filesystem>
-#include <limits>
 #include <sstream>
 
 #include "base/error_exception.h"
-#include "common/raster_writer.h"
 #include "info/amplitude_histogram.h"
 #include "raster/mem_mgr.h"
 #include "support/log_capture.h"
-#include "support/temporary_directory.h"
+#include "tools/image_test.h"
 
 namespace {
+
+using RasterReportTest = IMAGE_TEST;
 
 std::string Report(const std::string& path) {
   std::ostringstream report;
@@ -23,18 +20,12 @@ std::string Report(const std::string& path) {
   return report.str();
 }
 
-TEST(RasterReportTest, TellsHeaderAndValuesOfAComplexRaster) {
-  const TEMPORARY_DIRECTORY directory;
-  const std::string path = directory.File("image.ras");
-  WriteRaster(path, 5, 2, PIXEL_TYPE::C_INT_16,
-              [](std::int64_t line, std::span<std::complex<double>> values) {
-                std::fill(values.begin(), values.end(), std::complex<double>(3.0, -4.0));
-                if (line == 1) {
-                  values[0] = 0.0;
-                  values[1] = {-6.0, 8.0};
-                }
-              });
-
+TEST_F(RasterReportTest, TellsHeaderAndValuesOfAComplexRaster) {
+  const auto pixel = [](int sample, int line) {
+    const VALUE other[] = {0.0, {-6.0, 8.0}};
+    return line == 1 && sample < 2 ? other[sample] : VALUE(3.0, -4.0);
+  };
+  const std::string path = Complex("image.ras", 5, 2, pixel, PIXEL_TYPE::C_INT_16).Path();
   EXPECT_EQ(Report(path), "file: " + path +
                               "\n"
                               "magic: 0x59a66a95\n"
@@ -71,18 +62,10 @@ TEST(RasterReportTest, TellsHeaderAndValuesOfAComplexRaster) {
                               "amplitude percentile 99: 10\n");
 }
 
-TEST(RasterReportTest, CountsFiniteValuesOnly) {
-  const TEMPORARY_DIRECTORY directory;
-  const std::string path = directory.File("map.ras");
-  WriteRealRaster(path, 4, 1, PIXEL_TYPE::FLT_6, [](std::int64_t, std::span<double> values) {
-    values[0] = std::numeric_limits<double>::quiet_NaN();
-    values[1] = -std::numeric_limits<double>::infinity();
-    values[2] = -1.5;
-    values[3] = 0.5;
-  });
-
-  const std::string report = Report(path);
-
+TEST_F(RasterReportTest, CountsFiniteValuesOnly) {
+  const double values[] = {NAN, -HUGE_VAL, -1.5, 0.5};
+  const std::string report =
+      Report(Real("map", 4, 1, [&](int sample, int) { return values[sample]; }).Path());
   EXPECT_EQ(report.substr(report.find("pixels: ")),
             "pixels: 4\n"
             "finite: 2\n"
@@ -92,16 +75,12 @@ TEST(RasterReportTest, CountsFiniteValuesOnly) {
             "value mean: -0.5\n"
             "value rms: 1.118034\n");
 
-  WriteRealRaster(path, 1, 1, PIXEL_TYPE::FLT_6, [](std::int64_t, std::span<double> values) {
-    values[0] = std::numeric_limits<double>::infinity();
-  });
-  const std::string nothing = Report(path);
+  const std::string nothing = Report(Real("map", 1, 1, [](int, int) { return NAN; }).Path());
   EXPECT_EQ(nothing.substr(nothing.find("pixels: ")), "pixels: 1\nfinite: 0\nzeros: 0\n");
 }
 
-TEST(RasterReportTest, TellsTheHeaderOfRastersWithoutNumbers) {
-  const TEMPORARY_DIRECTORY directory;
-  const std::string colours = directory.File("colours.ras");
+TEST_F(RasterReportTest, TellsTheHeaderOfRastersWithoutNumbers) {
+  const std::string colours = Path("colours.ras");
   MEM_MGR().Create(colours.c_str(), 0, 0, 6, 1, PIXEL_TYPE::RGB);
   const std::string report = Report(colours);
   EXPECT_NE(report.find("pixel type: rgb\n"), std::string::npos);
@@ -112,7 +91,7 @@ TEST(RasterReportTest, TellsTheHeaderOfRastersWithoutNumbers) {
   std::ostringstream truncated;
   EXPECT_THROW(WriteRasterReport(colours, truncated), ERROR_CAN_NOT_READ_FILE);
   EXPECT_NE(truncated.str().find("width: 7\n"), std::string::npos);
-  EXPECT_THROW(Report(directory.File("missing")), std::runtime_error);
+  EXPECT_THROW(Report(Path("missing")), std::runtime_error);
 }
 
 TEST(AmplitudeHistogramTest, QuantilesAreExactWithinTheirClass) {
