@@ -1,8 +1,10 @@
+# shellcheck shell=bash
 # The packages that the other scripts need, by their Debian names. Sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev)
 test_packages=(libgtest-dev)
-demo_packages=("${build_packages[@]}")
+# The presets configure the tests as well.
+demo_packages=("${build_packages[@]}" "${test_packages[@]}")
 
 # Whether a package's part that we use is there, wherever it came from.
 is_present() {

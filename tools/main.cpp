@@ -19,9 +19,7 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
                                                AddInfoCommand};
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   CLI::App app{"Makes, measures and shows rasters around a run of resample."};
   app.require_subcommand(1);
   for (const auto add_command : add_commands) {
@@ -31,12 +29,19 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error);
-  } catch (const ERROR_EXCEPTION& error) {
-    std::cerr << "slctool: " << error.what() << "\n";
-    return EXIT_FAILURE;
-  } catch (const std::exception& error) {
-    std::cerr << "slctool: " << error.what() << "\n";
-    return EXIT_FAILURE;
   }
   return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const ERROR_EXCEPTION& error) {
+    std::cerr << "slctool: " << error.what() << "\n";
+  } catch (const std::exception& error) {
+    std::cerr << "slctool: " << error.what() << "\n";
+  }
+  return EXIT_FAILURE;
 }

@@ -1,7 +1,7 @@
 #include "app/resample_run.h"
 
-#include <cstring>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -10,6 +10,7 @@
 #include "base/error_exception.h"
 #include "control/processing_history.h"
 #include "control/processors.h"
+#include "core/core_variant.h"
 #include "logging/logging.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
@@ -18,6 +19,7 @@
 namespace {
 
 using enum LOGGING_LEVEL_T;
+using BASIC::TYPES::MappingFormatType;
 
 constexpr int read_only = 0;
 
@@ -102,14 +104,19 @@ void RESAMPLE_RUN::MapSlaveAndMask() {
   Log().Message(INFO, "* Map input slave and mask");
   input_slave_.Map(parameters_.slave_in.c_str(), read_only);
   Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input_slave_.PixelType()));
-  if (!parameters_.mask_in) {
-    input_mask_.CreateInMemory(0, 0, input_slave_.Width() - 1, input_slave_.Height() - 1,
-                               PIXEL_TYPE::U_INT_8);
-    std::memset(input_mask_.Data(), 1,
-                static_cast<std::size_t>(input_mask_.Width() * input_mask_.Height()));
-  } else {
+  CheckSlaveSides();
+  if (parameters_.mask_in) {
     input_mask_.Map(parameters_.mask_in->c_str(), read_only);
     CheckMaskFitsSlave();
+  }
+}
+
+void RESAMPLE_RUN::CheckSlaveSides() const {
+  constexpr std::int64_t largest = std::numeric_limits<int>::max();
+  if (input_slave_.Width() > largest || input_slave_.Height() > largest) {
+    Log() << ALARM << "slave has too many samples or lines: " << input_slave_.Width() << "x"
+          << input_slave_.Height();
+    throw ERROR_DATA();
   }
 }
 
@@ -129,14 +136,14 @@ void RESAMPLE_RUN::CheckMaskFitsSlave() const {
 void RESAMPLE_RUN::SetupMapping() {
   Log().Message(INFO, "* Setup input mapping");
   switch (parameters_.mapping_format.Id()) {
-    case MAPPING_FORMAT_MATRIX: {
+    case MappingFormatType::MATRIX: {
       const SUBSAMPLING subsampling = ReadSubsampling(*insar_pool_);
       mapping_ = std::make_unique<MAPPING_MATRIX>(parameters_.rg_mapping_file.c_str(),
                                                   parameters_.az_mapping_file.c_str(),
                                                   subsampling.range, subsampling.azimuth);
       break;
     }
-    case MAPPING_FORMAT_POLYNOMIAL:
+    case MappingFormatType::POLYNOMIAL:
       mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_);
       break;
     default:
@@ -166,9 +173,7 @@ void RESAMPLE_RUN::AllocateOutput() {
   const int last_line = parameters_.n_lines - 1;
   output_slave_.Create(parameters_.slave_out.c_str(), 0, 0, last_sample, last_line,
                        input_slave_.PixelType());
-  if (!parameters_.mask_out) {
-    output_mask_.CreateInMemory(0, 0, last_sample, last_line, PIXEL_TYPE::U_INT_8);
-  } else {
+  if (parameters_.mask_out) {
     output_mask_.Create(parameters_.mask_out->c_str(), 0, 0, last_sample, last_line,
                         PIXEL_TYPE::U_INT_8);
   }
@@ -193,13 +198,14 @@ void RESAMPLE_RUN::PerformProcessing() {
   Log().Message(INFO, "  - Set thread argument");
   RESAMPLE_THR_ARG record;
   record.Set({.input_slave = &input_slave_,
-              .input_mask = &input_mask_,
+              .input_mask = parameters_.mask_in ? &input_mask_ : nullptr,
               .input_width = static_cast<int>(input_slave_.Width()),
               .input_height = static_cast<int>(input_slave_.Height()),
               .output_slave = &output_slave_,
-              .output_mask = &output_mask_,
+              .output_mask = parameters_.mask_out ? &output_mask_ : nullptr,
               .output_width = parameters_.n_samples,
               .output_height = parameters_.n_lines,
+              .core = &ChooseCoreVariant(),
               .mapping = mapping_.get(),
               .kernel = kernel_.get(),
               .doppler = &doppler_,

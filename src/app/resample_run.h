@@ -37,6 +37,7 @@ class RESAMPLE_RUN {
   void PerformProcessing();
   void ReleaseMemory(const VERSION_RECORD& version);
 
+  void CheckSlaveSides() const;
   void CheckMaskFitsSlave() const;
   void CheckOutputPaths() const;
   PARAMETER_POOL_READ_WRITE_CHANGE& LogPool();

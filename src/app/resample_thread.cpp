@@ -1,7 +1,7 @@
 #include "app/resample_thread.h"
 
 #include "base/error_exception.h"
-#include "core/resampling_core.h"
+#include "core/core_variant.h"
 #include "logging/logging.h"
 
 namespace {
@@ -11,8 +11,9 @@ using enum LOGGING_LEVEL_T;
 template <class CODEC>
 void RunCore(const RESAMPLE_THR_ARG& argument) {
   using PIXEL = typename CODEC::PIXEL;
-  ResampleBlock<CODEC>(argument, argument.job.input_slave->Rows<PIXEL>(),
-                       argument.job.output_slave->Rows<PIXEL>());
+  const RESAMPLE_FUNCTION<CODEC> resample = argument.job.core->Function<CODEC>();
+  resample(argument, argument.job.input_slave->Rows<PIXEL>(),
+           argument.job.output_slave->Rows<PIXEL>());
 }
 
 }  // namespace

@@ -106,7 +106,7 @@ RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
   parameters.slave_in = MandatoryParameter(controller, "SlaveIn");
   parameters.mask_in = OptionalParameter(controller, "MaskIn");
   parameters.mapping_format = ReadMappingFormat(controller, insar_pool);
-  if (parameters.mapping_format.Id() == MAPPING_FORMAT_MATRIX) {
+  if (parameters.mapping_format.Id() == MappingFormatType::MATRIX) {
     parameters.rg_mapping_file = MandatoryParameter(controller, "RG_MAPPING_FILE");
     parameters.az_mapping_file = MandatoryParameter(controller, "AZ_MAPPING_FILE");
   }
@@ -128,7 +128,7 @@ void EchoRunParameters(const RUN_PARAMETERS& parameters, const char* insar_pool_
     log.Message(INFO, "   - MaskIn         : %s", parameters.mask_in->c_str());
   }
   log.Message(INFO, "   - Mapping type   : %s", parameters.mapping_format.Name());
-  if (parameters.mapping_format.Id() == MAPPING_FORMAT_MATRIX) {
+  if (parameters.mapping_format.Id() == MappingFormatType::MATRIX) {
     log.Message(INFO, "   - RgMappingFile  : %s", parameters.rg_mapping_file.c_str());
     log.Message(INFO, "   - AzMappingFile  : %s", parameters.az_mapping_file.c_str());
   }

@@ -33,9 +33,6 @@ struct RUN_PARAMETERS {
   bool ps_mode = false;
 };
 
-/// Ids of the mapping formats that a run can use.
-enum MAPPING_FORMAT : int { MAPPING_FORMAT_MATRIX = 1, MAPPING_FORMAT_POLYNOMIAL = 2 };
-
 /// A mandatory parameter; asked for at the keyboard when no source has it.
 std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name);
 

@@ -59,7 +59,7 @@ void PROCESSING_HISTORY::AddRun(PARAMETER_POOL_READ_WRITE_CHANGE& pool, const PR
   if (pool.Exists(Key(names_key).c_str())) {
     Read(pool);
   } else {
-    *this = PROCESSING_HISTORY(key_prefix_);
+    Clear();
   }
   const int index = IndexOf(run.name);
   if (index == names_.Size()) {
@@ -81,6 +81,15 @@ int PROCESSING_HISTORY::IndexOf(const std::string& program_name) const {
   const STRING* const end = names + names_.Size();
   const auto same_name = [&](const STRING& name) { return program_name == name.Text(); };
   return static_cast<int>(std::find_if(names, end, same_name) - names);
+}
+
+void PROCESSING_HISTORY::Clear() {
+  names_.Free();
+  versions_.Free();
+  dates_.Free();
+  start_times_.Free();
+  end_times_.Free();
+  execution_times_.Free();
 }
 
 void PROCESSING_HISTORY::Enlarge() {

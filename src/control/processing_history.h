@@ -35,6 +35,7 @@ class PROCESSING_HISTORY {
  private:
   std::string Key(const char* name) const { return key_prefix_ + name; }
   int IndexOf(const std::string& program_name) const;
+  void Clear();
   void Enlarge();
   void CheckLengths() const;
 

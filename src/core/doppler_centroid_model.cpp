@@ -128,3 +128,11 @@ double DOPPLER_CENTROID_MODEL::Frequency(double azimuth_time, double range_time)
   }
   return frequency;
 }
+
+double DOPPLER_CENTROID_MODEL::PolynomialAt(double azimuth_time, double* coefficients) const {
+  for (int degree = 0; degree < coefficient_count_; ++degree) {
+    coefficients[degree] =
+        coefficients_[static_cast<std::size_t>(degree)].interpolation.GetY(azimuth_time);
+  }
+  return reference_time_.interpolation.GetY(azimuth_time);
+}

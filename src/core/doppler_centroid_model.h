@@ -40,6 +40,11 @@ class DOPPLER_CENTROID_MODEL {
   /// sum over k of c_k(azimuth_time) * (range_time - t_ref(azimuth_time))^k.
   double Frequency(double azimuth_time, double range_time) const;
 
+  int CoefficientCount() const noexcept { return coefficient_count_; }
+  /// The polynomial of one azimuth time: fills `coefficients`, lowest degree first, and returns the
+  /// reference time.
+  double PolynomialAt(double azimuth_time, double* coefficients) const;
+
  private:
   using POINTS = ARRAY<POINT<double>>;
   using INTERPOLATION_OVER_AZIMUTH = LOCAL_INTERPOLATION<double, POLYNOM<double>, POINT<double>>;

@@ -148,6 +148,9 @@ void INTERPOLATION_KERNEL::ResizeTable() {
       RefuseForMemory(subpix_count_, tap_count);
     }
   }
+  rows_.resize(static_cast<std::size_t>(subpix_count_));
+  std::transform(rows, rows + subpix_count_, rows_.begin(),
+                 [](const ARRAY<double>& row) { return row.Origin(); });
 }
 
 void INTERPOLATION_KERNEL::FillTable() {

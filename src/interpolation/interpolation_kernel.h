@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <vector>
+
 #include "base/array.h"
 #include "interpolation/kernel_type.h"
 
@@ -14,6 +17,10 @@
 /// After set-up the table is only read, by any number of threads.
 class INTERPOLATION_KERNEL {
  public:
+  INTERPOLATION_KERNEL() = default;
+  INTERPOLATION_KERNEL(const INTERPOLATION_KERNEL&) = delete;
+  INTERPOLATION_KERNEL& operator=(const INTERPOLATION_KERNEL&) = delete;
+
   /// Computes the table, again on an object that holds one already.
   ///
   /// `length` is L, `subpix_count` N, `coefficient` the Kaiser weight (the window's shape
@@ -35,7 +42,7 @@ class INTERPOLATION_KERNEL {
   /// Number of sub-pixel positions N.
   int SubpixCount() const noexcept { return subpix_count_; }
   /// The L weights of sub-pixel position k, 0 <= k < N.
-  const double* Row(int k) const noexcept { return table_.Origin()[k].Origin(); }
+  const double* Row(int k) const noexcept { return rows_[static_cast<std::size_t>(k)]; }
 
  private:
   void CorrectParameters();
@@ -52,4 +59,5 @@ class INTERPOLATION_KERNEL {
   float length_f_ = 0.0F;  ///< as requested, never corrected
   float subpix_f_ = 0.0F;
   ARRAY<ARRAY<double>> table_;
+  std::vector<const double*> rows_;  ///< of the table, for quick access
 };

@@ -52,22 +52,24 @@ void POOL_LINE::MoveBehind(std::string_view word) noexcept {
 }
 
 bool POOL_LINES::Next(POOL_LINE& line) {
-  std::string raw;
-  int next = Peek();
-  if (next == end_of_file) {
+  if (Buffered().empty()) {
     return false;
   }
-  for (; next != end_of_file && next != '\n' && next != '\r' && raw.size() < pool_line_length;
-       next = Peek()) {
-    raw += static_cast<char>(next);
-    ++position_;
+  std::string raw;
+  while (raw.size() < pool_line_length) {
+    const std::string_view piece = Buffered().substr(0, pool_line_length - raw.size());
+    const std::string_view text = piece.substr(0, piece.find_first_of("\r\n"));
+    raw += text;
+    position_ += text.size();
+    if (text.size() < piece.size() || piece.empty()) {
+      break;
+    }
   }
   const std::size_t length = raw.size();
   for (const char part_of_end : {'\r', '\n'}) {
-    if (next == part_of_end) {
+    if (Buffered().starts_with(part_of_end)) {
       raw += part_of_end;
       ++position_;
-      next = Peek();
     }
   }
   line = POOL_LINE(std::move(raw), length);
@@ -84,11 +86,11 @@ bool POOL_LINES::CanHold(long long lines) const noexcept {
   return lines <= (unread + 1) / 2;
 }
 
-int POOL_LINES::Peek() {
+std::string_view POOL_LINES::Buffered() {
   if (position_ == filled_) {
     Fill();
   }
-  return position_ == filled_ ? end_of_file : static_cast<unsigned char>(buffer_[position_]);
+  return {buffer_.data() + position_, filled_ - position_};
 }
 
 void POOL_LINES::Fill() {

@@ -58,9 +58,8 @@ class POOL_LINES {
   bool CanHold(long long lines) const noexcept;
 
  private:
-  static constexpr int end_of_file = -1;
-
-  int Peek();
+  /// What follows in the file, as far as it is in the buffer; empty at the end of the file only.
+  std::string_view Buffered();
   void Fill();
 
   const POOL_FILE* file_;

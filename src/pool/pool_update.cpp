@@ -1,9 +1,9 @@
 #include "pool/pool_update.h"
 
 #include <fcntl.h>
-#include <signal.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <string>
 #include <vector>

@@ -142,9 +142,8 @@ TEST_F(InterpolationKernelTest, WrongLengthsAreResetWithAWarning) {
   Init(sinc, 4, 4);
   EXPECT_EQ(kernel_.Length(), 6);
   ExpectWeights(Sinc);
-  const std::vector<std::string> cubic_twice_two(
+  std::vector<std::string> expected(
       4, "WARN  : Cubic convolution kernel by default with 6 points. Length is reset to 6");
-  std::vector<std::string> expected = cubic_twice_two;
   expected.emplace_back("WARN  : Truncated sinc must at least have 6 points. Length is reset to 6");
   EXPECT_EQ(log_.Lines(), expected);
 }

@@ -82,7 +82,7 @@ const std::vector<READ_CASE>& CasesOfAllTypes() {
   return cases;
 }
 
-std::string WithLineEnd(std::string text, std::string_view line_end) {
+std::string WithLineEnd(std::string_view text, std::string_view line_end) {
   std::string result;
   for (const char character : text) {
     result += character == '\n' ? std::string(line_end) : std::string(1, character);

@@ -103,7 +103,7 @@ struct SAMPLES {
   static void AddAnyBits(std::vector<T>& values) {
     using BITS = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
     std::mt19937_64 random(1);
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 50; ++i) {
       const T value = std::bit_cast<T>(static_cast<BITS>(random()));
       values.push_back(std::isfinite(value) ? value : T(i));
     }

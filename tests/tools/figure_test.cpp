@@ -73,10 +73,9 @@ COLOUR_AREA AreaOf(const gdImage& image, COLOUR colour) {
 }
 
 std::vector<std::string> Labels(const std::vector<TICK>& ticks) {
-  std::vector<std::string> labels;
-  for (const TICK& tick : ticks) {
-    labels.push_back(tick.label);
-  }
+  std::vector<std::string> labels(ticks.size());
+  std::transform(ticks.begin(), ticks.end(), labels.begin(),
+                 [](const TICK& tick) { return tick.label; });
   return labels;
 }
 

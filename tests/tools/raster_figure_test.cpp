@@ -50,12 +50,10 @@ complex<double> Constant(int, int) {
 }
 
 TEST_F(RasterFigureTest, AmplitudeAveragesPowerAndLeavesGapsOut) {
-  const RASTER_READER image = Complex("a", 4, 2, [](int sample, int line) -> complex<double> {
-    if (sample >= 2) {
-      return 0.0;
-    }
-    return line == 0 ? complex<double>(std::nan(""), 1.0)
-                     : complex<double>(0.0, sample == 0 ? 6.0 : 8.0);
+  const RASTER_READER image = Complex("a", 4, 2, [](int sample, int line) {
+    const complex<double> pixels[2][4] = {{{std::nan(""), 1.0}, 0.0, 0.0, 0.0},
+                                          {{0.0, 6.0}, {0.0, 8.0}, 0.0, 0.0}};
+    return pixels[line][sample];
   });
 
   const FIGURE figure = AmplitudeFigure(image, {2, 1});
@@ -149,18 +147,25 @@ TEST_F(RasterFigureTest, CommandWritesEveryKind) {
   Complex("a.ras", 20, 20, Ramp);
   Complex("b.ras", 20, 20, Constant);
   Real("m.ras", 20, 20, PIXEL_TYPE::U_INT_8, [](int, int) { return 1.0; });
-  const std::string path = directory_.File("");
+  const std::string picture = directory_.File("picture.png");
+  const std::pair<const char*, std::vector<const char*>> kinds[] = {
+      {"amplitude", {"a.ras"}},
+      {"phase", {"a.ras"}},
+      {"mask", {"m.ras"}},
+      {"interferogram", {"a.ras", "b.ras"}},
+      {"coherence", {"a.ras", "b.ras"}}};
 
-  for (const std::string& arguments :
-       {"amplitude " + path + "a.ras", "phase " + path + "a.ras", "mask " + path + "m.ras",
-        "interferogram " + path + "a.ras " + path + "b.ras",
-        "coherence " + path + "a.ras " + path + "b.ras"}) {
-    const std::string picture = directory_.File("picture.png");
+  for (const auto& [kind, rasters] : kinds) {
     std::filesystem::remove(picture);
+    std::vector<std::string> arguments = {"png", kind};
+    for (const char* raster : rasters) {
+      arguments.push_back(directory_.File(raster));
+    }
+    arguments.insert(arguments.end(), {picture, "--width", "50", "--title", "A title"});
     CLI::App app;
     AddPngCommand(app);
-    app.parse("png " + arguments + " " + picture + " --width 50 --title T");
-    EXPECT_EQ(ReadFile(picture).substr(1, 3), "PNG") << arguments;
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    EXPECT_EQ(ReadFile(picture).substr(1, 3), "PNG") << kind;
   }
 }
 

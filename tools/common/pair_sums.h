@@ -11,12 +11,13 @@ struct PAIR_SUMS {
   double power_b = 0.0;        ///< |b|^2
   double weight = 0.0;         ///< 1 a pair
 
-  /// The sums of one pair. A pair with a component that is not finite counts for nothing.
+  /// The sums of one pair. A pair with a value that is 0, which marks pixels without data, or not
+  /// finite counts for nothing.
   static PAIR_SUMS Of(std::complex<double> a, std::complex<double> b) noexcept {
     const std::complex<double> cross{a.real() * b.real() + a.imag() * b.imag(),
                                      a.imag() * b.real() - a.real() * b.imag()};
     const PAIR_SUMS sums{cross, std::norm(a), std::norm(b), 1.0};
-    return std::isfinite(sums.power_a) && std::isfinite(sums.power_b) ? sums : PAIR_SUMS{};
+    return HoldsData(sums.power_a) && HoldsData(sums.power_b) ? sums : PAIR_SUMS{};
   }
 
   PAIR_SUMS& Add(const PAIR_SUMS& other, double factor = 1.0) noexcept {
@@ -27,8 +28,9 @@ struct PAIR_SUMS {
     return *this;
   }
 
-  /// |sum a conj(b)| / sqrt(sum |a|^2 sum |b|^2), NaN where a sum of powers is 0.
-  double Coherence() const noexcept {
-    return std::abs(cross) / std::sqrt(power_a * power_b);
-  }
+  /// |sum a conj(b)| / sqrt(sum |a|^2 sum |b|^2), NaN without pairs.
+  double Coherence() const noexcept { return std::abs(cross) / std::sqrt(power_a * power_b); }
+
+ private:
+  static bool HoldsData(double power) noexcept { return power > 0.0 && std::isfinite(power); }
 };

@@ -36,8 +36,8 @@ LINE_SUMS SumsOf(const RASTER_READER& a, const RASTER_READER& b) {
   };
 }
 
-LINE_SUMS ValidPixelsOf(const RASTER_READER& mask) {
+LINE_SUMS GapsOf(const RASTER_READER& mask) {
   return LineSums(mask, [](std::complex<double> value) {
-    return PAIR_SUMS::Of(value == 0.0 ? 0.0 : 1.0, 1.0);
+    return PAIR_SUMS::Of(value == 0.0 ? 1.0 : 0.0, 1.0);
   });
 }

@@ -14,5 +14,5 @@ using LINE_SUMS = std::function<void(std::int64_t line, std::span<PAIR_SUMS> pix
 LINE_SUMS SumsOf(const RASTER_READER& image);
 /// The pairs of two rasters of one size.
 LINE_SUMS SumsOf(const RASTER_READER& a, const RASTER_READER& b);
-/// The same of one raster whose nonzero pixels all count as 1.
-LINE_SUMS ValidPixelsOf(const RASTER_READER& mask);
+/// The pixels of a mask that are not valid, those of value 0, each with weight 1; others have none.
+LINE_SUMS GapsOf(const RASTER_READER& mask);

@@ -78,10 +78,8 @@ double PhaseOf(const PAIR_SUMS& sums) {
   return sums.cross == 0.0 ? no_value : std::arg(sums.cross);
 }
 
-/// 1 where all pixels are valid, else 0.
-double ValidityOf(const PAIR_SUMS& sums) {
-  constexpr double rounding = 1e-9;
-  return sums.power_a >= sums.weight * (1.0 - rounding) ? 1.0 : 0.0;
+double ValidityOf(const PAIR_SUMS& gaps) {
+  return gaps.weight > 0.0 ? 0.0 : 1.0;
 }
 
 COLOUR_SCALE DecibelScale(std::vector<double> values) {
@@ -161,7 +159,7 @@ FIGURE MaskFigure(const RASTER_READER& mask, const PICTURE_SIZE& wanted) {
   if (mask.Type() != PIXEL_TYPE::U_INT_8) {
     throw std::invalid_argument("not one byte a pixel in " + mask.Path());
   }
-  FIGURE figure = MultilookedFigure(mask, ValidPixelsOf(mask), wanted, 1, ValidityOf);
+  FIGURE figure = MultilookedFigure(mask, GapsOf(mask), wanted, 1, ValidityOf);
   figure.title = "Validity mask";
   figure.subtitle = Subtitle(FileName(mask), figure);
   figure.scale = MaskScale();

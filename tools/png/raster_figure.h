@@ -5,8 +5,8 @@
 #include "png/picture_size.h"
 
 /// The figures average the pixels down to the wanted size in one pass over the lines. Pixels
-/// that are not finite are left out. They throw std::invalid_argument for rasters without
-/// pixels, of different sizes, or with a pixel type that does not fit.
+/// that are 0, which marks missing data, or not finite are left out. Throw std::invalid_argument
+/// for rasters without pixels, of different sizes, or with a pixel type that does not fit.
 
 /// RMS amplitude in decibels of one unit; the scale runs from the 1st to the 99th percentile.
 FIGURE AmplitudeFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted);

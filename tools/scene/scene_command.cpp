@@ -35,7 +35,7 @@ void AddImageOptions(CLI::App& command, SCENE_OPTIONS& options) {
       .add_option("--tile", options.tile,
                   "The signal repeats after so many pixels: a power of two, 0 for the image's "
                   "size, at most 1024")
-      ->check(CLI::NonNegativeNumber);
+      ->check(CLI::Range(0, 4096));
 }
 
 void AddSpectrumOptions(CLI::App& command, SCENE_OPTIONS& options) {

@@ -1,5 +1,6 @@
 #include "scene/scene_parameters.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <span>
@@ -88,10 +89,9 @@ void WriteInsarPool(const SCENE_OPTIONS& options) {
 void WriteSlavePool(const SCENE_OPTIONS& options) {
   const SCENE_DOPPLER doppler(options);
   const std::vector<double> azimuth_times = doppler.AzimuthTimes();
-  std::vector<std::vector<double>> coefficients;
-  for (const double time : azimuth_times) {
-    coefficients.push_back(doppler.Coefficients(time));
-  }
+  std::vector<std::vector<double>> coefficients(azimuth_times.size());
+  std::transform(azimuth_times.begin(), azimuth_times.end(), coefficients.begin(),
+                 [&](double time) { return doppler.Coefficients(time); });
   POOL_FILE pool(options.directory + "/slave.pool");
   pool.Stream() << "# Synthetic scene, seed " << options.seed << "\n";
   pool.Write("imaging_mode", options.imaging_mode);

@@ -113,7 +113,7 @@ PERIODIC_SIGNAL MakeBaseband(const SCENE_OPTIONS& options) {
 }  // namespace
 
 SCENE_SIGNAL::SCENE_SIGNAL(const SCENE_OPTIONS& options)
-    : baseband_(MakeBaseband(options)), doppler_(options), block_length_(options.tile / 2) {}
+    : baseband_(MakeBaseband(options)), doppler_(options), block_length_(0.5 * options.tile) {}
 
 std::complex<double> SCENE_SIGNAL::AtPixel(std::int64_t line, std::int64_t sample) const noexcept {
   return Blend(baseband_.AtPixel(line, sample), static_cast<double>(line),

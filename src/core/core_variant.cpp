@@ -1,0 +1,74 @@
+#include "core/core_variant.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+#include "core/fast/fast_core.h"
+#include "core/fast/row_function_variants.h"
+#include "core/resampling_core.h"
+#include "logging/logging.h"
+
+namespace {
+
+using enum LOGGING_LEVEL_T;
+
+template <class CODEC, const ROW_FUNCTIONS& functions>
+void ResampleFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL* const* input,
+                  typename CODEC::PIXEL* const* output) {
+  ResampleBlockFast<CODEC>(argument, input, output, functions);
+}
+
+template <const ROW_FUNCTIONS& functions>
+constexpr CORE_VARIANT FastVariant(const char* name, bool (*is_supported)()) {
+  return {name, ResampleFast<INT_16_CODEC, functions>, ResampleFast<BINARY_16_CODEC, functions>,
+          is_supported};
+}
+
+constexpr CORE_VARIANT variants[] = {
+    {"plain", ResampleBlock<INT_16_CODEC>, ResampleBlock<BINARY_16_CODEC>, [] { return true; }},
+    FastVariant<row_functions_x86_64>("x86-64", [] { return true; }),
+    FastVariant<row_functions_x86_64_v3>("x86-64-v3",
+                                         [] { return __builtin_cpu_supports("x86-64-v3") != 0; }),
+    FastVariant<row_functions_x86_64_v4>("x86-64-v4",
+                                         [] { return __builtin_cpu_supports("x86-64-v4") != 0; }),
+};
+
+const CORE_VARIANT& FastestVariant() {
+  const CORE_VARIANT* fastest = variants;
+  for (const CORE_VARIANT& variant : variants) {
+    fastest = variant.is_supported() ? &variant : fastest;
+  }
+  return *fastest;
+}
+
+/// Null when the environment names none, or none that can be had.
+const CORE_VARIANT* VariantFromEnvironment() {
+  const char* wanted = std::getenv("RESAMPLE_SIMD");
+  if (wanted == nullptr) {
+    return nullptr;
+  }
+  const auto* variant = std::ranges::find(variants, std::string_view(wanted), &CORE_VARIANT::name);
+  if (variant == std::end(variants)) {
+    Log() << WARNING << "RESAMPLE_SIMD is not known: " << wanted;
+    return nullptr;
+  }
+  if (!variant->is_supported()) {
+    Log() << WARNING << "RESAMPLE_SIMD is not supported by this processor: " << wanted;
+    return nullptr;
+  }
+  return variant;
+}
+
+}  // namespace
+
+std::span<const CORE_VARIANT> CoreVariants() {
+  return variants;
+}
+
+const CORE_VARIANT& ChooseCoreVariant() {
+  const CORE_VARIANT* wanted = VariantFromEnvironment();
+  const CORE_VARIANT& chosen = wanted != nullptr ? *wanted : FastestVariant();
+  Log() << DEBUG << "core: " << chosen.name;
+  return chosen;
+}

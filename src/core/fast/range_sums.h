@@ -1,0 +1,186 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "core/fast/column_tracker.h"
+#include "core/fast/line_ring.h"
+#include "core/fast/prefetch.h"
+#include "core/fast/row_buffer.h"
+#include "core/fast/row_functions.h"
+
+/// The slave and its mask as row tables.
+template <class PIXEL>
+struct SLAVE_ROWS {
+  const PIXEL* const* pixels;
+  const unsigned char* const* mask;  ///< null when every pixel is valid
+  int width;
+  int height;
+};
+
+/// The sums along range that the columns of a strip need for an output line,
+///
+///     P_k = sum over j of wr[j] z(line k, sample j),
+///
+/// for the L slave lines k of the footprint, and whether all pixels of each sum are valid. While a
+/// column does not move, one sum is new on each output line. However a sum comes about - in a run,
+/// for a single column, because a column moved - its bits are the same.
+template <class PIXEL>
+class RANGE_SUMS {
+ public:
+  RANGE_SUMS(const SLAVE_ROWS<PIXEL>& slave, int length, const ROW_FUNCTIONS& functions,
+             const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
+      : slave_(slave),
+        length_(length),
+        mask_length_(static_cast<std::size_t>(length)),
+        ring_(length),
+        filter_run_(functions.range_filter(length)),
+        filter_mask_(functions.filter_mask),
+        filter_footprint_(pixel_functions.footprint_filter(length)),
+        decode_(pixel_functions.decode),
+        weights_(length),
+        re_(ring_.Rows()),
+        im_(ring_.Rows()),
+        valid_(slave.mask != nullptr ? ring_.Rows() : 0) {}
+
+  /// Brings the sums to the line at which the columns are.
+  void Update(const COLUMN_TRACKER& columns) {
+    oldest_row_ = ring_.OldestRow(columns.Line());
+    std::fill_n(is_refilled_, strip_columns, false);
+    RefillMoved(columns);
+    for (const COLUMN_RUN& run : columns.Runs()) {
+      FilterRun(columns, run, length_ - 1);
+    }
+    for (const int x : columns.Singles()) {
+      if (!is_refilled_[x]) {
+        FilterColumn(columns, x, length_ - 1);
+      }
+    }
+  }
+
+  /// Sums of the oldest line; those of the later ones follow in rows of `strip_columns`.
+  CONST_COMPLEX_ROW Sums() { return {re_.Row(oldest_row_), im_.Row(oldest_row_)}; }
+  /// 1 or 0 in the same arrangement. Only with a mask.
+  const unsigned char* Validity() { return valid_.Row(oldest_row_); }
+
+ private:
+  /// From this many columns of a group on, making all of them anew together is faster.
+  static constexpr int columns_worth_a_group = 4;
+
+  void RefillMoved(const COLUMN_TRACKER& columns) {
+    const int* const end = columns.Moved().end();
+    for (const int* x = columns.Moved().begin(); x != end;) {
+      const int group_first = *x / group_columns * group_columns;
+      const int* group_end = x;
+      while (group_end != end && *group_end < group_first + group_columns) {
+        ++group_end;
+      }
+      if (columns.IsInRun(group_first)) {
+        LoadWeights(columns, group_first);
+      }
+      if (columns.IsInRun(group_first) && group_end - x >= columns_worth_a_group) {
+        for (int k = 0; k < length_ - 1; ++k) {
+          FilterRun(columns, {group_first, group_columns}, k);
+        }
+        x = group_end;
+      }
+      for (; x != group_end; ++x) {
+        FilterColumn(columns, *x, 0);
+        is_refilled_[*x] = true;
+      }
+    }
+  }
+
+  /// Weights as runs need them: one row a tap.
+  void LoadWeights(const COLUMN_TRACKER& columns, int group_first) {
+    for (int x = group_first; x < group_first + group_columns; ++x) {
+      if (loaded_weights_[x] != columns[x].range_weights) {
+        loaded_weights_[x] = columns[x].range_weights;
+        for (int j = 0; j < length_; ++j) {
+          weights_.Row(j)[x] = columns[x].range_weights[j];
+        }
+      }
+    }
+  }
+
+  /// Line k of the footprint for a run.
+  void FilterRun(const COLUMN_TRACKER& columns, const COLUMN_RUN& run, int k) {
+    const std::int64_t line = columns.FirstTapLine(run.first) + k;
+    const std::int64_t sample = columns.FirstTapSample(run.first);
+    const int row = oldest_row_ + k;
+    const int twin = ring_.Twin(row);
+    PrefetchAhead(line, sample, run.count + length_ - 1);
+    Decode(line, sample, run.count + length_ - 1);
+    filter_run_(weights_.Row(0) + run.first, {pixels_re_, pixels_im_}, length_, run.count,
+                {re_.Row(row) + run.first, im_.Row(row) + run.first},
+                {re_.Row(twin) + run.first, im_.Row(twin) + run.first});
+    if (slave_.mask != nullptr) {
+      unsigned char* valid = valid_.Row(row) + run.first;
+      filter_mask_(slave_.mask[line] + sample, length_, run.count, valid);
+      std::copy_n(valid, run.count, valid_.Row(twin) + run.first);
+    }
+  }
+
+  void PrefetchAhead(std::int64_t line, std::int64_t sample, int count) const {
+    constexpr std::int64_t lines_ahead = 8;
+    if (line + lines_ahead < slave_.height) {
+      const PIXEL* pixels = slave_.pixels[line + lines_ahead] + sample;
+      Prefetch(pixels, pixels + count);
+    }
+  }
+
+  /// Some more pixels than asked for when the line has them: whole groups are faster.
+  void Decode(std::int64_t line, std::int64_t sample, int count) {
+    const int rounded = (count + group_columns - 1) / group_columns * group_columns;
+    const int possible = static_cast<int>(std::min<std::int64_t>(rounded, slave_.width - sample));
+    decode_(slave_.pixels[line] + sample, possible, {pixels_re_, pixels_im_});
+  }
+
+  /// Lines first_k .. L - 1 of the footprint for one column.
+  void FilterColumn(const COLUMN_TRACKER& columns, int x, int first_k) {
+    const std::int64_t line = columns.FirstTapLine(x) + first_k;
+    const std::int64_t sample = columns.FirstTapSample(x);
+    const int first_row = oldest_row_ + first_k;
+    const int end_row = oldest_row_ + length_;
+    filter_footprint_(slave_.pixels + line, sample, columns[x].range_weights, length_,
+                      end_row - first_row, {re_.Row(first_row) + x, im_.Row(first_row) + x});
+    if (slave_.mask != nullptr) {
+      for (int row = first_row; row < end_row; ++row) {
+        const unsigned char* mask = slave_.mask[line + row - first_row] + sample;
+        valid_.Row(row)[x] = std::memchr(mask, 0, mask_length_) == nullptr ? 1 : 0;
+      }
+    }
+    for (int row = std::max(first_row, length_); row < end_row; ++row) {
+      CopyToTwin(row, x);
+    }
+  }
+
+  void CopyToTwin(int row, int x) {
+    const int twin = ring_.Twin(row);
+    re_.Row(twin)[x] = re_.Row(row)[x];
+    im_.Row(twin)[x] = im_.Row(row)[x];
+    if (slave_.mask != nullptr) {
+      valid_.Row(twin)[x] = valid_.Row(row)[x];
+    }
+  }
+
+  const SLAVE_ROWS<PIXEL> slave_;
+  const int length_;
+  const std::size_t mask_length_;
+  const LINE_RING ring_;
+  const RANGE_FILTER filter_run_;
+  const MASK_FILTER filter_mask_;
+  const FOOTPRINT_FILTER<PIXEL> filter_footprint_;
+  const PIXEL_DECODER<PIXEL> decode_;
+
+  int oldest_row_ = 0;
+  bool is_refilled_[strip_columns] = {};
+  const double* loaded_weights_[strip_columns] = {};
+  ROW_BUFFER<double> weights_;
+  ROW_BUFFER<double> re_;
+  ROW_BUFFER<double> im_;
+  ROW_BUFFER<unsigned char> valid_;
+  alignas(64) double pixels_re_[strip_columns + longest_kernel + group_columns] = {};
+  alignas(64) double pixels_im_[strip_columns + longest_kernel + group_columns] = {};
+};

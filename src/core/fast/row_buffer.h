@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <new>
+
+#include "core/fast/row_functions.h"
+
+/// Zero-initialised rows of `strip_columns` values each, aligned to cache lines.
+template <class T>
+class ROW_BUFFER {
+ public:
+  explicit ROW_BUFFER(int rows)
+      : values_(new (alignment) T[static_cast<std::size_t>(rows) * strip_columns]{}) {}
+
+  T* Row(int row) { return values_.get() + std::ptrdiff_t{row} * strip_columns; }
+
+ private:
+  static constexpr std::align_val_t alignment{64};
+
+  struct RELEASE {
+    void operator()(T* values) const { ::operator delete[](values, alignment); }
+  };
+  std::unique_ptr<T[], RELEASE> values_;
+};

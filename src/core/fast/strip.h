@@ -1,0 +1,141 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/fast/azimuth_sums.h"
+#include "core/fast/column_tracker.h"
+#include "core/fast/prefetch.h"
+#include "core/fast/range_sums.h"
+#include "core/fast/row_functions.h"
+#include "core/pixel_evaluation.h"
+
+/// Resamples strips of columns, each one line by line downwards.
+///
+/// The kernel sum of a pixel separates into sums along range and one along azimuth. The sums along
+/// range of neighbouring lines are mostly the same ones, so a strip keeps them.
+template <class CODEC>
+class STRIP {
+ public:
+  using PIXEL = typename CODEC::PIXEL;
+
+  /// `input` and `output` are row tables; everything is borrowed.
+  STRIP(const RESAMPLE_JOB& job, const PIXEL* const* input, PIXEL* const* output,
+        const ROW_FUNCTIONS& functions, const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
+      : output_(output),
+        output_mask_(RowsOf(job.output_mask)),
+        output_width_(job.output_width),
+        functions_(functions),
+        pixel_functions_(pixel_functions),
+        evaluation_(job, input),
+        length_(evaluation_.Footprint().Length()),
+        with_validity_(job.input_mask != nullptr && job.output_mask != nullptr),
+        columns_(job, evaluation_.Footprint(), functions),
+        range_sums_({input, with_validity_ ? RowsOf(job.input_mask) : nullptr, job.input_width,
+                     job.input_height},
+                    length_, functions, pixel_functions),
+        azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {
+    std::fill_n(valid_, strip_columns, static_cast<unsigned char>(1));
+  }
+
+  /// The strip that begins at `first_column`, on the lines first_line to last_line.
+  void Resample(int first_column, unsigned first_line, unsigned last_line) {
+    first_column_ = first_column;
+    column_count_ = std::min(strip_columns, output_width_ - first_column);
+    columns_.BeginStrip(first_column, column_count_);
+    for (unsigned line = first_line; line <= last_line; ++line) {
+      columns_.GoTo(line);
+      if (columns_.ComputedCount() == 0) {
+        continue;
+      }
+      if (line < last_line) {
+        PrefetchOutput(line + 1);
+      }
+      range_sums_.Update(columns_);
+      azimuth_sums_.Update(columns_, range_sums_.Sums());
+      StorePixels();
+      if (output_mask_ != nullptr) {
+        StoreMask();
+      }
+    }
+  }
+
+ private:
+  static unsigned char* const* RowsOf(const MEM_MGR* mask) {
+    return mask != nullptr ? mask->Rows<unsigned char>() : nullptr;
+  }
+
+  void PrefetchOutput(unsigned line) const {
+    const PIXEL* pixels = output_[line] + first_column_;
+    Prefetch(pixels, pixels + column_count_);
+    if (output_mask_ != nullptr) {
+      const unsigned char* mask = output_mask_[line] + first_column_;
+      Prefetch(mask, mask + column_count_);
+    }
+  }
+
+  void StorePixels() {
+    PIXEL* pixels = output_[columns_.Line()] + first_column_;
+    bool is_encoded = false;
+    if (columns_.ComputedCount() == strip_columns) {
+      is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, pixels);
+    } else {
+      PIXEL encoded[strip_columns];
+      is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, encoded);
+      CopyComputed(encoded, pixels);
+    }
+    if (!is_encoded) {
+      EvaluateSingly(pixels);
+    }
+  }
+
+  void StoreMask() {
+    if (with_validity_) {
+      functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid_);
+    }
+    CopyComputed(valid_, output_mask_[columns_.Line()] + first_column_);
+  }
+
+  template <class T>
+  void CopyComputed(const T* values, T* row) const {
+    if (columns_.ComputedCount() == column_count_) {
+      std::copy_n(values, column_count_, row);
+      return;
+    }
+    for (int x = 0; x < column_count_; ++x) {
+      if (columns_[x].is_computed) {
+        row[x] = values[x];
+      }
+    }
+  }
+
+  /// Values that are infinite, no number or very large come from such pixels or centroids, for
+  /// which the order of operations matters.
+  void EvaluateSingly(PIXEL* pixels) {
+    const CONST_COMPLEX_ROW values = azimuth_sums_.Values();
+    for (int x = 0; x < column_count_; ++x) {
+      constexpr double limit = 0x1p30;
+      const bool is_usual = std::abs(values.re[x]) < limit && std::abs(values.im[x]) < limit;
+      if (columns_[x].is_computed && !is_usual) {
+        const INTERPOLATED result =
+            evaluation_.At(columns_.SlaveRange()[x], columns_.SlaveAzimuth()[x]);
+        pixels[x] = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
+      }
+    }
+  }
+
+  PIXEL* const* output_;
+  unsigned char* const* output_mask_;
+  const int output_width_;
+  const ROW_FUNCTIONS& functions_;
+  const PIXEL_FUNCTIONS<PIXEL>& pixel_functions_;
+  const PIXEL_EVALUATION<CODEC> evaluation_;
+  const int length_;
+  const bool with_validity_;  ///< whether the mask of the output differs from ones
+  COLUMN_TRACKER columns_;
+  RANGE_SUMS<PIXEL> range_sums_;
+  AZIMUTH_SUMS azimuth_sums_;
+  int first_column_ = 0;
+  int column_count_ = 0;
+  alignas(64) unsigned char valid_[strip_columns];
+};
