@@ -63,14 +63,13 @@ TEST_F(MappingMatrixTest, PositionsAreExactToTheLastBit) {
   WriteShifts(azimuth_file_, azimuth);
   for (const auto& [rg_subsampling, az_subsampling] : {std::pair{32, 32}, {7, 13}, {1, 3}}) {
     Open(rg_subsampling, az_subsampling);
-    for (int y = 0; y < 5 * az_subsampling; ++y) {
-      for (int x = 0; x < 8 * rg_subsampling; ++x) {
-        const double u = x / static_cast<double>(rg_subsampling);
-        const double v = y / static_cast<double>(az_subsampling);
-        ASSERT_EQ(mapping_.GetSlaveRange(x, y), x + BilinearShift(range, u, v)) << x << ' ' << y;
-        ASSERT_EQ(mapping_.GetSlaveAzimuth(x, y), y + BilinearShift(azimuth, u, v))
-            << x << ' ' << y;
-      }
+    for (int pixel = 0; pixel < 40 * rg_subsampling * az_subsampling; ++pixel) {
+      const int x = pixel % (8 * rg_subsampling);
+      const int y = pixel / (8 * rg_subsampling);
+      const double u = x / static_cast<double>(rg_subsampling);
+      const double v = y / static_cast<double>(az_subsampling);
+      ASSERT_EQ(mapping_.GetSlaveRange(x, y), x + BilinearShift(range, u, v)) << x << ' ' << y;
+      ASSERT_EQ(mapping_.GetSlaveAzimuth(x, y), y + BilinearShift(azimuth, u, v)) << x << ' ' << y;
     }
   }
 }
@@ -105,9 +104,6 @@ TEST_F(MappingMatrixTest, NothingIsEvaluatedUntilFilesAreOpenedAndAfterAFailure)
     EXPECT_EQ(log_.Lines().back(),
               "ALARM : pixels of the mapping file are not 32-bit real: " + wrong_file);
     EXPECT_THROW(mapping_.GetSlaveAzimuth(1.0, 1.0), ERROR_UNHANDLED_CASE);
-  }
-  for (const auto& [rg_subsampling, az_subsampling] : {std::pair{0, 1}, {1, 0}}) {
-    EXPECT_THROW(Open(rg_subsampling, az_subsampling), ERROR_ARGUMENT);
   }
 }
 

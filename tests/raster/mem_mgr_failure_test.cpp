@@ -66,9 +66,6 @@ TEST_F(MEM_MGR_FAILURE, OfFilesThatAreNoReadableRasters) {
   ExpectEmptied<ERROR_NOT_SUPPORTED_PIXEL_TYPE>(
       [&] { raster_.Map(path.c_str(), O_RDONLY, PIXEL_TYPE::OTHERS); },
       {"MEM_MGR: unknown pixeltype"});
-  ExpectEmptied<ERROR_CAN_NOT_OPEN_FILE>(
-      [&] { raster_.MapRaw(File("missing").c_str(), 0, 0, 0, 0, O_RDONLY); },
-      {"MEM_MGR: can not open: " + File("missing"), "MEM_MGR: No such file or directory"});
 }
 
 TEST_F(MEM_MGR_FAILURE, OfFilesThatAreTooShort) {
@@ -88,10 +85,13 @@ TEST_F(MEM_MGR_FAILURE, OfFilesThatAreTooShort) {
 
 TEST_F(MEM_MGR_FAILURE, OfRawFiles) {
   const std::string path = File("raw");
-  WriteFile(path, "abcdefghijkl");
   const auto map = [&](std::int64_t last_column, std::int64_t last_row, int access_mode) {
     return [=, this] { raster_.MapRaw(path.c_str(), 0, 0, last_column, last_row, access_mode); };
   };
+  ExpectEmptied<ERROR_CAN_NOT_OPEN_FILE>(
+      map(0, 0, O_RDONLY),
+      {"MEM_MGR: can not open: " + path, "MEM_MGR: No such file or directory"});
+  WriteFile(path, "abcdefghijkl");
   const std::string failed = "MEM_MGR: mmap: mmap failed..";
   ExpectEmptied<ERROR_CAN_NOT_MMAP>(map(0, -1, O_RDONLY), {failed, "MEM_MGR: Invalid argument"});
   ExpectEmptied<ERROR_CAN_NOT_MMAP>(map(11, 0, O_WRONLY), {failed, "MEM_MGR: Permission denied"});
@@ -105,10 +105,8 @@ TEST_F(MEM_MGR_FAILURE, OfBoundsAndTypesTouchesNoFile) {
   const auto create = [&](std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE type) {
     return [=, this] { raster_.Create(path.c_str(), 0, 0, last_column, last_row, type); };
   };
-  for (const int code : {0, 13}) {
-    ExpectEmptied<ERROR_NOT_SUPPORTED_PIXEL_TYPE>(create(1, 1, static_cast<PIXEL_TYPE>(code)),
-                                                  {"MEM_MGR: unknown pixeltype"});
-  }
+  ExpectEmptied<ERROR_NOT_SUPPORTED_PIXEL_TYPE>(create(1, 1, PIXEL_TYPE::OTHERS),
+                                                {"MEM_MGR: unknown pixeltype"});
   const auto impossible = [](const std::string& columns, const std::string& rows) {
     return ALARMS{"MEM_MGR: impossible image bounds: columns " + columns + ", rows " + rows};
   };
@@ -131,14 +129,13 @@ TEST_F(MEM_MGR_FAILURE, OfBoundsAndTypesTouchesNoFile) {
 }
 
 TEST_F(MEM_MGR_FAILURE, OfMemory) {
+  const ALARMS alarms = {"MEM_MGR: can not allocate memory"};
   ExpectEmptied<ERROR_NO_MEMORY>(
-      [&] { raster_.CreateInMemory(0, 0, std::int64_t{1} << 60, 0, PIXEL_TYPE::U_INT_8); },
-      {"MEM_MGR: can not allocate memory"});
+      [&] { raster_.CreateInMemory(0, 0, std::int64_t{1} << 60, 0, PIXEL_TYPE::U_INT_8); }, alarms);
 #ifndef __SANITIZE_ADDRESS__  // which ends the program at an allocation of that size
   WriteFile(File("raw"), "x");
   ExpectFailure<ERROR_NO_MEMORY>(
-      [&] { raster_.MapRaw(File("raw").c_str(), 0, 0, 0, (1LL << 45) - 1, O_RDONLY); },
-      {"MEM_MGR: can not allocate memory"});
+      [&] { raster_.MapRaw(File("raw").c_str(), 0, 0, 0, (1LL << 45) - 1, O_RDONLY); }, alarms);
   EXPECT_THROW(raster_.Rows<char>(), ERROR_ALGORITHM);
 #endif
 }
@@ -148,11 +145,9 @@ TEST_F(MEM_MGR_FAILURE, OfFilesThatCanNotBeCreated) {
   const auto create = [&](const std::string& path, auto type) {
     return [=, this] { raster_.Create(path.c_str(), 0, 0, 1, 1, type); };
   };
-  for (const auto& [path, line] : {std::pair{directory, "EISDIR: see: man page of open"},
-                                   {File("missing/raster"), "ENOENT: see: man page of open"}}) {
-    ExpectEmptied<ERROR_CAN_NOT_CREATE_FILE>(create(path, PIXEL_TYPE::RGB),
-                                             {line, "MEM_MGR: can not create: " + path});
-  }
+  ExpectEmptied<ERROR_CAN_NOT_CREATE_FILE>(
+      create(directory, PIXEL_TYPE::RGB),
+      {"EISDIR: see: man page of open", "MEM_MGR: can not create: " + directory});
   EXPECT_EQ(OpenErrorText(ETXTBSY), "open unknown system error code");
   ExpectEmptied<ERROR_CAN_NOT_CREATE_FILE>(
       create(directory, DataTypeOf(PIXEL_TYPE::RGB)),
@@ -187,8 +182,8 @@ TEST_F(MEM_MGR_FAILURE, OfOtherOperationsKeepsTheImage) {
   }
   for (const std::string& to : {std::string("/dev/full"), directory_.Path().string()}) {
     ExpectFailure<ERROR_CAN_NOT_WRITE_FILE>(save(to), {"MEM_MGR: can not save header for " + to});
-    ExpectFailure<ERROR_CAN_NOT_WRITE_FILE>(write_raw(to),
-                                            {"MEM_MGR: unable to write into: " + to});
+    const ALARMS alarms = {"MEM_MGR: unable to write into: " + to};
+    ExpectFailure<ERROR_CAN_NOT_WRITE_FILE>(write_raw(to), alarms);
   }
   ExpectFailure<ERROR_CAN_NOT_MSYNC>(
       [&] { raster_.Sync(MS_SYNC | MS_ASYNC); },

@@ -44,7 +44,8 @@ TEST_F(MEM_MGR_TEST, ImagesOfEveryTypeAreTheSameBytesInMemoryAndFiles) {
     const RASTER_HEADER header(5, 3, type);
     MEM_MGR memory;
     memory.CreateInMemory(-5, 7, -1, 9, type);
-    raster_.Create(File("created").c_str(), 1, 1, 5, 3, type);
+    // After the first round both files replace others, some of which are longer.
+    raster_.Create(File("created").c_str(), 1, 1, 5, 3, DataTypeOf(type));
     const std::string zeros(static_cast<std::size_t>(15 * BytesPerPixel(type)), '\0');
     EXPECT_EQ(Pixels(memory), zeros);
     EXPECT_EQ(ReadFile(File("created")), Raster(header, zeros));
@@ -64,16 +65,6 @@ TEST_F(MEM_MGR_TEST, ImagesOfEveryTypeAreTheSameBytesInMemoryAndFiles) {
   }
 }
 
-TEST_F(MEM_MGR_TEST, ChangesReachAFileThatIsMappedToReadAndWrite) {
-  const RASTER_HEADER header(2, 3, PIXEL_TYPE::INT_16);
-  raster_.Map(WriteRaster("raster", header, "abcdefghijkl").c_str(), O_RDWR);
-  raster_.Data()[11] = 'L';
-  raster_.Sync(MS_SYNC);
-  raster_.Unmap();
-  EXPECT_EQ(raster_.Data(), nullptr);
-  EXPECT_EQ(ReadFile(File("raster")), Raster(header, "abcdefghijkL"));
-}
-
 TEST_F(MEM_MGR_TEST, RawFilesAreWidthTimesHeightBytes) {
   WriteFile(File("raw"), "abcdefghijkl");
   raster_.MapRaw(File("raw").c_str(), 10, 20, 13, 22, O_RDWR);
@@ -81,6 +72,7 @@ TEST_F(MEM_MGR_TEST, RawFilesAreWidthTimesHeightBytes) {
   ExpectBounds(10, 20, 13, 22);
   EXPECT_EQ(raster_.Rows<char>()[21][12], 'g');
   raster_.Rows<char>()[22][13] = 'L';
+  raster_.Sync(MS_SYNC);
   EXPECT_EQ(ReadFile(File("raw")), "abcdefghijkL");
   raster_.WriteRaw(File("copy").c_str(), permissions);
   EXPECT_EQ(ReadFile(File("copy")), "abcdefghijkL");
@@ -93,23 +85,12 @@ TEST_F(MEM_MGR_TEST, RawFilesAreWidthTimesHeightBytes) {
   EXPECT_NO_THROW(raster_.WriteRaw("/dev/null", permissions)) << "more than one write takes";
 }
 
-TEST_F(MEM_MGR_TEST, ExistingFilesAreReplaced) {
-  WriteFile(File("raster"), std::string(1000, 'x'));
-  const auto data_type = DataTypeOf(PIXEL_TYPE::C_FLT_2);
-  raster_.Create(File("raster").c_str(), 0, 0, 2, 0, data_type);
-  EXPECT_TRUE(log_.Has("DEBUG : creating file with dimensions 3x1"));
-  EXPECT_EQ(ReadFile(File("raster")),
-            Raster(RASTER_HEADER(3, 1, PIXEL_TYPE::C_FLT_2), std::string(12, '\0')));
-  raster_.CreateInMemory(0, 0, -1, -1, PIXEL_TYPE::RGB);
-  raster_.Save(File("raster").c_str(), permissions);
-  EXPECT_EQ(ReadFile(File("raster")), Raster(RASTER_HEADER(0, 0, PIXEL_TYPE::RGB), ""));
-}
-
 TEST_F(MEM_MGR_TEST, RowsAndFilesBeyond4GiBAreSparseAndAddressed) {
   constexpr std::int64_t width = 0xFFFFFFFF;
   const std::string path = File("large");
   raster_.Create(path.c_str(), 0, 0, width - 1, 1, PIXEL_TYPE::INT_32);
   raster_.Rows<std::int32_t>()[1][width - 1] = 0x01020304;
+  EXPECT_TRUE(log_.Has("DEBUG : creating file with dimensions 4294967295x2"));
   struct stat status {};
   ASSERT_EQ(::stat(path.c_str(), &status), 0);
   EXPECT_EQ(status.st_size, 32 + 8 * width);
@@ -129,18 +110,12 @@ TEST_F(MEM_MGR_TEST, GivenPixelTypesOverrideTheHeaderAndStepsAreLogged) {
   header.magic = header.length = header.depth = 0;
   header.type = 77;
   const std::string path = WriteRaster("raster", header, std::string(48, 'x'));
-  raster_.Map(path.c_str(), O_RDWR, PIXEL_TYPE::C_FLT_6);
-  EXPECT_EQ(raster_.DataLength(), 48);
   raster_.Map(path.c_str(), O_RDONLY, PIXEL_TYPE::FLT_2);
   EXPECT_EQ(raster_.DataLength(), 12);
   raster_.CreateInMemory(0, 0, 4095, 9, PIXEL_TYPE::U_INT_8);
   raster_.Advise(3);
   raster_.Unmap();
-  const std::vector<std::string> expected = {"DEBUG : map file with access mode 2",
-                                             "DEBUG : map file with prot flag 3",
-                                             "DEBUG : MEM_MGR: delete num. rec. interface ..",
-                                             "DEBUG : MEM_MGR: unmap file ..",
-                                             "DEBUG : map file with access mode 0",
+  const std::vector<std::string> expected = {"DEBUG : map file with access mode 0",
                                              "DEBUG : map file <" + path + "> with prot flag 1",
                                              "DEBUG : mmap successful",
                                              "DEBUG : MEM_MGR: delete num. rec. interface ..",
@@ -182,8 +157,7 @@ TEST_F(MEM_MGR_TEST, RowsAndColumnsCountFromTheGivenOnes) {
 }
 
 TEST_F(MEM_MGR_TEST, ColorMapsStandBetweenHeaderAndPixelsAndAreNotSaved) {
-  const std::string planes = std::string(256, 'r') + std::string(256, 'g') + std::string(256, 'b');
-  raster_.Create(File("raster").c_str(), 0, 0, 1, 0, PIXEL_TYPE::U_INT_8, MapOf(planes));
+  raster_.Create(File("raster").c_str(), 0, 0, 1, 0, PIXEL_TYPE::U_INT_8, MapOf("rrrgggbbb"));
   raster_.Data()[1] = 'p';
   RASTER_HEADER header(2, 1, PIXEL_TYPE::U_INT_8);
   const std::string pixels("\0p", 2);
@@ -195,26 +169,20 @@ TEST_F(MEM_MGR_TEST, ColorMapsStandBetweenHeaderAndPixelsAndAreNotSaved) {
   ASSERT_EQ(::stat(File("saved").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, permissions);
 
+  EXPECT_EQ(Planes(raster_.ColorMap()), "rrrgggbbb");
   header.map_type = 1;
-  header.map_length = 768;
-  EXPECT_EQ(ReadFile(File("raster")), Raster(header, planes + pixels));
-  EXPECT_EQ(Planes(raster_.ColorMap()), planes);
-  raster_.Map(File("raster").c_str(), O_RDONLY);
-  EXPECT_EQ(Planes(raster_.ColorMap()), planes);
-  EXPECT_EQ(Pixels(raster_), pixels);
-}
-
-TEST_F(MEM_MGR_TEST, ColorMapsOfAnyLengthAndTypeAreSkippedAndReplacedInMemoryOnly) {
-  RASTER_HEADER header(1, 1, PIXEL_TYPE::INT_16);
-  header.map_length = 8;
-  const std::string path = WriteRaster("raster", header, "..rrggbbpp");
-  raster_.Map(path.c_str(), O_RDWR);
-  EXPECT_EQ(Planes(raster_.ColorMap()), "rrggbb");
-  EXPECT_EQ(Pixels(raster_), "pp");
-  raster_.SetColorTable(MapOf(std::string("123456789")));
+  header.map_length = 9;
+  EXPECT_EQ(ReadFile(File("raster")), Raster(header, "rrrgggbbb" + pixels));
+  raster_.SetColorTable(MapOf("123456"));
   raster_.SetColorTable(raster_.ColorMap());
-  EXPECT_EQ(Planes(raster_.ColorMap()), "123456789");
-  EXPECT_EQ(ReadFile(path), Raster(header, "..rrggbbpp"));
+  EXPECT_EQ(Planes(raster_.ColorMap()), "123456");
+  EXPECT_EQ(ReadFile(File("raster")), Raster(header, "rrrgggbbb" + pixels)) << "in memory only";
+
+  header.map_type = 0;
+  header.map_length = 8;  // whole entries next to the pixels, whatever the map type
+  raster_.Map(WriteRaster("raster", header, "..rrggbb" + pixels).c_str(), O_RDONLY);
+  EXPECT_EQ(Planes(raster_.ColorMap()), "rrggbb");
+  EXPECT_EQ(Pixels(raster_), pixels);
   raster_.Unmap();
   EXPECT_EQ(raster_.ColorMap().entries, 0U);
 }
