@@ -16,7 +16,9 @@ target_link_libraries(compile_options INTERFACE Threads::Threads)
 
 if(RESAMPLE_SANITIZE)
   target_compile_options(compile_options INTERFACE
-    -fsanitize=${RESAMPLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${RESAMPLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    # False alarms of g++ on instrumented library templates such as std::regex.
+    -Wno-maybe-uninitialized)
   target_link_options(compile_options INTERFACE -fsanitize=${RESAMPLE_SANITIZE})
 endif()
 

@@ -176,7 +176,7 @@ void InstallFatalSignalHandler() {
   UseSignalStack();
   struct sigaction action = {};
   action.sa_sigaction = HandleFatalSignal;
-  action.sa_flags = SA_ONSTACK | SA_SIGINFO | SA_RESTART;
+  action.sa_flags = SA_ONSTACK | SA_SIGINFO;
   ::sigfillset(&action.sa_mask);
   for (const int signal_number : fatal_signals) {
     ::sigaction(signal_number, &action, nullptr);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "base/unaligned.h"
 #include "core/doppler_phase.h"
 #include "core/footprint.h"
 #include "core/pixel_codec.h"
@@ -62,8 +63,9 @@ class PIXEL_EVALUATION {
       double row_im = 0.0;
       for (int j = 0; j < footprint_.Length(); ++j) {
         const double weight = range.weights[j] * azimuth.weights[k];
-        row_re += CODEC::Decode(pixels[j].re) * weight;
-        row_im += CODEC::Decode(pixels[j].im) * weight;
+        const PIXEL pixel = LoadUnaligned(pixels + j);
+        row_re += CODEC::Decode(pixel.re) * weight;
+        row_im += CODEC::Decode(pixel.im) * weight;
       }
       const double t = static_cast<double>(k - footprint_.Offset());
       const double phase = doppler.At(azimuth.fraction, t);

@@ -18,8 +18,8 @@ struct RESAMPLE_JOB {
   int input_height = 0;           ///< lines of the slave
   MEM_MGR* output_slave = nullptr;
   MEM_MGR* output_mask = nullptr;  ///< null when nobody wants it
-  int output_width = 0;   ///< samples of the master grid
-  int output_height = 0;  ///< lines of the master grid
+  int output_width = 0;            ///< samples of the master grid
+  int output_height = 0;           ///< lines of the master grid
   const CORE_VARIANT* core = nullptr;
   const MAPPING_BASE* mapping = nullptr;
   const INTERPOLATION_KERNEL* kernel = nullptr;

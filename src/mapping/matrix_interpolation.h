@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "base/unaligned.h"
+
 /// Interpolation between the nodes of a two-dimensional matrix.
 class BASE_MATRIX_INTERPOLATION {
  public:
@@ -77,7 +79,8 @@ class MATRIX_INTERPOLATION : public BASE_MATRIX_INTERPOLATION {
     if (!IsWithin(x, -0.5, rg_size_ - 0.5) || !IsWithin(y, -0.5, az_size_ - 0.5)) {
       return 0.0;
     }
-    return static_cast<double>(rows_[NearestNode(y, az_size_)][NearestNode(x, rg_size_)]);
+    return static_cast<double>(
+        LoadUnaligned(rows_[NearestNode(y, az_size_)] + NearestNode(x, rg_size_)));
   }
 
   static unsigned NearestNode(double position, unsigned size) {
@@ -99,8 +102,8 @@ class MATRIX_INTERPOLATION : public BASE_MATRIX_INTERPOLATION {
     const double b = y - static_cast<double>(j);
     const T* upper = rows_[j] + i;
     const T* lower = rows_[j + 1] + i;
-    return (1.0 - b) * (upper[1] * a + upper[0] * (1.0 - a)) +
-           (lower[1] * a + lower[0] * (1.0 - a)) * b;
+    return (1.0 - b) * (LoadUnaligned(upper + 1) * a + LoadUnaligned(upper) * (1.0 - a)) +
+           (LoadUnaligned(lower + 1) * a + LoadUnaligned(lower) * (1.0 - a)) * b;
   }
 
   /// The sum of W[r][s] M[j - h + 1 + r][i - h + 1 + s] over r from degree - 1 down to 0 and s from
@@ -120,7 +123,8 @@ class MATRIX_INTERPOLATION : public BASE_MATRIX_INTERPOLATION {
     for (std::size_t r = degree_; r-- > 0;) {
       const T* nodes = rows_[j - first_offset + r] + (i - first_offset);
       for (std::size_t s = 0; s < degree_; ++s) {
-        sum += static_cast<double>(weights[r * degree_ + s]) * static_cast<double>(nodes[s]);
+        sum += static_cast<double>(weights[r * degree_ + s]) *
+               static_cast<double>(LoadUnaligned(nodes + s));
       }
     }
     return sum;

@@ -5,7 +5,6 @@
 #include <csignal>
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 #include "run_folder.h"
 
@@ -16,14 +15,17 @@ const std::string parameter_begin = "PARAM : resample : ";
 
 /// Replaces what differs from run to run: times, the host and the duration.
 std::string WithoutTimes(const std::string& line) {
-  static const std::regex start("start time: .{24}  hostname: .+");
-  static const std::regex end("end time: .{24}");
-  static const std::regex duration("execution time:( [0-9]+ (minute|second)\\(s\\))+");
-  static const std::regex short_duration("execution time: less than 1 second");
-  std::string text = std::regex_replace(line, start, "start time: TIME  hostname: HOST");
-  text = std::regex_replace(text, end, "end time: TIME");
-  text = std::regex_replace(text, duration, "execution time: TIME");
-  return std::regex_replace(text, short_duration, "execution time: TIME");
+  const std::string time = "[A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-9]{2} [0-9:]{8} [0-9]{4}";
+  if (Matches(line, info_begin + "start time: " + time + "  hostname: .+")) {
+    return info_begin + "start time: TIME  hostname: HOST";
+  }
+  if (Matches(line, info_begin + "end time: " + time)) {
+    return info_begin + "end time: TIME";
+  }
+  const std::string duration = "( [0-9]+ (minute|second)\\(s\\))+| less than 1 second";
+  return Matches(line, info_begin + "execution time:(" + duration + ")")
+             ? info_begin + "execution time: TIME"
+             : line;
 }
 
 /// The log from its header on; the lines before it are older than the level of the file.

@@ -42,6 +42,17 @@ SIGNAL_TEXT CaughtSignal(int number) {
                        [=](const SIGNAL_TEXT& signal) { return signal.number == number; });
 }
 
+/// Whether a signal can be sent at any moment. The thread sanitizer calls the handler of a fault
+/// at once, even where it holds a lock of its own, and then hangs; that of others it puts off.
+bool CanBeSentAnytime([[maybe_unused]] int number) {
+#ifdef __SANITIZE_THREAD__
+  constexpr std::array faults = {SIGILL, SIGABRT, SIGBUS, SIGFPE, SIGSEGV, SIGSYS};
+  return std::find(faults.begin(), faults.end(), number) == faults.end();
+#else
+  return true;
+#endif
+}
+
 /// Every line of the log begins with a tag and the program; only the last one may be cut.
 void ExpectWholeLines(const std::vector<std::string>& lines) {
   for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
@@ -91,7 +102,7 @@ void ExpectNothingLost(const RUN_FOLDER& folder, const std::string& before) {
   EXPECT_TRUE(found) << folder.Content("insar.pool");
 }
 
-constexpr int kills = 208;
+constexpr int kills = 52 * repetitions;
 
 TEST(Kill, AtAnyMomentIsReported) {
   SCENE scene = OrdinaryScene();
@@ -112,11 +123,14 @@ TEST(Kill, AtAnyMomentIsReported) {
   int reported = 0;
   for (unsigned round = 0; reported < kills && !testing::Test::HasFailure(); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
+    const SIGNAL_TEXT& signal = caught_signals[round % caught_signals.size()];
+    if (!CanBeSentAnytime(signal.number)) {
+      continue;
+    }
     folder.Write("insar.pool", pool);
     folder.Write("OK.run", "0");
     std::filesystem::remove(folder.Path("ERROR.run"));
     std::filesystem::remove(folder.Path("log.run"));
-    const SIGNAL_TEXT& signal = caught_signals[round % caught_signals.size()];
     PROCESS process(folder.Settings());
     // Any line of the log may be the last one, every other time one from the workers on, and
     // any time may have passed since.

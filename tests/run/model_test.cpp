@@ -44,7 +44,8 @@ TEST_P(RandomScenes, EveryComponentAndEveryMaskByteIsTheModels) {
   EXPECT_LT(ties, computed / 1000) << "so many ties leave the comparison blind";
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomScenes, Range(0U, 3 * scenes_in_a_block, scenes_in_a_block));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomScenes,
+                         Range(0U, repetitions* scenes_in_a_block, scenes_in_a_block));
 
 void ShiftBy(SCENE& scene, float range, float azimuth) {
   auto& matrix = std::get<MATRIX_MAPPING_DATA>(scene.mapping);

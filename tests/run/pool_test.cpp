@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <regex>
-
 #include "run_folder.h"
 
 namespace {
@@ -73,8 +71,7 @@ void ExpectHistory(const std::string& pool, bool with_older) {
     EXPECT_EQ(ENTRY(entry.begin(), entry.begin() + 4),
               ENTRY({expected.type, "0", std::to_string(older + 1), "{"}));
     EXPECT_EQ(ENTRY(entry.begin() + 4, entry.end() - 2), with_older ? expected.older : ENTRY());
-    EXPECT_TRUE(std::regex_match(entry[entry.size() - 2], std::regex(expected.run)))
-        << entry[entry.size() - 2];
+    EXPECT_TRUE(Matches(entry[entry.size() - 2], expected.run)) << entry[entry.size() - 2];
     EXPECT_EQ(entry.back(), "}");
   }
 }

@@ -47,8 +47,18 @@ class RUN_FOLDER {
   unsigned image_type_;
 };
 
+/// Sanitizers make runs slow; what is repeated many times is repeated less often with them.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr int repetitions = 1;
+#else
+inline constexpr int repetitions = 4;
+#endif
+
 /// The lines of a text without their line feeds.
 std::vector<std::string> LinesOf(const std::string& text);
+
+/// Whether the whole text matches an extended regular expression.
+bool Matches(const std::string& text, const std::string& expression);
 
 /// Exit status, status files and silence of the sanitizers after a good and after a failed run.
 void ExpectSuccess(const RUN_FOLDER& folder, const PROCESS_END& end);

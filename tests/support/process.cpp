@@ -30,10 +30,11 @@ std::vector<std::string> EnvironmentTexts(const PROCESS_SETTINGS& settings) {
   for (const auto& [name, value] : settings.environment) {
     texts.push_back(name + "=" + value);
   }
-  for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"}) {
-    if (const char* value = std::getenv(name); value != nullptr) {
-      texts.push_back(name + std::string("=") + value);
-    }
+  // The threads of a process that a signal ends are never joined.
+  for (const std::string option : {"ASAN_OPTIONS=", "LSAN_OPTIONS=",
+                                   "TSAN_OPTIONS=report_thread_leaks=0:", "UBSAN_OPTIONS="}) {
+    const char* own = std::getenv(option.substr(0, option.find('=')).c_str());
+    texts.push_back(option + (own != nullptr ? own : ""));
   }
   return texts;
 }

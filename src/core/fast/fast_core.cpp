@@ -34,13 +34,14 @@ void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::P
   }
   STRIP<CODEC> strip(job, input, output, functions, PixelFunctions(functions, CODEC()));
   const unsigned end_line = argument.block.First() + argument.block.Count();
+  unsigned reported = argument.block.First();
   for (unsigned line = argument.block.First(); line < end_line; line += chunk_lines) {
     const unsigned chunk_end = std::min(line + chunk_lines, end_line);
-    for (unsigned reported = line; reported < chunk_end; ++reported) {
-      LogProgress(argument, reported);
-    }
     for (int column = 0; column < job.output_width; column += strip_columns) {
       strip.Resample(column, line, chunk_end - 1);
+    }
+    for (; reported < chunk_end; ++reported) {
+      LogProgress(argument, reported);
     }
   }
 }

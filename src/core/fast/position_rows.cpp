@@ -4,6 +4,7 @@
 #include <limits>
 #include <typeinfo>
 
+#include "base/unaligned.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
 
@@ -102,7 +103,8 @@ class MATRIX_POSITIONS : public POSITION_ROWS {
     const float* nodes = grid_line == outside ? nullptr : matrix.Rows()[grid_line];
     for (int x = 0; x < count; ++x) {
       const float* node = nodes + node_[x];
-      shifts[x] = node[1] * fraction_[x] + node[0] * (1.0 - fraction_[x]);
+      shifts[x] =
+          LoadUnaligned(node + 1) * fraction_[x] + LoadUnaligned(node) * (1.0 - fraction_[x]);
     }
     std::fill(shifts + count, shifts + strip_columns, 0.0);
   }

@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <numeric>
+
+#include "raster/pixel_type.h"
+#include "raster/raster_header.h"
+
+namespace {
+
+TEST(RASTER_HEADER, IsEightBigEndianWords) {
+  const RASTER_HEADER header(100, 50, PIXEL_TYPE::C_FLT_6);
+  const RASTER_HEADER::BYTES expected = {0x59, 0xA6, 0x6A, 0x95,  // magic
+                                         0,    0,    0,    0x64,  // width
+                                         0,    0,    0,    0x32,  // height
+                                         0,    0,    0,    0x40,  // depth
+                                         0,    0,    0x9C, 0x40,  // length
+                                         0,    0,    0,    0x60,  // type
+                                         0,    0,    0,    0,     // map type
+                                         0,    0,    0,    0};    // map length
+  EXPECT_EQ(header.Encode(), expected);
+  EXPECT_EQ(RASTER_HEADER(70000, 65536, PIXEL_TYPE::C_INT_16).length,
+            (70000ULL * 65536 * 4) & 0xFFFFFFFF);
+}
+
+TEST(RASTER_HEADER, OfAnyBytesIsReadAndKept) {
+  RASTER_HEADER::BYTES bytes{};
+  std::iota(bytes.rbegin(), bytes.rend(), static_cast<unsigned char>(0xD1));
+  const RASTER_HEADER header(bytes);
+  EXPECT_EQ(header.width, 0xECEBEAE9U);
+  EXPECT_EQ(header.PixelOffset(), 32 + 0xD4D3D2D1LL);
+  EXPECT_EQ(header.Encode(), bytes);
+}
+
+TEST(PIXEL_TYPE, HasItsCodeNameSizeAndWord) {
+  constexpr struct {
+    int code;
+    const char* name;
+    int bytes;
+    std::uint32_t type_word;
+  } cases[] = {{1, "u_int_8", 1, 1},    {2, "int_16", 2, 1},      {3, "int_32", 4, 1},
+               {4, "flt_2", 2, 93},     {5, "flt_6", 4, 99},      {6, "flt_15", 8, 98},
+               {7, "c_u_int_8", 2, 94}, {8, "c_int_16", 4, 97},   {9, "c_flt_2", 4, 92},
+               {10, "c_flt_6", 8, 96},  {11, "c_flt_15", 16, 95}, {12, "rgb", 3, 3}};
+  for (const auto& expected : cases) {
+    SCOPED_TRACE(expected.name);
+    const auto type = static_cast<PIXEL_TYPE>(expected.code);
+    const BASIC::TYPES::DataType data_type = DataTypeOf(type);
+    EXPECT_STREQ(data_type.Name(), expected.name);
+    EXPECT_EQ(data_type.Value(), expected.bytes);
+    EXPECT_EQ(PixelTypeOf(data_type), type);
+    EXPECT_EQ(BytesPerPixel(type), expected.bytes);
+    EXPECT_EQ(TypeWord(type), expected.type_word);
+    const auto depth = static_cast<std::uint32_t>(8 * expected.bytes);
+    EXPECT_EQ(PixelTypeFromWords(expected.type_word, depth), type);
+  }
+}
+
+TEST(PIXEL_TYPE, IsFoundByOlderWordsAndElseUnknown) {
+  EXPECT_EQ(PixelTypeFromWords(100, 8), PIXEL_TYPE::U_INT_8);
+  EXPECT_EQ(PixelTypeFromWords(103, 16), PIXEL_TYPE::INT_16);
+  EXPECT_EQ(PixelTypeFromWords(199, 0), PIXEL_TYPE::FLT_6);
+  EXPECT_EQ(PixelTypeFromWords(200, 64), PIXEL_TYPE::FLT_6);
+  EXPECT_EQ(PixelTypeFromWords(97, 0), PIXEL_TYPE::C_INT_16) << "whatever the depth";
+  EXPECT_EQ(PixelTypeFromWords(1, 15), PIXEL_TYPE::U_INT_8) << "depth is cut to whole bytes";
+  for (const auto& [type_word, depth] :
+       {std::pair{0U, 8U}, {1U, 7U}, {1U, 24U}, {101U, 32U}, {104U, 8U}, {~0U, ~0U}}) {
+    EXPECT_EQ(PixelTypeFromWords(type_word, depth), PIXEL_TYPE::OTHERS) << type_word;
+  }
+  EXPECT_EQ(BytesPerPixel(static_cast<PIXEL_TYPE>(-1)), 0);
+  BASIC::TYPES::DataType no_pixel;
+  no_pixel.Assign("flt_30");
+  EXPECT_EQ(PixelTypeOf(no_pixel), PIXEL_TYPE::OTHERS);
+}
+
+}  // namespace
