@@ -47,15 +47,12 @@ class RANGE_SUMS {
   /// Brings the sums to the line at which the columns are.
   void Update(const COLUMN_TRACKER& columns) {
     oldest_row_ = ring_.OldestRow(columns.Line());
-    std::fill_n(is_refilled_, strip_columns, false);
-    RefillMoved(columns);
+    const COLUMN_SET refilled = RefillMoved(columns);
     for (const COLUMN_RUN& run : columns.Runs()) {
       FilterRun(columns, run, length_ - 1);
     }
-    for (const int x : columns.Singles()) {
-      if (!is_refilled_[x]) {
-        FilterColumn(columns, x, length_ - 1);
-      }
+    for (const int x : columns.Singles().Without(refilled)) {
+      FilterColumn(columns, x, length_ - 1);
     }
   }
 
@@ -68,28 +65,26 @@ class RANGE_SUMS {
   /// From this many columns of a group on, making all of them anew together is faster.
   static constexpr int columns_worth_a_group = 4;
 
-  void RefillMoved(const COLUMN_TRACKER& columns) {
-    const int* const end = columns.Moved().end();
-    for (const int* x = columns.Moved().begin(); x != end;) {
-      const int group_first = *x / group_columns * group_columns;
-      const int* group_end = x;
-      while (group_end != end && *group_end < group_first + group_columns) {
-        ++group_end;
+  /// Returns the columns whose newest sum is there too.
+  COLUMN_SET RefillMoved(const COLUMN_TRACKER& columns) {
+    COLUMN_SET one_by_one = columns.Moved();
+    for (int first = 0; first < strip_columns; first += group_columns) {
+      const COLUMN_SET moved = columns.Moved().OfGroup(first);
+      if (moved.IsEmpty() || !columns.InRuns().Holds(first)) {
+        continue;
       }
-      if (columns.IsInRun(group_first)) {
-        LoadWeights(columns, group_first);
-      }
-      if (columns.IsInRun(group_first) && group_end - x >= columns_worth_a_group) {
+      LoadWeights(columns, first);
+      if (moved.Count() >= columns_worth_a_group) {
         for (int k = 0; k < length_ - 1; ++k) {
-          FilterRun(columns, {group_first, group_columns}, k);
+          FilterRun(columns, {first, group_columns}, k);
         }
-        x = group_end;
-      }
-      for (; x != group_end; ++x) {
-        FilterColumn(columns, *x, 0);
-        is_refilled_[*x] = true;
+        one_by_one = one_by_one.Without(moved);
       }
     }
+    for (const int x : one_by_one) {
+      FilterColumn(columns, x, 0);
+    }
+    return one_by_one;
   }
 
   /// Weights as runs need them: one row a tap.
@@ -175,7 +170,6 @@ class RANGE_SUMS {
   const PIXEL_DECODER<PIXEL> decode_;
 
   int oldest_row_ = 0;
-  bool is_refilled_[strip_columns] = {};
   const double* loaded_weights_[strip_columns] = {};
   ROW_BUFFER<double> weights_;
   ROW_BUFFER<double> re_;

@@ -31,23 +31,21 @@ void PolynomialPositions(const POLYNOMIAL_COLUMNS& columns, const POLYNOMIAL_LIN
   }
 }
 
-void FindUnsteady(const COLUMN_INTERVALS& in, const AZIMUTH_LIMITS& limits, double line,
-                  const double* rg, const double* az, int count, double* fa,
-                  unsigned char* unsteady) {
-  for (int first = 0; first < count; first += group_columns) {
-    unsigned steady = 0;
-    for (int x = first; x < first + group_columns; x += lanes) {
-      const LANES range = Load(rg + x);
-      const LANES azimuth = Load(az + x);
-      const LANES fraction = azimuth - (line + Load(in.line_shift + x));
-      Store(fraction, fa + x);
-      steady |= MaskOf((range >= Load(in.rg_first + x)) & (range < Load(in.rg_end + x)) &
-                       (fraction >= Load(in.fa_first + x)) & (fraction < Load(in.fa_end + x)) &
-                       (azimuth > limits.above) & (azimuth < limits.below))
-                << (x - first);
-    }
-    unsteady[first / group_columns] = static_cast<unsigned char>(~steady);
+std::uint64_t FindUnsteady(const COLUMN_INTERVALS& in, const AZIMUTH_LIMITS& limits, double line,
+                           const double* rg, const double* az, double* fa) {
+  std::uint64_t steady = 0;
+  for (int x = 0; x < strip_columns; x += lanes) {
+    const LANES range = Load(rg + x);
+    const LANES azimuth = Load(az + x);
+    const LANES fraction = azimuth - (line + Load(in.line_shift + x));
+    Store(fraction, fa + x);
+    const LANE_FLAGS flags =
+        (range >= Load(in.rg_first + x)) & (range < Load(in.rg_end + x)) &
+        (fraction >= Load(in.fa_first + x)) & (fraction < Load(in.fa_end + x)) &
+        (azimuth > limits.above) & (azimuth < limits.below);
+    steady |= std::uint64_t{MaskOf(flags)} << x;
   }
+  return ~steady;
 }
 
 // Phases
