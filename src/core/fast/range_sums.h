@@ -33,7 +33,6 @@ class RANGE_SUMS {
              const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
       : slave_(slave),
         length_(length),
-        mask_length_(static_cast<std::size_t>(length)),
         ring_(length),
         filter_run_(functions.range_filter(length)),
         filter_mask_(functions.filter_mask),
@@ -47,6 +46,8 @@ class RANGE_SUMS {
   /// Brings the sums to the line at which the columns are.
   void Update(const COLUMN_TRACKER& columns) {
     oldest_row_ = ring_.OldestRow(columns.Line());
+    const int newest_row = oldest_row_ + length_ - 1;
+    has_invalid_[newest_row] = has_invalid_[ring_.Twin(newest_row)] = false;
     const COLUMN_SET refilled = RefillMoved(columns);
     for (const COLUMN_RUN& run : columns.Runs()) {
       FilterRun(columns, run, length_ - 1);
@@ -58,7 +59,13 @@ class RANGE_SUMS {
 
   /// Sums of the oldest line; those of the later ones follow in rows of `strip_columns`.
   CONST_COMPLEX_ROW Sums() { return {re_.Row(oldest_row_), im_.Row(oldest_row_)}; }
-  /// 1 or 0 in the same arrangement. Only with a mask.
+
+  /// Whether any of the sums may have met an invalid pixel.
+  bool HaveInvalid() const {
+    const bool* oldest = has_invalid_ + oldest_row_;
+    return std::find(oldest, oldest + length_, true) != oldest + length_;
+  }
+  /// 1 or 0 in the arrangement of the sums. Only with a mask.
   const unsigned char* Validity() { return valid_.Row(oldest_row_); }
 
  private:
@@ -111,11 +118,22 @@ class RANGE_SUMS {
                 {re_.Row(row) + run.first, im_.Row(row) + run.first},
                 {re_.Row(twin) + run.first, im_.Row(twin) + run.first});
     if (slave_.mask != nullptr) {
-      unsigned char* valid = valid_.Row(row) + run.first;
-      filter_mask_(slave_.mask[line] + sample, length_, run.count, valid);
-      std::copy_n(valid, run.count, valid_.Row(twin) + run.first);
+      FilterMask(slave_.mask[line] + sample, run, row);
     }
   }
+
+  void FilterMask(const unsigned char* mask, const COLUMN_RUN& run, int row) {
+    unsigned char* valid = valid_.Row(row) + run.first;
+    if (std::memchr(mask, 0, static_cast<std::size_t>(run.count + length_ - 1)) == nullptr) {
+      std::fill_n(valid, run.count, static_cast<unsigned char>(1));
+    } else {
+      filter_mask_(mask, length_, run.count, valid);
+      NoteInvalid(row);
+    }
+    std::copy_n(valid, run.count, valid_.Row(ring_.Twin(row)) + run.first);
+  }
+
+  void NoteInvalid(int row) { has_invalid_[row] = has_invalid_[ring_.Twin(row)] = true; }
 
   void PrefetchAhead(std::int64_t line, std::int64_t sample, int count) const {
     constexpr std::int64_t lines_ahead = 8;
@@ -143,7 +161,11 @@ class RANGE_SUMS {
     if (slave_.mask != nullptr) {
       for (int row = first_row; row < end_row; ++row) {
         const unsigned char* mask = slave_.mask[line + row - first_row] + sample;
-        valid_.Row(row)[x] = std::memchr(mask, 0, mask_length_) == nullptr ? 1 : 0;
+        const bool is_valid = std::memchr(mask, 0, static_cast<std::size_t>(length_)) == nullptr;
+        valid_.Row(row)[x] = is_valid ? 1 : 0;
+        if (!is_valid) {
+          NoteInvalid(row);
+        }
       }
     }
     for (int row = std::max(first_row, length_); row < end_row; ++row) {
@@ -162,7 +184,6 @@ class RANGE_SUMS {
 
   const SLAVE_ROWS<PIXEL> slave_;
   const int length_;
-  const std::size_t mask_length_;
   const LINE_RING ring_;
   const RANGE_FILTER filter_run_;
   const MASK_FILTER filter_mask_;
@@ -175,6 +196,7 @@ class RANGE_SUMS {
   ROW_BUFFER<double> re_;
   ROW_BUFFER<double> im_;
   ROW_BUFFER<unsigned char> valid_;
+  bool has_invalid_[2 * longest_kernel] = {};  ///< by row
   alignas(64) double pixels_re_[strip_columns + longest_kernel + group_columns] = {};
   alignas(64) double pixels_im_[strip_columns + longest_kernel + group_columns] = {};
 };

@@ -204,17 +204,21 @@ void FilterAzimuth(const double* weights, CONST_COMPLEX_ROW filtered, int length
 ///     S_(L-1) = w_(L-1) P_(L-1),  S_(k-1) = S_k r_k + w_(k-1) P_(k-1),
 ///     r_k = exp(2 pi i (phi_k - phi_(k-1))),  r_(k-1) = r_k * step
 ///
-/// and at last S_0 exp(2 pi i phi_0). `first` is r_(L-1).
+/// and at last S_0 exp(2 pi i phi_0). `first` is r_(L-1). Because |step| = 1, also
+/// r_(k-1) = 2 Re(step) r_k - r_(k+1), which is cheaper, but loses digits with the square of k.
 template <int LENGTH>
 void FilterAzimuthWithRate(const double* weights, CONST_COMPLEX_ROW filtered, int length,
                            CONST_COMPLEX_ROW first, CONST_COMPLEX_ROW step, CONST_COMPLEX_ROW last,
                            int count, COMPLEX_ROW sum) {
   const int taps = LENGTH > 0 ? LENGTH : length;
   for (int x = 0; x < count; x += lanes) {
-    LANES r_re = Load(first.re + x);
-    LANES r_im = Load(first.im + x);
     const LANES step_re = Load(step.re + x);
     const LANES step_im = Load(step.im + x);
+    const LANES twice = step_re + step_re;
+    LANES r_re = Load(first.re + x);
+    LANES r_im = Load(first.im + x);
+    LANES next_re = MultiplyAdd(r_re, step_re, -(r_im * step_im));
+    LANES next_im = MultiplyAdd(r_re, step_im, r_im * step_re);
     LANES s_re{};
     LANES s_im{};
 #pragma GCC unroll 16
@@ -226,9 +230,14 @@ void FilterAzimuthWithRate(const double* weights, CONST_COMPLEX_ROW filtered, in
         const LANES turned_re = MultiplyAdd(s_re, r_re, -(s_im * r_im));
         s_im = MultiplyAdd(s_re, r_im, s_im * r_re);
         s_re = turned_re;
-        const LANES next_re = MultiplyAdd(r_re, step_re, -(r_im * step_im));
-        r_im = MultiplyAdd(r_re, step_im, r_im * step_re);
+        const LANES after_re = LENGTH > 0 ? MultiplyAdd(twice, next_re, -r_re)
+                                          : MultiplyAdd(next_re, step_re, -(next_im * step_im));
+        const LANES after_im = LENGTH > 0 ? MultiplyAdd(twice, next_im, -r_im)
+                                          : MultiplyAdd(next_re, step_im, next_im * step_re);
         r_re = next_re;
+        r_im = next_im;
+        next_re = after_re;
+        next_im = after_im;
       }
     }
     const LANES last_re = Load(last.re + x);

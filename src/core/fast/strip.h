@@ -34,9 +34,7 @@ class STRIP {
         range_sums_({input, with_validity_ ? RowsOf(job.input_mask) : nullptr, job.input_width,
                      job.input_height},
                     length_, functions, pixel_functions),
-        azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {
-    std::fill_n(valid_, strip_columns, static_cast<unsigned char>(1));
-  }
+        azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {}
 
   /// The strip that begins at `first_column`, on the lines first_line to last_line.
   void Resample(int first_column, unsigned first_line, unsigned last_line) {
@@ -90,10 +88,13 @@ class STRIP {
   }
 
   void StoreMask() {
-    if (with_validity_) {
-      functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid_);
+    unsigned char valid[strip_columns];
+    if (with_validity_ && range_sums_.HaveInvalid()) {
+      functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid);
+    } else {
+      std::fill_n(valid, strip_columns, static_cast<unsigned char>(1));
     }
-    CopyComputed(valid_, output_mask_[columns_.Line()] + first_column_);
+    CopyComputed(valid, output_mask_[columns_.Line()] + first_column_);
   }
 
   template <class T>
@@ -135,5 +136,4 @@ class STRIP {
   AZIMUTH_SUMS azimuth_sums_;
   int first_column_ = 0;
   int column_count_ = 0;
-  alignas(64) unsigned char valid_[strip_columns];
 };
