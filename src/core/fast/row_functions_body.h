@@ -219,26 +219,27 @@ void FilterAzimuthWithRate(const double* weights, CONST_COMPLEX_ROW filtered, in
     LANES r_im = Load(first.im + x);
     LANES next_re = MultiplyAdd(r_re, step_re, -(r_im * step_im));
     LANES next_im = MultiplyAdd(r_re, step_im, r_im * step_re);
-    LANES s_re{};
-    LANES s_im{};
+    const double* w = weights + x;
+    const double* re = filtered.re + x;
+    const double* im = filtered.im + x;
+    LANES s_re = Load(w + (taps - 1) * strip_columns) * Load(re + (taps - 1) * strip_columns);
+    LANES s_im = Load(w + (taps - 1) * strip_columns) * Load(im + (taps - 1) * strip_columns);
 #pragma GCC unroll 16
-    for (int k = taps - 1; k >= 0; --k) {
-      const LANES w = Load(weights + k * strip_columns + x);
-      s_re = MultiplyAdd(w, Load(filtered.re + k * strip_columns + x), s_re);
-      s_im = MultiplyAdd(w, Load(filtered.im + k * strip_columns + x), s_im);
-      if (k > 0) {
-        const LANES turned_re = MultiplyAdd(s_re, r_re, -(s_im * r_im));
-        s_im = MultiplyAdd(s_re, r_im, s_im * r_re);
-        s_re = turned_re;
-        const LANES after_re = LENGTH > 0 ? MultiplyAdd(twice, next_re, -r_re)
-                                          : MultiplyAdd(next_re, step_re, -(next_im * step_im));
-        const LANES after_im = LENGTH > 0 ? MultiplyAdd(twice, next_im, -r_im)
-                                          : MultiplyAdd(next_re, step_im, next_im * step_re);
-        r_re = next_re;
-        r_im = next_im;
-        next_re = after_re;
-        next_im = after_im;
-      }
+    for (int k = taps - 2; k >= 0; --k) {
+      const LANES weight = Load(w + k * strip_columns);
+      const LANES term_re = weight * Load(re + k * strip_columns);
+      const LANES term_im = weight * Load(im + k * strip_columns);
+      const LANES turned_re = MultiplyAdd(s_re, r_re, MultiplyAdd(-s_im, r_im, term_re));
+      s_im = MultiplyAdd(s_re, r_im, MultiplyAdd(s_im, r_re, term_im));
+      s_re = turned_re;
+      const LANES after_re = LENGTH > 0 ? MultiplyAdd(twice, next_re, -r_re)
+                                        : MultiplyAdd(next_re, step_re, -(next_im * step_im));
+      const LANES after_im = LENGTH > 0 ? MultiplyAdd(twice, next_im, -r_im)
+                                        : MultiplyAdd(next_re, step_im, next_im * step_re);
+      r_re = next_re;
+      r_im = next_im;
+      next_re = after_re;
+      next_im = after_im;
     }
     const LANES last_re = Load(last.re + x);
     const LANES last_im = Load(last.im + x);
