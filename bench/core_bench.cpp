@@ -22,7 +22,7 @@ using MAPPING = CORE_CASE::MAPPING;
 const CORE_CASE cases[] = {
     {.name = "code 8, L 6, N 64", .length = 6},
     {.name = "code 8, L 8, N 64, no rate"},
-    {.name = "code 8, L 8, N 64, rate, mask", .with_rate = true, .with_mask = true},
+    {.name = "code 8, L 8, N 64, with rate, mask", .with_rate = true, .with_mask = true},
     {.name = "code 8, L 16, N 64", .length = 16},
     {.name = "code 8, L 8, N 1024", .subpix_count = 1024},
     {.name = "code 8, L 8, N 64, steep", .mapping = MAPPING::STEEP},

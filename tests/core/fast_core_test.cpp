@@ -5,10 +5,10 @@
 #include <cmath>
 #include <cstring>
 
-#include "core/fast/row_function_variants.h"
 #include "core/pixel_evaluation.h"
 #include "core_job.h"
 #include "support/log_capture.h"
+#include "supported_levels.h"
 
 namespace {
 
@@ -28,25 +28,6 @@ bool Record(CONST_COMPLEX_ROW values, int count, PIXEL* encoded) {
     std::memcpy(static_cast<void*>(encoded + x), &number, sizeof(number));
   }
   return true;
-}
-
-/// A level's functions, and the same with a recorder in the place of the encoders.
-struct LEVEL {
-  const CORE_VARIANT* variant;
-  const ROW_FUNCTIONS* functions;
-};
-
-std::vector<LEVEL> SupportedLevels() {
-  const ROW_FUNCTIONS* const functions[] = {&row_functions_x86_64, &row_functions_x86_64_v3,
-                                            &row_functions_x86_64_v4};
-  std::vector<LEVEL> levels;
-  for (std::size_t i = 0; i < std::size(functions); ++i) {
-    const CORE_VARIANT& variant = CoreVariants()[i + 1];
-    if (variant.is_supported()) {
-      levels.push_back({&variant, functions[i]});
-    }
-  }
-  return levels;
 }
 
 const ROW_FUNCTIONS* recording_functions = nullptr;

@@ -5,13 +5,12 @@
 #include <cmath>
 #include <random>
 
-#include "core/core_variant.h"
-#include "core/fast/row_function_variants.h"
 #include "core_job.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
 #include "support/log_capture.h"
 #include "support/pool_text.h"
+#include "supported_levels.h"
 
 namespace {
 
@@ -48,11 +47,8 @@ class PositionRowsTest : public testing::Test {
 
   /// All strips of a master of some size, lines in the order of a chunk and with a leap back.
   static void CheckAgainst(const MAPPING_BASE& mapping, int width, unsigned height) {
-    for (const ROW_FUNCTIONS* functions : {&row_functions_x86_64, &row_functions_x86_64_v3}) {
-      if (functions == &row_functions_x86_64_v3 && !CoreVariants()[2].is_supported()) {
-        continue;
-      }
-      const std::unique_ptr<POSITION_ROWS> rows = MakePositionRows(mapping, *functions);
+    for (const LEVEL& level : SupportedLevels()) {
+      const std::unique_ptr<POSITION_ROWS> rows = MakePositionRows(mapping, *level.functions);
       for (int first = 0; first < width; first += strip_columns) {
         const int count = std::min(strip_columns, width - first);
         rows->BeginStrip(first, count);

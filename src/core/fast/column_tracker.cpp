@@ -1,6 +1,6 @@
 #include "core/fast/column_tracker.h"
 
-#include <bit>
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -38,27 +38,28 @@ COLUMN_TRACKER::COLUMN_TRACKER(const RESAMPLE_JOB& job, const FOOTPRINT& footpri
       azimuth_limits_{footprint.LowerLimit(), footprint.UpperLimit(job.input_height)} {}
 
 void COLUMN_TRACKER::BeginStrip(int first_column, int count) {
-  column_count_ = count;
   positions_->BeginStrip(first_column, count);
-  for (int x = 0; x < strip_columns; ++x) {
-    columns_[x] = COLUMN();
-    Drop(x);
-  }
-  computed_count_ = 0;
+  existing_ = COLUMN_SET::First(count);
+  computed_ = COLUMN_SET();
+  std::fill_n(columns_, strip_columns, COLUMN());
+  std::fill_n(rg_first_, strip_columns, no_interval);
   FindRuns();
 }
 
 void COLUMN_TRACKER::GoTo(unsigned line) {
   line_ = line;
+  moved_ = COLUMN_SET();
+  new_azimuth_weights_ = COLUMN_SET();
   arrangement_changed_ = false;
-  moved_.Clear();
-  new_azimuth_weights_.Clear();
   positions_->Fill(line, rg_, az_);
-  functions_.find_unsteady({rg_first_, rg_end_, line_shift_, fa_first_, fa_end_}, azimuth_limits_,
-                           line, rg_, az_, strip_columns, fa_, unsteady_);
-  for (int group = 0; group * group_columns < column_count_; ++group) {
-    if (unsteady_[group] != 0) {
-      LookAtGroup(group, unsteady_[group]);
+  const std::uint64_t unsteady =
+      functions_.find_unsteady({rg_first_, rg_end_, line_shift_, fa_first_, fa_end_},
+                               azimuth_limits_, line, rg_, az_, fa_);
+  for (const int x : COLUMN_SET(unsteady).And(existing_)) {
+    if (Fits(x)) {
+      LookAtColumn(x);
+    } else if (computed_.Holds(x)) {
+      Drop(x);
     }
   }
   if (arrangement_changed_) {
@@ -66,43 +67,31 @@ void COLUMN_TRACKER::GoTo(unsigned line) {
   }
 }
 
-void COLUMN_TRACKER::LookAtGroup(int group, unsigned unsteady) {
-  for (; unsteady != 0; unsteady &= unsteady - 1) {
-    LookAtColumn(group * group_columns + std::countr_zero(unsteady));
-  }
-  is_consecutive_[group] = IsConsecutive(group);
+bool COLUMN_TRACKER::Fits(int x) const {
+  return footprint_.LowerLimit() < rg_[x] && rg_[x] < range_below_ &&
+         azimuth_limits_.above < az_[x] && az_[x] < azimuth_limits_.below;
 }
 
 void COLUMN_TRACKER::LookAtColumn(int x) {
-  COLUMN& column = columns_[x];
-  const bool fits = footprint_.LowerLimit() < rg_[x] && rg_[x] < range_below_ &&
-                    azimuth_limits_.above < az_[x] && az_[x] < azimuth_limits_.below;
-  if (!fits) {
-    if (column.is_computed) {
-      Drop(x);
-    }
-    return;
-  }
   const TAP_POSITION range = LocateTaps(rg_[x], footprint_, kernel_);
   const TAP_POSITION azimuth = LocateTaps(az_[x], footprint_, kernel_);
   const std::int64_t line_shift = azimuth.pixel - line_;
+  COLUMN& column = columns_[x];
   fa_[x] = azimuth.fraction;
   if (column.azimuth_weights != azimuth.weights) {
     new_azimuth_weights_.Add(x);
   }
-  const bool reads_elsewhere =
-      !column.is_computed || column.sample != range.pixel || column.line_shift != line_shift;
-  if (!reads_elsewhere && column.range_weights == range.weights) {
-    column.azimuth_weights = azimuth.weights;
-    SetIntervals(x, range, azimuth);
-    return;
+  const bool reads_elsewhere = !computed_.Holds(x) || column.sample != range.pixel ||
+                               column.line_shift != line_shift;
+  const bool has_moved = reads_elsewhere || column.range_weights != range.weights;
+  if (has_moved) {
+    moved_.Add(x);
   }
-  moved_.Add(x);
   arrangement_changed_ = arrangement_changed_ || reads_elsewhere;
-  computed_count_ += column.is_computed ? 0 : 1;
-  column = {true, range.pixel, line_shift, range.weights, azimuth.weights};
+  computed_.Add(x);
+  column = {range.pixel, line_shift, range.weights, azimuth.weights};
   // A column that moves on every line is spared the intervals until it stays.
-  if (rg_first_[x] != no_interval) {
+  if (!has_moved || rg_first_[x] != no_interval) {
     SetIntervals(x, range, azimuth);
   }
 }
@@ -110,8 +99,7 @@ void COLUMN_TRACKER::LookAtColumn(int x) {
 /// A column that is not computed is never steady, and has moved when it is computed again.
 void COLUMN_TRACKER::Drop(int x) {
   arrangement_changed_ = true;
-  computed_count_ -= columns_[x].is_computed ? 1 : 0;
-  columns_[x].is_computed = false;
+  computed_.Remove(x);
   rg_first_[x] = no_interval;
 }
 
@@ -130,33 +118,30 @@ void COLUMN_TRACKER::SetIntervals(int x, const TAP_POSITION& range, const TAP_PO
   fa_end_[x] = fa.end;
 }
 
-bool COLUMN_TRACKER::IsConsecutive(int group) const {
-  const COLUMN* column = columns_ + group * group_columns;
-  bool is_consecutive = column[0].is_computed;
+bool COLUMN_TRACKER::IsConsecutive(int first) const {
+  const COLUMN* column = columns_ + first;
   for (int i = 1; i < group_columns; ++i) {
-    is_consecutive = is_consecutive && column[i].is_computed &&
-                     column[i].sample == column[0].sample + i &&
-                     column[i].line_shift == column[0].line_shift;
+    if (column[i].sample != column[0].sample + i || column[i].line_shift != column[0].line_shift) {
+      return false;
+    }
   }
-  return is_consecutive;
+  return true;
 }
 
 void COLUMN_TRACKER::FindRuns() {
   run_count_ = 0;
-  singles_.Clear();
-  for (int first = 0; first < column_count_; first += group_columns) {
+  in_runs_ = COLUMN_SET();
+  for (int first = 0; first < strip_columns; first += group_columns) {
+    if (!computed_.HoldsGroup(first) || !IsConsecutive(first)) {
+      continue;
+    }
     const COLUMN& column = columns_[first];
-    if (!IsInRun(first)) {
-      for (int x = first; x < first + group_columns; ++x) {
-        if (columns_[x].is_computed) {
-          singles_.Add(x);
-        }
-      }
-    } else if (first > 0 && IsInRun(first - 1) && column.sample == columns_[first - 1].sample + 1 &&
-               column.line_shift == columns_[first - 1].line_shift) {
+    if (first > 0 && in_runs_.Holds(first - 1) && column.sample == columns_[first - 1].sample + 1 &&
+        column.line_shift == columns_[first - 1].line_shift) {
       runs_[run_count_ - 1].count += group_columns;
     } else {
       runs_[run_count_++] = {first, group_columns};
     }
+    in_runs_.AddGroup(first);
   }
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 
+#include "core/fast/column_set.h"
 #include "core/fast/position_rows.h"
 #include "core/fast/row_functions.h"
 #include "core/footprint.h"
@@ -11,7 +12,6 @@
 
 /// What a column of a strip reads.
 struct COLUMN {
-  bool is_computed = false;
   std::int64_t sample = 0;                  ///< slave sample at or before the position
   std::int64_t line_shift = 0;              ///< likewise the slave line, minus the output line
   const double* range_weights = nullptr;    ///< kernel row
@@ -22,19 +22,6 @@ struct COLUMN {
 struct COLUMN_RUN {
   int first;
   int count;
-};
-
-/// Some columns of a strip in rising order.
-class COLUMN_LIST {
- public:
-  void Clear() { count_ = 0; }
-  void Add(int x) { columns_[count_++] = x; }
-  const int* begin() const { return columns_; }
-  const int* end() const { return columns_ + count_; }
-
- private:
-  int count_ = 0;
-  int columns_[strip_columns];
 };
 
 /// Follows the slave positions of a strip's columns from line to line.
@@ -65,24 +52,24 @@ class COLUMN_TRACKER {
   const double* SlaveAzimuth() const { return az_; }
   const double* AzimuthFraction() const { return fa_; }
 
-  /// Computed columns whose sample, line shift or range weights are not those of the line before.
-  const COLUMN_LIST& Moved() const { return moved_; }
-  /// Computed columns whose azimuth weights are not those that the column had last.
-  const COLUMN_LIST& NewAzimuthWeights() const { return new_azimuth_weights_; }
+  /// Columns whose pixel on this line is computed.
+  COLUMN_SET Computed() const { return computed_; }
+  /// Those of them whose sample, line shift or range weights are not those of the line before.
+  COLUMN_SET Moved() const { return moved_; }
+  /// Those of them whose azimuth weights are not those that the column had last.
+  COLUMN_SET NewAzimuthWeights() const { return new_azimuth_weights_; }
 
-  /// All computed columns are either in a run or single.
   std::span<const COLUMN_RUN> Runs() const { return {runs_, run_count_}; }
-  const COLUMN_LIST& Singles() const { return singles_; }
-  bool IsInRun(int x) const { return is_consecutive_[x / group_columns]; }
-
-  int ComputedCount() const { return computed_count_; }
+  COLUMN_SET InRuns() const { return in_runs_; }
+  /// Computed columns that are in no run.
+  COLUMN_SET Singles() const { return computed_.Without(in_runs_); }
 
  private:
-  void LookAtGroup(int group, unsigned unsteady);
+  bool Fits(int x) const;
   void LookAtColumn(int x);
   void Drop(int x);
   void SetIntervals(int x, const TAP_POSITION& range, const TAP_POSITION& azimuth);
-  bool IsConsecutive(int group) const;
+  bool IsConsecutive(int first) const;
   void FindRuns();
 
   const INTERPOLATION_KERNEL& kernel_;
@@ -93,21 +80,19 @@ class COLUMN_TRACKER {
   const AZIMUTH_LIMITS azimuth_limits_;
 
   unsigned line_ = 0;
-  int column_count_ = 0;
-  int computed_count_ = 0;
-  bool arrangement_changed_ = false;  ///< runs and single columns are to be found again
-  COLUMN columns_[strip_columns];
-  bool is_consecutive_[strip_columns / group_columns] = {};
+  COLUMN_SET existing_;  ///< columns that the output has
+  COLUMN_SET computed_;
+  COLUMN_SET moved_;
+  COLUMN_SET new_azimuth_weights_;
+  COLUMN_SET in_runs_;
+  bool arrangement_changed_ = false;  ///< runs are to be found again
   std::size_t run_count_ = 0;
   COLUMN_RUN runs_[strip_columns / group_columns];
-  COLUMN_LIST singles_;
-  COLUMN_LIST moved_;
-  COLUMN_LIST new_azimuth_weights_;
+  COLUMN columns_[strip_columns];
 
   alignas(64) double rg_[strip_columns] = {};
   alignas(64) double az_[strip_columns] = {};
   alignas(64) double fa_[strip_columns] = {};
-  unsigned char unsteady_[strip_columns / group_columns] = {};
   alignas(64) double rg_first_[strip_columns] = {};
   alignas(64) double rg_end_[strip_columns] = {};
   alignas(64) double line_shift_[strip_columns] = {};

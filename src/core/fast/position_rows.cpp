@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <limits>
 #include <typeinfo>
+#include <utility>
 
 #include "base/unaligned.h"
+#include "core/fast/prefetch.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
 
@@ -84,9 +86,9 @@ class MATRIX_POSITIONS : public POSITION_ROWS {
 
   /// Going down, the grid line after the last ones becomes the one before.
   void HoldGridLine(std::int64_t grid_line) {
-    if (grid_line != outside && grid_line == held_grid_line_ + 1 && held_grid_line_ >= 0) {
-      std::copy_n(rg_after_, strip_columns, rg_before_);
-      std::copy_n(az_after_, strip_columns, az_before_);
+    if (grid_line != outside && held_grid_line_ >= 0 && grid_line == held_grid_line_ + 1) {
+      std::swap(rg_before_, rg_after_);
+      std::swap(az_before_, az_after_);
     } else {
       FillShifts(rg_, grid_line, rg_before_);
       FillShifts(az_, grid_line, az_before_);
@@ -94,7 +96,16 @@ class MATRIX_POSITIONS : public POSITION_ROWS {
     const std::int64_t next = grid_line == outside ? outside : grid_line + 1;
     FillShifts(rg_, next, rg_after_);
     FillShifts(az_, next, az_after_);
+    PrefetchGridLine(rg_, next + 1);
+    PrefetchGridLine(az_, next + 1);
     held_grid_line_ = grid_line;
+  }
+
+  void PrefetchGridLine(const MATRIX_INTERPOLATION<float>& matrix, std::int64_t grid_line) const {
+    if (inside_count_ > 0 && grid_line < matrix.AzSize()) {
+      const float* nodes = matrix.Rows()[grid_line];
+      Prefetch(nodes + node_[0], nodes + node_[inside_count_ - 1] + 2);
+    }
   }
 
   void FillShifts(const MATRIX_INTERPOLATION<float>& matrix, std::int64_t grid_line,
@@ -119,10 +130,11 @@ class MATRIX_POSITIONS : public POSITION_ROWS {
   std::size_t node_[strip_columns] = {};
   double fraction_[strip_columns] = {};
   alignas(64) double sample_[strip_columns] = {};
-  alignas(64) double rg_before_[strip_columns] = {};
-  alignas(64) double rg_after_[strip_columns] = {};
-  alignas(64) double az_before_[strip_columns] = {};
-  alignas(64) double az_after_[strip_columns] = {};
+  alignas(64) double shifts_[4][strip_columns] = {};
+  double* rg_before_ = shifts_[0];
+  double* rg_after_ = shifts_[1];
+  double* az_before_ = shifts_[2];
+  double* az_after_ = shifts_[3];
 };
 
 /// The products of a polynomial c that belong to columns alone.

@@ -33,7 +33,6 @@ class RANGE_SUMS {
              const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
       : slave_(slave),
         length_(length),
-        mask_length_(static_cast<std::size_t>(length)),
         ring_(length),
         filter_run_(functions.range_filter(length)),
         filter_mask_(functions.filter_mask),
@@ -47,49 +46,52 @@ class RANGE_SUMS {
   /// Brings the sums to the line at which the columns are.
   void Update(const COLUMN_TRACKER& columns) {
     oldest_row_ = ring_.OldestRow(columns.Line());
-    std::fill_n(is_refilled_, strip_columns, false);
-    RefillMoved(columns);
+    const int newest_row = oldest_row_ + length_ - 1;
+    has_invalid_[newest_row] = has_invalid_[ring_.Twin(newest_row)] = false;
+    const COLUMN_SET refilled = RefillMoved(columns);
     for (const COLUMN_RUN& run : columns.Runs()) {
       FilterRun(columns, run, length_ - 1);
     }
-    for (const int x : columns.Singles()) {
-      if (!is_refilled_[x]) {
-        FilterColumn(columns, x, length_ - 1);
-      }
+    for (const int x : columns.Singles().Without(refilled)) {
+      FilterColumn(columns, x, length_ - 1);
     }
   }
 
   /// Sums of the oldest line; those of the later ones follow in rows of `strip_columns`.
   CONST_COMPLEX_ROW Sums() { return {re_.Row(oldest_row_), im_.Row(oldest_row_)}; }
-  /// 1 or 0 in the same arrangement. Only with a mask.
+
+  /// Whether any of the sums may have met an invalid pixel.
+  bool HaveInvalid() const {
+    const bool* oldest = has_invalid_ + oldest_row_;
+    return std::find(oldest, oldest + length_, true) != oldest + length_;
+  }
+  /// 1 or 0 in the arrangement of the sums. Only with a mask.
   const unsigned char* Validity() { return valid_.Row(oldest_row_); }
 
  private:
   /// From this many columns of a group on, making all of them anew together is faster.
   static constexpr int columns_worth_a_group = 4;
 
-  void RefillMoved(const COLUMN_TRACKER& columns) {
-    const int* const end = columns.Moved().end();
-    for (const int* x = columns.Moved().begin(); x != end;) {
-      const int group_first = *x / group_columns * group_columns;
-      const int* group_end = x;
-      while (group_end != end && *group_end < group_first + group_columns) {
-        ++group_end;
+  /// Returns the columns whose newest sum is there too.
+  COLUMN_SET RefillMoved(const COLUMN_TRACKER& columns) {
+    COLUMN_SET one_by_one = columns.Moved();
+    for (int first = 0; first < strip_columns; first += group_columns) {
+      const COLUMN_SET moved = columns.Moved().OfGroup(first);
+      if (moved.IsEmpty() || !columns.InRuns().Holds(first)) {
+        continue;
       }
-      if (columns.IsInRun(group_first)) {
-        LoadWeights(columns, group_first);
-      }
-      if (columns.IsInRun(group_first) && group_end - x >= columns_worth_a_group) {
+      LoadWeights(columns, first);
+      if (moved.Count() >= columns_worth_a_group) {
         for (int k = 0; k < length_ - 1; ++k) {
-          FilterRun(columns, {group_first, group_columns}, k);
+          FilterRun(columns, {first, group_columns}, k);
         }
-        x = group_end;
-      }
-      for (; x != group_end; ++x) {
-        FilterColumn(columns, *x, 0);
-        is_refilled_[*x] = true;
+        one_by_one = one_by_one.Without(moved);
       }
     }
+    for (const int x : one_by_one) {
+      FilterColumn(columns, x, 0);
+    }
+    return one_by_one;
   }
 
   /// Weights as runs need them: one row a tap.
@@ -116,11 +118,22 @@ class RANGE_SUMS {
                 {re_.Row(row) + run.first, im_.Row(row) + run.first},
                 {re_.Row(twin) + run.first, im_.Row(twin) + run.first});
     if (slave_.mask != nullptr) {
-      unsigned char* valid = valid_.Row(row) + run.first;
-      filter_mask_(slave_.mask[line] + sample, length_, run.count, valid);
-      std::copy_n(valid, run.count, valid_.Row(twin) + run.first);
+      FilterMask(slave_.mask[line] + sample, run, row);
     }
   }
+
+  void FilterMask(const unsigned char* mask, const COLUMN_RUN& run, int row) {
+    unsigned char* valid = valid_.Row(row) + run.first;
+    if (std::memchr(mask, 0, static_cast<std::size_t>(run.count + length_ - 1)) == nullptr) {
+      std::fill_n(valid, run.count, static_cast<unsigned char>(1));
+    } else {
+      filter_mask_(mask, length_, run.count, valid);
+      NoteInvalid(row);
+    }
+    std::copy_n(valid, run.count, valid_.Row(ring_.Twin(row)) + run.first);
+  }
+
+  void NoteInvalid(int row) { has_invalid_[row] = has_invalid_[ring_.Twin(row)] = true; }
 
   void PrefetchAhead(std::int64_t line, std::int64_t sample, int count) const {
     constexpr std::int64_t lines_ahead = 8;
@@ -148,7 +161,11 @@ class RANGE_SUMS {
     if (slave_.mask != nullptr) {
       for (int row = first_row; row < end_row; ++row) {
         const unsigned char* mask = slave_.mask[line + row - first_row] + sample;
-        valid_.Row(row)[x] = std::memchr(mask, 0, mask_length_) == nullptr ? 1 : 0;
+        const bool is_valid = std::memchr(mask, 0, static_cast<std::size_t>(length_)) == nullptr;
+        valid_.Row(row)[x] = is_valid ? 1 : 0;
+        if (!is_valid) {
+          NoteInvalid(row);
+        }
       }
     }
     for (int row = std::max(first_row, length_); row < end_row; ++row) {
@@ -167,7 +184,6 @@ class RANGE_SUMS {
 
   const SLAVE_ROWS<PIXEL> slave_;
   const int length_;
-  const std::size_t mask_length_;
   const LINE_RING ring_;
   const RANGE_FILTER filter_run_;
   const MASK_FILTER filter_mask_;
@@ -175,12 +191,12 @@ class RANGE_SUMS {
   const PIXEL_DECODER<PIXEL> decode_;
 
   int oldest_row_ = 0;
-  bool is_refilled_[strip_columns] = {};
   const double* loaded_weights_[strip_columns] = {};
   ROW_BUFFER<double> weights_;
   ROW_BUFFER<double> re_;
   ROW_BUFFER<double> im_;
   ROW_BUFFER<unsigned char> valid_;
+  bool has_invalid_[2 * longest_kernel] = {};  ///< by row
   alignas(64) double pixels_re_[strip_columns + longest_kernel + group_columns] = {};
   alignas(64) double pixels_im_[strip_columns + longest_kernel + group_columns] = {};
 };

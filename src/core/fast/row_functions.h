@@ -128,11 +128,10 @@ struct ROW_FUNCTIONS {
   /// Positions along one axis: the shift of the polynomial plus the column's origin.
   void (*polynomial_positions)(const POLYNOMIAL_COLUMNS& columns, const POLYNOMIAL_LINE& terms,
                                double line, const double* origin, int count, double* position);
-  /// fa = az - (line + line_shift), and which columns leave one of their intervals: one byte a
-  /// group, its lowest bit for the first column.
-  void (*find_unsteady)(const COLUMN_INTERVALS& intervals, const AZIMUTH_LIMITS& limits,
-                        double line, const double* rg, const double* az, int count, double* fa,
-                        unsigned char* unsteady);
+  /// fa = az - (line + line_shift) for all columns of a strip. Returns the columns that leave one
+  /// of their intervals: bit x for column x.
+  std::uint64_t (*find_unsteady)(const COLUMN_INTERVALS& intervals, const AZIMUTH_LIMITS& limits,
+                                 double line, const double* rg, const double* az, double* fa);
 
   /// scale * sum over k of c_k (range_time - reference_time)^k by Horner's rule, never fused.
   void (*centroid)(const RANGE_POLYNOMIAL& polynomial, const double* range_time, int count,

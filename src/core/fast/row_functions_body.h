@@ -31,23 +31,21 @@ void PolynomialPositions(const POLYNOMIAL_COLUMNS& columns, const POLYNOMIAL_LIN
   }
 }
 
-void FindUnsteady(const COLUMN_INTERVALS& in, const AZIMUTH_LIMITS& limits, double line,
-                  const double* rg, const double* az, int count, double* fa,
-                  unsigned char* unsteady) {
-  for (int first = 0; first < count; first += group_columns) {
-    unsigned steady = 0;
-    for (int x = first; x < first + group_columns; x += lanes) {
-      const LANES range = Load(rg + x);
-      const LANES azimuth = Load(az + x);
-      const LANES fraction = azimuth - (line + Load(in.line_shift + x));
-      Store(fraction, fa + x);
-      steady |= MaskOf((range >= Load(in.rg_first + x)) & (range < Load(in.rg_end + x)) &
-                       (fraction >= Load(in.fa_first + x)) & (fraction < Load(in.fa_end + x)) &
-                       (azimuth > limits.above) & (azimuth < limits.below))
-                << (x - first);
-    }
-    unsteady[first / group_columns] = static_cast<unsigned char>(~steady);
+std::uint64_t FindUnsteady(const COLUMN_INTERVALS& in, const AZIMUTH_LIMITS& limits, double line,
+                           const double* rg, const double* az, double* fa) {
+  std::uint64_t steady = 0;
+  for (int x = 0; x < strip_columns; x += lanes) {
+    const LANES range = Load(rg + x);
+    const LANES azimuth = Load(az + x);
+    const LANES fraction = azimuth - (line + Load(in.line_shift + x));
+    Store(fraction, fa + x);
+    const LANE_FLAGS flags =
+        (range >= Load(in.rg_first + x)) & (range < Load(in.rg_end + x)) &
+        (fraction >= Load(in.fa_first + x)) & (fraction < Load(in.fa_end + x)) &
+        (azimuth > limits.above) & (azimuth < limits.below);
+    steady |= std::uint64_t{MaskOf(flags)} << x;
   }
+  return ~steady;
 }
 
 // Phases
@@ -206,32 +204,42 @@ void FilterAzimuth(const double* weights, CONST_COMPLEX_ROW filtered, int length
 ///     S_(L-1) = w_(L-1) P_(L-1),  S_(k-1) = S_k r_k + w_(k-1) P_(k-1),
 ///     r_k = exp(2 pi i (phi_k - phi_(k-1))),  r_(k-1) = r_k * step
 ///
-/// and at last S_0 exp(2 pi i phi_0). `first` is r_(L-1).
+/// and at last S_0 exp(2 pi i phi_0). `first` is r_(L-1). Because |step| = 1, also
+/// r_(k-1) = 2 Re(step) r_k - r_(k+1), which is cheaper, but loses digits with the square of k.
 template <int LENGTH>
 void FilterAzimuthWithRate(const double* weights, CONST_COMPLEX_ROW filtered, int length,
                            CONST_COMPLEX_ROW first, CONST_COMPLEX_ROW step, CONST_COMPLEX_ROW last,
                            int count, COMPLEX_ROW sum) {
   const int taps = LENGTH > 0 ? LENGTH : length;
   for (int x = 0; x < count; x += lanes) {
-    LANES r_re = Load(first.re + x);
-    LANES r_im = Load(first.im + x);
     const LANES step_re = Load(step.re + x);
     const LANES step_im = Load(step.im + x);
-    LANES s_re{};
-    LANES s_im{};
+    const LANES twice = step_re + step_re;
+    LANES r_re = Load(first.re + x);
+    LANES r_im = Load(first.im + x);
+    LANES next_re = MultiplyAdd(r_re, step_re, -(r_im * step_im));
+    LANES next_im = MultiplyAdd(r_re, step_im, r_im * step_re);
+    const double* w = weights + x;
+    const double* re = filtered.re + x;
+    const double* im = filtered.im + x;
+    LANES s_re = Load(w + (taps - 1) * strip_columns) * Load(re + (taps - 1) * strip_columns);
+    LANES s_im = Load(w + (taps - 1) * strip_columns) * Load(im + (taps - 1) * strip_columns);
 #pragma GCC unroll 16
-    for (int k = taps - 1; k >= 0; --k) {
-      const LANES w = Load(weights + k * strip_columns + x);
-      s_re = MultiplyAdd(w, Load(filtered.re + k * strip_columns + x), s_re);
-      s_im = MultiplyAdd(w, Load(filtered.im + k * strip_columns + x), s_im);
-      if (k > 0) {
-        const LANES turned_re = MultiplyAdd(s_re, r_re, -(s_im * r_im));
-        s_im = MultiplyAdd(s_re, r_im, s_im * r_re);
-        s_re = turned_re;
-        const LANES next_re = MultiplyAdd(r_re, step_re, -(r_im * step_im));
-        r_im = MultiplyAdd(r_re, step_im, r_im * step_re);
-        r_re = next_re;
-      }
+    for (int k = taps - 2; k >= 0; --k) {
+      const LANES weight = Load(w + k * strip_columns);
+      const LANES term_re = weight * Load(re + k * strip_columns);
+      const LANES term_im = weight * Load(im + k * strip_columns);
+      const LANES turned_re = MultiplyAdd(s_re, r_re, MultiplyAdd(-s_im, r_im, term_re));
+      s_im = MultiplyAdd(s_re, r_im, MultiplyAdd(s_im, r_re, term_im));
+      s_re = turned_re;
+      const LANES after_re = LENGTH > 0 ? MultiplyAdd(twice, next_re, -r_re)
+                                        : MultiplyAdd(next_re, step_re, -(next_im * step_im));
+      const LANES after_im = LENGTH > 0 ? MultiplyAdd(twice, next_im, -r_im)
+                                        : MultiplyAdd(next_re, step_im, next_im * step_re);
+      r_re = next_re;
+      r_im = next_im;
+      next_re = after_re;
+      next_im = after_im;
     }
     const LANES last_re = Load(last.re + x);
     const LANES last_im = Load(last.im + x);

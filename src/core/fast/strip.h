@@ -34,9 +34,7 @@ class STRIP {
         range_sums_({input, with_validity_ ? RowsOf(job.input_mask) : nullptr, job.input_width,
                      job.input_height},
                     length_, functions, pixel_functions),
-        azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {
-    std::fill_n(valid_, strip_columns, static_cast<unsigned char>(1));
-  }
+        azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {}
 
   /// The strip that begins at `first_column`, on the lines first_line to last_line.
   void Resample(int first_column, unsigned first_line, unsigned last_line) {
@@ -45,7 +43,7 @@ class STRIP {
     columns_.BeginStrip(first_column, column_count_);
     for (unsigned line = first_line; line <= last_line; ++line) {
       columns_.GoTo(line);
-      if (columns_.ComputedCount() == 0) {
+      if (columns_.Computed().IsEmpty()) {
         continue;
       }
       if (line < last_line) {
@@ -77,7 +75,7 @@ class STRIP {
   void StorePixels() {
     PIXEL* pixels = output_[columns_.Line()] + first_column_;
     bool is_encoded = false;
-    if (columns_.ComputedCount() == strip_columns) {
+    if (columns_.Computed() == COLUMN_SET::First(strip_columns)) {
       is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, pixels);
     } else {
       PIXEL encoded[strip_columns];
@@ -90,22 +88,23 @@ class STRIP {
   }
 
   void StoreMask() {
-    if (with_validity_) {
-      functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid_);
+    unsigned char valid[strip_columns];
+    if (with_validity_ && range_sums_.HaveInvalid()) {
+      functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid);
+    } else {
+      std::fill_n(valid, strip_columns, static_cast<unsigned char>(1));
     }
-    CopyComputed(valid_, output_mask_[columns_.Line()] + first_column_);
+    CopyComputed(valid, output_mask_[columns_.Line()] + first_column_);
   }
 
   template <class T>
   void CopyComputed(const T* values, T* row) const {
-    if (columns_.ComputedCount() == column_count_) {
+    if (columns_.Computed() == COLUMN_SET::First(column_count_)) {
       std::copy_n(values, column_count_, row);
       return;
     }
-    for (int x = 0; x < column_count_; ++x) {
-      if (columns_[x].is_computed) {
-        row[x] = values[x];
-      }
+    for (const int x : columns_.Computed()) {
+      row[x] = values[x];
     }
   }
 
@@ -113,10 +112,10 @@ class STRIP {
   /// which the order of operations matters.
   void EvaluateSingly(PIXEL* pixels) {
     const CONST_COMPLEX_ROW values = azimuth_sums_.Values();
-    for (int x = 0; x < column_count_; ++x) {
-      constexpr double limit = 0x1p30;
+    constexpr double limit = 0x1p30;
+    for (const int x : columns_.Computed()) {
       const bool is_usual = std::abs(values.re[x]) < limit && std::abs(values.im[x]) < limit;
-      if (columns_[x].is_computed && !is_usual) {
+      if (!is_usual) {
         const INTERPOLATED result =
             evaluation_.At(columns_.SlaveRange()[x], columns_.SlaveAzimuth()[x]);
         pixels[x] = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
@@ -137,5 +136,4 @@ class STRIP {
   AZIMUTH_SUMS azimuth_sums_;
   int first_column_ = 0;
   int column_count_ = 0;
-  alignas(64) unsigned char valid_[strip_columns];
 };
