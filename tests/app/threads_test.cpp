@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <set>
 #include <string>
 
 #include "base/error_exception.h"
@@ -14,8 +13,7 @@ namespace {
 
 struct COUNTING_ARG : THREAD_ARGUMENT {
   std::vector<std::atomic<int>>* visits = nullptr;
-  std::set<std::thread::id>* threads = nullptr;
-  std::mutex* mutex = nullptr;
+  std::vector<std::thread::id>* threads = nullptr;  ///< by line
 };
 
 using POOL = THREADS<COUNTING_ARG, unsigned int>;
@@ -23,58 +21,36 @@ using POOL = THREADS<COUNTING_ARG, unsigned int>;
 void CountLines(COUNTING_ARG& argument) {
   for (unsigned line = argument.block.First(); line <= argument.block.Last(); ++line) {
     ++(*argument.visits)[line];
+    (*argument.threads)[line] = std::this_thread::get_id();
   }
-  const std::lock_guard lock(*argument.mutex);
-  argument.threads->insert(std::this_thread::get_id());
 }
 
-class ThreadsTest : public testing::Test {
- protected:
-  void Run(unsigned lines, int processors, bool force_threads = false) {
-    visits_ = std::vector<std::atomic<int>>(lines);
+TEST(ThreadsTest, RunEveryLineOnceAndOnTheCallingThreadOnlyForOneProcessor) {
+  const struct {
+    unsigned lines;
+    int processors;
+    bool force_threads;
+    bool on_calling_thread;
+  } cases[] = {{10, 3, false, false},
+               {10, 64, false, false},
+               {1, 4, false, false},
+               {10, 1, true, false},
+               {10, 1, false, true}};
+  for (const auto& run : cases) {
+    std::vector<std::atomic<int>> visits(run.lines);
+    std::vector<std::thread::id> threads(run.lines);
     COUNTING_ARG record;
-    record.visits = &visits_;
-    record.threads = &threads_;
-    record.mutex = &mutex_;
-    POOL pool(force_threads);
-    pool.Setup(record, {0, lines}, CountLines, processors);
+    record.visits = &visits;
+    record.threads = &threads;
+    POOL pool(run.force_threads);
+    pool.Setup(record, {0, run.lines}, CountLines, run.processors);
     pool.Run();
     pool.Join();
-  }
-
-  void ExpectEachLineOnce() const {
-    for (const std::atomic<int>& visits : visits_) {
-      ASSERT_EQ(visits, 1);
+    for (unsigned line = 0; line < run.lines; ++line) {
+      EXPECT_EQ(visits[line], 1) << run.processors;
+      EXPECT_EQ(threads[line] == std::this_thread::get_id(), run.on_calling_thread) << line;
     }
   }
-
-  std::vector<std::atomic<int>> visits_;
-  std::set<std::thread::id> threads_;
-  std::mutex mutex_;
-};
-
-TEST_F(ThreadsTest, RunsEveryLineOnceForAnyNumberOfWorkers) {
-  for (const int processors : {2, 3, 7, 64}) {
-    Run(10, processors);
-    ExpectEachLineOnce();
-  }
-  EXPECT_FALSE(threads_.contains(std::this_thread::get_id()));
-}
-
-TEST_F(ThreadsTest, RunsASingleRecordOnTheCallingThreadUnlessThreadsAreForced) {
-  Run(10, 1);
-  ExpectEachLineOnce();
-  EXPECT_EQ(threads_, std::set{std::this_thread::get_id()});
-
-  threads_.clear();
-  Run(10, 1, true);
-  ExpectEachLineOnce();
-  EXPECT_FALSE(threads_.contains(std::this_thread::get_id()));
-}
-
-TEST_F(ThreadsTest, CreatesAThreadForOneLineOnSeveralProcessors) {
-  Run(1, 4);
-  EXPECT_FALSE(threads_.contains(std::this_thread::get_id()));
 }
 
 void FailInBlockTwo(COUNTING_ARG& argument) {
@@ -83,37 +59,20 @@ void FailInBlockTwo(COUNTING_ARG& argument) {
   }
 }
 
-TEST(ThreadsFailureTest, TurnsAWorkersErrorIntoATextAtTheJoin) {
+TEST(ThreadsTest, WorkersErrorIsATextAtTheJoinAndQuietWhileAnotherIsInFlight) {
   const LOG_CAPTURE log;
-  POOL pool;
-  pool.Setup(COUNTING_ARG(), {0, 8}, FailInBlockTwo, 4);
-  pool.Run();
-  try {
-    pool.Join();
-    FAIL() << "the failed worker was not reported";
-  } catch (const char* text) {
-    EXPECT_STREQ(text, "error in thread execution");
-  }
-  EXPECT_TRUE(log.Has("ALARM : data error")) << log.Text();
-}
-
-TEST(ThreadsFailureTest, ASingleRecordsErrorPassesThrough) {
-  POOL pool;
-  pool.Setup(
-      COUNTING_ARG(), {0, 8}, [](COUNTING_ARG&) { throw ERROR_DATA(); }, 1);
-  EXPECT_THROW(pool.Run(), ERROR_DATA);
-}
-
-TEST(ThreadsFailureTest, DestructionJoinsQuietlyWhileAnotherErrorIsInFlight) {
-  const LOG_CAPTURE log;
-  const auto fail_before_join = [] {
+  const auto fail = [](bool before_join) {
     POOL pool;
     pool.Setup(COUNTING_ARG(), {0, 8}, FailInBlockTwo, 4);
     pool.Run();
-    throw ERROR_IMAGE();
+    if (before_join) {
+      throw ERROR_IMAGE();
+    }
+    pool.Join();
   };
-  EXPECT_THROW(fail_before_join(), ERROR_IMAGE);
-  EXPECT_TRUE(log.Has("ALARM : data error")) << log.Text();
+  EXPECT_THROW(fail(false), const char*);
+  EXPECT_THROW(fail(true), ERROR_IMAGE);
+  EXPECT_EQ(log.Lines(), (std::vector<std::string>{"ALARM : data error", "ALARM : data error"}));
 }
 
 }  // namespace

@@ -21,21 +21,11 @@ BLOCKS Split(unsigned first, unsigned count, int wanted) {
   return result;
 }
 
-TEST(WorkRangesTest, SplitsIntoContiguousBlocksWithTheLongerOnesFirst) {
-  EXPECT_EQ(Split(0, 1000, 3), (BLOCKS{{0, 334}, {334, 333}, {667, 333}}));
+TEST(WorkRangesTest, BlocksAreContiguousAndNoneIsEmpty) {
   EXPECT_EQ(Split(5, 10, 4), (BLOCKS{{5, 3}, {8, 3}, {11, 2}, {13, 2}}));
-}
+  EXPECT_EQ(Split(0, 3, 8), (BLOCKS{{0, 1}, {1, 1}, {2, 1}})) << "no block is empty";
+  EXPECT_EQ(Split(0, 4294967295U, 2), (BLOCKS{{0, 2147483648U}, {2147483648U, 2147483647U}}));
 
-TEST(WorkRangesTest, GivesOneLineABlockWhenThereAreMoreBlocksThanLines) {
-  EXPECT_EQ(Split(0, 3, 8), (BLOCKS{{0, 1}, {1, 1}, {2, 1}}));
-}
-
-TEST(WorkRangesTest, CoversTheLargestRange) {
-  const BLOCKS blocks = Split(0, 4294967295U, 2);
-  EXPECT_EQ(blocks, (BLOCKS{{0, 2147483648U}, {2147483648U, 2147483647U}}));
-}
-
-TEST(WorkRangesTest, RefusesAnEmptyRangeAndNoBlocks) {
   const LOG_CAPTURE log;
   EXPECT_THROW(Split(0, 0, 2), ERROR_ARGUMENT);
   EXPECT_THROW(Split(0, 5, 0), ERROR_ARGUMENT);

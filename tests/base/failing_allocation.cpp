@@ -1,41 +1,33 @@
 #include "failing_allocation.h"
 
+#include <climits>
 #include <cstddef>
 #include <new>
 
 namespace {
 
-thread_local bool limited = false;
-thread_local int granted_allocations = 0;
+constexpr int unlimited = INT_MAX;
+thread_local int granted_allocations = unlimited;
 
 bool Granted() {
-  return !limited || granted_allocations-- > 0;
+  return granted_allocations == unlimited || granted_allocations-- > 0;
 }
 
 }  // namespace
 
 FAILING_ALLOCATION::FAILING_ALLOCATION(int granted) {
   granted_allocations = granted;
-  limited = true;
 }
 
 FAILING_ALLOCATION::~FAILING_ALLOCATION() {
-  limited = false;
+  granted_allocations = unlimited;
 }
 
 // The throwing forms are asked for the memory, so that any form of delete fits.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return Granted() ? ::operator new(size) : nullptr;
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return Granted() ? ::operator new(size) : nullptr;
 }
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return Granted() ? ::operator new[](size) : nullptr;
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return Granted() ? ::operator new[](size) : nullptr;
 }

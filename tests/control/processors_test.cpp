@@ -1,49 +1,30 @@
 #include "control/processors.h"
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
-#include "child_process.h"
-#include "logging/logging.h"
+#include "support/log_capture.h"
 
 namespace {
 
-class PROCESSORS : public CHILD_PROCESS_TEST {
- protected:
-  std::string CountWith(const std::string& parallel) {
-    Run([&] {
-      ::setenv("PARALLEL", parallel.c_str(), 1);
-      Log().Open("log");
-      WriteFile("count", std::to_string(NumberOfProcessors()));
-    });
-    return Content("count");
+TEST(PROCESSORS, AreTheOnlineOnesUnlessParallelIsAPositiveNumber) {
+  const int online = static_cast<int>(::sysconf(_SC_NPROCESSORS_ONLN));
+  ::unsetenv("PARALLEL");
+  EXPECT_EQ(NumberOfProcessors(), online);
+  const LOG_CAPTURE log;
+  ::setenv("PARALLEL", "99999999999999999999", 1);
+  EXPECT_EQ(NumberOfProcessors(), 2147483647);
+  EXPECT_EQ(log.Text(), "");
+  for (const std::string parallel : {"", "0", "-3", "many"}) {
+    ::setenv("PARALLEL", parallel.c_str(), 1);
+    EXPECT_EQ(NumberOfProcessors(), online) << parallel;
+    EXPECT_TRUE(log.Has("WARN  : PARALLEL is not a number of at least 1: \"" + parallel +
+                        "\", using the " + std::to_string(online) + " online processors"))
+        << log.Text();
   }
-  const std::string online_ = std::to_string(::sysconf(_SC_NPROCESSORS_ONLN));
-};
-
-TEST_F(PROCESSORS, ParallelSetsTheNumber) {
-  EXPECT_EQ(CountWith("1"), "1");
-  EXPECT_EQ(CountWith("17"), "17");
-  EXPECT_EQ(CountWith("99999999999999999999"), "2147483647");
-  EXPECT_EQ(Content("log"), "");
-}
-
-TEST_F(PROCESSORS, WithoutParallelTheOnlineProcessorsAreUsed) {
-  Run([] {
-    ::unsetenv("PARALLEL");
-    WriteFile("count", std::to_string(NumberOfProcessors()));
-  });
-  EXPECT_EQ(Content("count"), online_);
-}
-
-TEST_F(PROCESSORS, ParallelThatIsNoPositiveNumberIsReported) {
-  for (const char* parallel : {"", "0", "-3", "many"}) {
-    EXPECT_EQ(CountWith(parallel), online_) << parallel;
-    EXPECT_EQ(Content("log"),
-              std::string("WARN  : resample : PARALLEL is not a number of at least 1: \"") +
-                  parallel + "\", using the " + online_ + " online processors\n");
-  }
+  ::unsetenv("PARALLEL");
 }
 
 }  // namespace

@@ -10,14 +10,15 @@
 
 /// What to start, and where.
 struct PROCESS_SETTINGS {
-  std::string program;
+  std::string program;                 ///< when empty, `prepare` is all that the process does
   std::vector<std::string> arguments;  ///< without the program's own name
   /// The whole environment. Options of the sanitizers are passed on besides.
   std::map<std::string, std::string> environment;
   std::filesystem::path directory;  ///< current directory of the process
   std::string keyboard;             ///< content of standard input
   int screen = -1;                  ///< descriptor for standard output; -1: file "screen"
-  /// Called in the new process just before the program starts; false ends it with `not_started`.
+  /// Called in the new process, with the environment of this one, just before the program starts;
+  /// false ends it with `not_started`.
   std::function<bool()> prepare;
 };
 
@@ -29,7 +30,7 @@ struct PROCESS_END {
   std::string errors;    ///< standard error: nothing but reports of sanitizers
 };
 
-/// A running program, killed if its owner goes before it ends. Leaves the files "screen",
+/// A running process, killed if its owner goes before it ends. Leaves the files "screen",
 /// "errors" and "keyboard" in its directory.
 class PROCESS {
  public:

@@ -1,0 +1,62 @@
+#include <gtest/gtest.h>
+
+#include "logging/execution_time.h"
+#include "logging/logging_level.h"
+#include "logging/version_record.h"
+
+namespace {
+
+using enum LOGGING_LEVEL_T;
+
+TEST(LOGGING_LEVEL, HasTagHighlightAndExactName) {
+  const struct {
+    const char* name;
+    const char* tag;
+    const char* highlight;
+  } cases[] = {{"TRACE", "TRACE", ""},
+               {"DEBUG", "DEBUG", ""},
+               {"PARAMETER", "PARAM", ""},
+               {"INFO", "INFO ", ""},
+               {"QA_WARNING", "QA_WA", ""},
+               {"WARNING", "WARN ", "\033[4m"},
+               {"EXCEPTION", "EXCEP", "\033[1m"},
+               {"ALARM", "ALARM", "\033[7m"}};
+  int number = 1;
+  for (const auto& [name, tag, highlight] : cases) {
+    LOGGING_LEVEL_T level = NO_LEVEL;
+    EXPECT_TRUE(LevelFromName(name, level)) << name;
+    EXPECT_EQ(static_cast<int>(level), number++);
+    EXPECT_STREQ(LevelTag(level), tag);
+    EXPECT_STREQ(ScreenHighlight(level), highlight) << name;
+    EXPECT_STREQ(ScreenReset(level), *highlight == '\0' ? "" : "\033[0m") << name;
+  }
+  EXPECT_STREQ(LevelTag(NO_MESSAGE), "NOMSG");
+  EXPECT_STREQ(LevelTag(static_cast<LOGGING_LEVEL_T>(-1)), "LEV_?");
+  EXPECT_STREQ(LevelTag(static_cast<LOGGING_LEVEL_T>(10)), "LEV_?");
+  LOGGING_LEVEL_T level = PARAMETER;
+  for (const char* text : {"", "Info", "INFO ", "WARN", "4", "NO_LEVEL", "NO_MESSAGE", "ALARMS"}) {
+    EXPECT_FALSE(LevelFromName(text, level)) << text;
+  }
+  EXPECT_EQ(level, PARAMETER);
+}
+
+TEST(EXECUTION_TIME, NamesEveryPartThatIsNotZero) {
+  EXPECT_EQ(ExecutionTime(-1), " less than 1 second");
+  EXPECT_EQ(ExecutionTime(0), " less than 1 second");
+  EXPECT_EQ(ExecutionTime(3602), " 1 hour(s) 2 second(s)");
+  EXPECT_EQ(ExecutionTime(86399), " 23 hour(s) 59 minute(s) 59 second(s)");
+  EXPECT_EQ(ExecutionTime(40 * 86400 + 60), " 40 day(s) 1 minute(s)");
+}
+
+TEST(VERSION_RECORD, DateIsTakenFromTheRevisionKeywordAndTheVersionLineHasTheDayOnly) {
+  EXPECT_EQ(DateFromKeyword("$Date: 2020/02/06 13:09:23 $"), "2020-02-06T13:09:23");
+  for (const char* other : {"$Date: 2020/02/06 $", "$Date$", "2020/02/06 13:09:23", ""}) {
+    EXPECT_EQ(DateFromKeyword(other), other);
+  }
+  VERSION_RECORD record;
+  record.display_name = "Resample";
+  record.compile_date = "2020-02-06T13:09:23";
+  EXPECT_EQ(VersionLine(record), "Resample   2020-02-06 compiled by ");
+}
+
+}  // namespace
