@@ -53,6 +53,7 @@ TEST_F(POOL_MERGE, KeepsWhatFollowsADamagedEntry) {
   }
   ExpectReplaced("", "k INT_32_V 0 1\n{\n1\n}", "");
   ExpectReplaced("", "k INT_32 1\n", "{\n1\n}\n");
+  ExpectReplaced("", "k INT_32 1\n", std::string(1100, ' ') + "long\n");
   ExpectReplaced("", "k INT_32 1\n", " indented\n# comment\n");
 }
 
