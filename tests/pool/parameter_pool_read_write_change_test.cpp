@@ -35,15 +35,29 @@ class POOL_WRITE : public POOL_TEST {
   }
 };
 
-/// Calls `visit(key, sample)` for every sample of every type.
+/// Calls `visit(key, sample)` for samples of every type.
 template <class VISIT>
 void ForEachSample(VISIT visit) {
-  ForEachPoolType([&]<class T>() {
+  ForEachSingleType([&]<class T>() {
     int number = 0;
-    for (const T& sample : SAMPLES<T>::Make()) {
-      const std::string key =
-          std::string(PoolTypeWord(pool_type_of<T>)) + "_" + std::to_string(number++);
-      visit(STRING(key.c_str()), sample);
+    const auto visit_next = [&](const auto& sample) {
+      visit(STRING((PoolTypeWord(pool_type_of<T>) + std::to_string(number++)).c_str()), sample);
+    };
+    std::vector<T> samples = SAMPLES<T>::Make();
+    for (const T& sample : samples) {
+      visit_next(sample);
+    }
+    visit_next(ARRAY<T>());
+    visit_next(VectorOf(samples));
+    if constexpr (has_matrices<T>) {
+      const int width = static_cast<int>(samples.size());
+      samples.insert(samples.end(), samples.rbegin(), samples.rend());
+      visit_next(MatrixOf(3, 7, width, samples));
+      visit_next(MatrixOf<T>(3, 7, width, {}));
+      MATRIX<T> without_columns;
+      visit_next(without_columns);
+      without_columns.Create(RANGE<int>(1, 3), RANGE<int>(2, 0));
+      visit_next(without_columns);
     }
   });
 }
@@ -76,29 +90,21 @@ TEST_F(POOL_WRITE, Layout) {
             "key                             STR             \"a \\\"b\\\" \\\\\"\n\n");
   EXPECT_EQ(Written("key_of_32_characters____________", POINT<int>(1, -2)),
             "key_of_32_characters____________ INT_32_INT_32   1 -2\n\n");
-  EXPECT_EQ(Written("key", Vector<short>({7, 8}), {"first", "second\nthird"}),
+  VECTOR<short> vector;
+  vector.Create(RANGE<int>(2, 1));
+  vector.Origin()[2] = 7;
+  EXPECT_EQ(Written("key", vector, {"first", "second\nthird"}),
             "#first\n#second\n#third\n"
-            "key                             INT_16_V        0 2\n  {\n    7\n    8\n  }\n\n");
-  EXPECT_EQ(Written("key", Matrix<char>(1, 2, {{3}, {4}})),
+            "key                             INT_16_V        2 1\n  {\n    7\n  }\n\n");
+  EXPECT_EQ(Written("key", MatrixOf<char>(1, 2, 1, {3, 4})),
             "key                             INT_8_M         1 2 2 1\n"
             "  {\n    {\n      3\n    }\n    {\n      4\n    }\n  }\n\n");
-}
-
-TEST_F(POOL_WRITE, VectorsKeepTheirIndices) {
-  VECTOR<int> vector;
-  vector.Create(RANGE<int>(2, 1));
-  vector.Origin()[2] = 5;
-  EXPECT_EQ(Written("key", vector),
-            "key                             INT_32_V        2 1\n  {\n    5\n  }\n\n");
-  ARRAY<int> value;
-  PARAMETER_POOL(Path()).Read("key", value);
-  EXPECT_TRUE(Same(value, Vector({0, 0, 5})));
 }
 
 TEST_F(POOL_WRITE, RefusesWhatWouldNotReadBack) {
   const std::string long_text(1024 - 48 - 2 + 1, 'x');
   ExpectRefusal<INVALID_PARAMETER_VALUE>("key", STRING("two\nlines"));
-  ExpectRefusal<INVALID_PARAMETER_VALUE>("key", Vector<STRING>({"one\r"}));
+  ExpectRefusal<INVALID_PARAMETER_VALUE>("key", VectorOf<STRING>({"one\r"}));
   ExpectRefusal<INVALID_PARAMETER_VALUE>("key", STRING(long_text.c_str()));
   ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", -HUGE_VAL);
   ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", HUGE_VALF);
@@ -132,16 +138,18 @@ TEST_F(POOL_WRITE, AKeyOnceAndChangesOfKnownKeysOnly) {
   EXPECT_EQ(real, 3.0);
   pool.Read("in_file", number);
   EXPECT_EQ(number, 4);
-  EXPECT_FALSE(pool.Exists("unknown"));
 }
 
 TEST_F(POOL_WRITE, EnumerationsByName) {
   const BASIC::TYPES::DataType type(3);
   PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
   pool.WriteEnumeration("type", type);
+  pool.Write("bad", STRING("none"));
   pool.Update();
   BASIC::TYPES::DataType read;
   pool.ReadEnumeration("type", read);
+  EXPECT_EQ(read, type);
+  EXPECT_THROW(pool.ReadEnumeration("bad", read), BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE);
   EXPECT_EQ(read, type);
 }
 
@@ -154,12 +162,10 @@ TEST_F(POOL_WRITE, OpensForUpdateOnlyWhatIsThere) {
   }
 }
 
-TEST_F(POOL_WRITE, DestructorUpdates) {
+TEST_F(POOL_WRITE, DestructorUpdatesAndReportsFailureUnlessAnotherIsOnItsWay) {
   { PARAMETER_POOL_READ_WRITE_CHANGE(Path()).Write("key", 1); }
   EXPECT_TRUE(PARAMETER_POOL(Path()).Exists("key"));
-}
 
-TEST_F(POOL_WRITE, DestructorReportsFailureUnlessAnotherIsOnItsWay) {
   const auto fail_to_update = [&] {
     PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
     pool.Write("key", 1);
@@ -176,16 +182,10 @@ TEST_F(POOL_WRITE, DestructorReportsFailureUnlessAnotherIsOnItsWay) {
   };
   EXPECT_THROW(fail_while_unwinding(), ERROR_DATA);
 
-  SetPool("");
-  try {
-    throw ERROR_DATA();
-  } catch (const ERROR_DATA&) {
-    EXPECT_NO_THROW(fail_to_update()) << "while another exception is handled";
-  }
   const std::string alarm = std::string("ALARM : no permission to change pool file: ") + Path() +
                             ": No such file or directory";
   const std::vector<std::string> lines = log_.Lines();
-  EXPECT_EQ(std::count(lines.begin(), lines.end(), alarm), 3);
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), alarm), 2);
 }
 
 TEST_F(POOL_WRITE, AFailedUpdateIsNotTriedAgain) {

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -7,7 +6,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 
 #include "pool/file_faults.h"
 #include "pool/parameter_pool_read_write_change.h"
@@ -140,18 +138,6 @@ TEST_F(POOL_UPDATE, TakesUpInterruptedCalls) {
   }
 }
 
-TEST_F(POOL_UPDATE, LeavesThePoolAloneWhenFilesMayNotGrow) {
-  const int status = Wait(Start([&] {
-    ::signal(SIGXFSZ, SIG_IGN);
-    Log().Open("/dev/null");
-    const rlimit limit = {merged.size() - 1, merged.size() - 1};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    Update();
-  }));
-  EXPECT_EQ(WEXITSTATUS(status), 1);
-  EXPECT_EQ(PoolText(), original);
-}
-
 TEST_F(POOL_UPDATE, NamesTheIncompleteTemporaryFile) {
   PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
   WriteEntries(pool);
@@ -166,13 +152,6 @@ TEST_F(POOL_UPDATE, NamesTheIncompleteTemporaryFile) {
       "ALARM : the original parameter pool is NOT CHANGED !!"};
   const std::vector<std::string> lines = log_.Lines();
   EXPECT_EQ(std::vector<std::string>(lines.end() - 3, lines.end()), expected);
-}
-
-TEST_F(POOL_UPDATE, FailsWhenTheDirectoryHasVanished) {
-  PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
-  WriteEntries(pool);
-  std::filesystem::remove_all(Directory());
-  EXPECT_THROW(pool.Update(), NO_UPDATE_PERMISSION_FOR_POOL);
 }
 
 TEST_F(POOL_UPDATE, KeepsTheFileItself) {
@@ -198,32 +177,6 @@ TEST_F(POOL_UPDATE, WritesNothingWithoutEntries) {
   const FILE_FAULTS faults(any_call, 0, EIO);
   PARAMETER_POOL_READ_WRITE_CHANGE(Path()).Update();
   EXPECT_EQ(PoolText(), original);
-}
-
-TEST_F(POOL_UPDATE, WorksInTheCurrentDirectory) {
-  const int status = Wait(Start([&] {
-    std::filesystem::current_path(Directory());
-    PARAMETER_POOL_READ_WRITE_CHANGE pool("pool.txt");
-    WriteEntries(pool);
-    pool.Update();
-  }));
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(PoolText(), merged);
-  EXPECT_TRUE(OtherFiles().empty());
-}
-
-TEST_F(POOL_UPDATE, MergesIntoWhatOthersHaveWritten) {
-  PARAMETER_POOL_READ_WRITE_CHANGE early(Path());
-  PARAMETER_POOL_READ_WRITE_CHANGE late((Directory() / "." / "pool.txt").c_str());
-  early.Write("early", 1);
-  late.Write("late", 2);
-  early.Update();
-  late.Update();
-  early.Write("early_again", 3);
-  early.Update();
-  for (const char* key : {"early", "late", "early_again", "last"}) {
-    EXPECT_TRUE(late.Exists(key)) << key;
-  }
 }
 
 TEST_F(POOL_UPDATE, GoesIntoTheFileThatHasTakenThePlaceOfThePool) {

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <initializer_list>
 #include <limits>
 #include <random>
 #include <string>
@@ -16,20 +14,18 @@
 
 // Sample values of every type that a pool can hold, and what it takes to compare them.
 
-/// Calls `visit.template operator()<T>()` for each of the 47 types.
+template <class T>
+inline constexpr bool has_matrices = pool_type_of<MATRIX<T>> != PoolValueType::UNKNOWN;
+
+/// Calls `visit.template operator()<T>()` for each of the 19 types of single values. There are
+/// vectors of all of them, and matrices of those that `has_matrices`: 47 types.
 template <class VISIT>
-void ForEachPoolType(VISIT visit) {
-  const auto visit_with_vectors = [&]<class... T>() {
-    (visit.template operator()<T>(), ...);
-    (visit.template operator()<ARRAY<T>>(), ...);
-  };
-  const auto visit_matrices = [&]<class... T>() { (visit.template operator()<MATRIX<T>>(), ...); };
-  visit_with_vectors.template operator()<
-      bool, unsigned char, char, short, int, long long, float, double, STRING, COMPLEX<float>,
-      COMPLEX<double>, POINT<int>, POINT<long long>, POINT<float>, POINT<double>, INDEX<int, int>,
-      INDEX<int, float>, INDEX<int, double>, TUPLE<STRING>>();
-  visit_matrices.template operator()<unsigned char, char, short, int, float, double, COMPLEX<float>,
-                                     COMPLEX<double>, STRING>();
+void ForEachSingleType(VISIT visit) {
+  const auto visit_all = [&]<class... T>() { (visit.template operator()<T>(), ...); };
+  visit_all.template operator()<bool, unsigned char, char, short, int, long long, float, double,
+                                STRING, COMPLEX<float>, COMPLEX<double>, POINT<int>,
+                                POINT<long long>, POINT<float>, POINT<double>, INDEX<int, int>,
+                                INDEX<int, float>, INDEX<int, double>, TUPLE<STRING>>();
 }
 
 /// Equal to the last bit; of NaNs only the sign counts.
@@ -83,36 +79,23 @@ struct SAMPLES {
     using LIMITS = std::numeric_limits<T>;
     std::vector<T> values = {T(0), T(1), T(100), LIMITS::lowest(), LIMITS::max()};
     if constexpr (std::is_floating_point_v<T>) {
-      const T one_third = T(1) / T(3);
-      const T more[] = {-T(0),
-                        T(0.1),
-                        one_third,
-                        LIMITS::min(),
-                        LIMITS::epsilon(),
-                        -LIMITS::denorm_min(),
-                        LIMITS::quiet_NaN(),
-                        -LIMITS::quiet_NaN()};
-      values.insert(values.end(), std::begin(more), std::end(more));
-      AddAnyBits(values);
+      values.insert(values.end(),
+                    {-T(0), T(0.1), T(1) / T(3), LIMITS::min(), LIMITS::epsilon(),
+                     -LIMITS::denorm_min(), LIMITS::quiet_NaN(), -LIMITS::quiet_NaN()});
+      using BITS = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+      std::mt19937_64 random(1);
+      for (int i = 0; i < 50; ++i) {
+        const T value = std::bit_cast<T>(static_cast<BITS>(random()));
+        values.push_back(std::isfinite(value) ? value : T(i));
+      }
     }
     return values;
-  }
-
- private:
-  /// Finite numbers of evenly spread bit patterns.
-  static void AddAnyBits(std::vector<T>& values) {
-    using BITS = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
-    std::mt19937_64 random(1);
-    for (int i = 0; i < 50; ++i) {
-      const T value = std::bit_cast<T>(static_cast<BITS>(random()));
-      values.push_back(std::isfinite(value) ? value : T(i));
-    }
   }
 };
 
 template <>
 struct SAMPLES<bool> {
-  static std::array<bool, 2> Make() { return {true, false}; }
+  static std::vector<bool> Make() { return {true, false}; }
 };
 
 template <>
@@ -132,7 +115,6 @@ struct SAMPLES<STRING> {
             "{",
             "}",
             "key INT_32 5",
-            "1.5E3",
             "\xC3\xA4\xFF",
             longest_on_key_line.c_str()};
   }
@@ -166,57 +148,24 @@ struct SAMPLES<TUPLE<STRING>> {
   }
 };
 
-/// The empty vector and one of all samples.
+/// A vector of these elements from index 0 on.
 template <class T>
-struct SAMPLES<ARRAY<T>> {
-  static std::vector<ARRAY<T>> Make() {
-    const auto elements = SAMPLES<T>::Make();
-    std::vector<ARRAY<T>> vectors(2);
-    vectors[1].Create(RANGE<int>(0, static_cast<int>(elements.size())));
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-      vectors[1].Origin()[i] = elements[i];
-    }
-    return vectors;
-  }
-};
-
-/// Matrices without anything, without columns and without rows, and one of all samples in two
-/// rows with indices that do not begin at 0.
-template <class T>
-struct SAMPLES<MATRIX<T>> {
-  static std::vector<MATRIX<T>> Make() {
-    const auto elements = SAMPLES<T>::Make();
-    const int width = static_cast<int>(elements.size());
-    std::vector<MATRIX<T>> matrices(4);
-    matrices[1].Create(RANGE<int>(1, 3), RANGE<int>(2, 0));
-    matrices[2].Create(RANGE<int>(0, 0), RANGE<int>(2, 3));
-    matrices[3].Create(RANGE<int>(3, 2), RANGE<int>(7, width));
-    T* const* const table = matrices[3].GetNumRecMatrix();
-    for (int i = 0; i < width; ++i) {
-      table[3][7 + i] = elements[static_cast<std::size_t>(i)];
-      table[4][7 + i] = elements[static_cast<std::size_t>(width - 1 - i)];
-    }
-    return matrices;
-  }
-};
-
-/// A vector of these elements from index 0 on, and a matrix of these rows.
-template <class T>
-ARRAY<T> Vector(std::initializer_list<T> elements) {
+ARRAY<T> VectorOf(const std::vector<T>& elements) {
   ARRAY<T> vector;
   vector.Create(RANGE<int>(0, static_cast<int>(elements.size())));
   std::copy(elements.begin(), elements.end(), vector.Origin());
   return vector;
 }
+
+/// A matrix of these elements, row by row, with these first indices.
 template <class T>
-MATRIX<T> Matrix(int first_row, int first_column,
-                 std::initializer_list<std::initializer_list<T>> rows) {
+MATRIX<T> MatrixOf(int first_row, int first_column, int width, const std::vector<T>& elements) {
   MATRIX<T> matrix;
-  matrix.Create(RANGE<int>(first_row, static_cast<int>(rows.size())),
-                RANGE<int>(first_column, static_cast<int>(rows.begin()->size())));
-  T* const* const table = matrix.GetNumRecMatrix();
-  for (const std::initializer_list<T>& row : rows) {
-    std::copy(row.begin(), row.end(), table[first_row++] + first_column);
+  const int height = static_cast<int>(elements.size()) / width;
+  matrix.Create(RANGE<int>(first_row, height), RANGE<int>(first_column, width));
+  T* const* const rows = matrix.GetNumRecMatrix();
+  for (int row = 0; row < height; ++row) {
+    std::copy_n(elements.begin() + row * width, width, rows[first_row + row] + first_column);
   }
   return matrix;
 }
