@@ -52,9 +52,8 @@ void COLUMN_TRACKER::GoTo(unsigned line) {
   new_azimuth_weights_ = COLUMN_SET();
   arrangement_changed_ = false;
   positions_->Fill(line, rg_, az_);
-  const std::uint64_t unsteady =
-      functions_.find_unsteady({rg_first_, rg_end_, line_shift_, fa_first_, fa_end_},
-                               azimuth_limits_, line, rg_, az_, fa_);
+  const std::uint64_t unsteady = functions_.find_unsteady(
+      {rg_first_, rg_end_, line_shift_, fa_first_, fa_end_}, azimuth_limits_, line, rg_, az_, fa_);
   for (const int x : COLUMN_SET(unsteady).And(existing_)) {
     if (Fits(x)) {
       LookAtColumn(x);
@@ -81,8 +80,8 @@ void COLUMN_TRACKER::LookAtColumn(int x) {
   if (column.azimuth_weights != azimuth.weights) {
     new_azimuth_weights_.Add(x);
   }
-  const bool reads_elsewhere = !computed_.Holds(x) || column.sample != range.pixel ||
-                               column.line_shift != line_shift;
+  const bool reads_elsewhere =
+      !computed_.Holds(x) || column.sample != range.pixel || column.line_shift != line_shift;
   const bool has_moved = reads_elsewhere || column.range_weights != range.weights;
   if (has_moved) {
     moved_.Add(x);

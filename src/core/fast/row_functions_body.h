@@ -39,10 +39,10 @@ std::uint64_t FindUnsteady(const COLUMN_INTERVALS& in, const AZIMUTH_LIMITS& lim
     const LANES azimuth = Load(az + x);
     const LANES fraction = azimuth - (line + Load(in.line_shift + x));
     Store(fraction, fa + x);
-    const LANE_FLAGS flags =
-        (range >= Load(in.rg_first + x)) & (range < Load(in.rg_end + x)) &
-        (fraction >= Load(in.fa_first + x)) & (fraction < Load(in.fa_end + x)) &
-        (azimuth > limits.above) & (azimuth < limits.below);
+    const LANE_FLAGS flags = (range >= Load(in.rg_first + x)) & (range < Load(in.rg_end + x)) &
+                             (fraction >= Load(in.fa_first + x)) &
+                             (fraction < Load(in.fa_end + x)) & (azimuth > limits.above) &
+                             (azimuth < limits.below);
     steady |= std::uint64_t{MaskOf(flags)} << x;
   }
   return ~steady;
