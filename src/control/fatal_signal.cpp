@@ -1,7 +1,6 @@
 #include "control/fatal_signal.h"
 
 #include <poll.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include <atomic>
 #include <charconv>
 #include <climits>
+#include <csignal>
 #include <cstddef>
 #include <string_view>
 

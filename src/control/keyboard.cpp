@@ -1,11 +1,11 @@
 #include "control/keyboard.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 #include <optional>
 #include <string_view>

@@ -409,7 +409,7 @@ TEST(Failure, NoneForASlaveWithoutPixels) {
   WriteRaster(folder.Path("slave.ras"), GRID<RAW_PIXEL>(0, 0), RASTER_COMPLEX_INT_16);
   folder.parameters.erase("MaskIn");
   ExpectSuccess(folder, folder.Run());
-  const std::vector<std::uint8_t> nothing(70 * 60, 0);
+  const std::vector<std::uint8_t> nothing(std::size_t{70} * 60, 0);
   EXPECT_EQ(folder.Mask().values, nothing);
 }
 

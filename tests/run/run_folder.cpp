@@ -36,7 +36,7 @@ RUN_FOLDER::RUN_FOLDER(const SCENE& scene)
 PROCESS_SETTINGS RUN_FOLDER::Settings() const {
   std::string configuration;
   for (const auto& [name, value] : parameters) {
-    configuration += name + " " + value + "\n";
+    configuration.append(name).append(" ").append(value).append("\n");
   }
   Write("pcf.run", configuration);
   PROCESS_SETTINGS settings;

@@ -53,7 +53,7 @@ void POOL_TEXT::SetRealMatrix(const std::string& key, const GRID<double>& values
   std::string entry = "FLT_15_M 0 " + std::to_string(values.height) + " 0 " +
                       std::to_string(values.width) + "\n{\n";
   for (int line = 0; line < values.height; ++line) {
-    const auto first = values.values.begin() + line * values.width;
+    const auto first = values.values.begin() + std::ptrdiff_t{line} * values.width;
     entry += Block({first, first + values.width}) + "\n";
   }
   Set(key, entry + "}");
@@ -66,7 +66,7 @@ void POOL_TEXT::Remove(std::string_view key) {
 std::string POOL_TEXT::Text() const {
   std::string text = "# written by a test\n\n";
   for (const auto& [key, entry] : entries_) {
-    text += key + "  " + entry + "\n\n";
+    text.append(key).append("  ").append(entry).append("\n\n");
   }
   return text;
 }

@@ -1,5 +1,6 @@
 #include "support/reference_model.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <sstream>
@@ -166,11 +167,13 @@ class KERNEL {
   /// The taps' weights: the table's row of a fraction of a pixel.
   std::vector<double> Weights(double fraction) const {
     const int n = scene_.subpix_positions;
-    int row = static_cast<int>(fraction * n + 0.5);
+    int row = static_cast<int>(fraction * n + 0.5);  // NOLINT(bugprone-incorrect-roundings)
     row = row == n ? 0 : row;
+    const int offset = length_ / 2 - 1;
     std::vector<double> weights;
+    weights.reserve(static_cast<std::size_t>(std::max(length_, 0)));
     for (int i = 0; i < length_; ++i) {
-      weights.push_back(Value((i - (length_ / 2 - 1)) - row / static_cast<double>(n)));
+      weights.push_back(Value((i - offset) - row / static_cast<double>(n)));
     }
     return weights;
   }
@@ -218,6 +221,7 @@ double Centroid(const DOPPLER_DATA& doppler, double azimuth_time, double range_t
   double frequency = 0.0;
   for (int degree = doppler.coefficients.width - 1; degree >= 0; --degree) {
     std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(doppler.coefficients.height));
     for (int i = 0; i < doppler.coefficients.height; ++i) {
       values.push_back(doppler.coefficients.At(degree, i));
     }
@@ -249,11 +253,11 @@ PHASE_TERMS PhaseTerms(const SCENE& scene, int sample, int line) {
 // ---------------------------------------------------------------------- core
 
 bool IsComputed(double position, int size, int length) {
-  const double half = length / 2;
+  const int half = length / 2;
   if (!(half < position && position < size - half)) {
     return false;
   }
-  const long long last_tap = static_cast<long long>(position) - (length / 2 - 1) + length - 1;
+  const long long last_tap = static_cast<long long>(position) - (half - 1) + length - 1;
   return last_tap < size;
 }
 
