@@ -1,12 +1,7 @@
 #include "run_folder.h"
 
-#include <regex.h>
-
 #include <algorithm>
 #include <sstream>
-#include <stdexcept>
-
-#include "support/raster_file.h"
 
 namespace {
 
@@ -14,8 +9,9 @@ namespace {
 /// of a thread that a signal reaches before its first function.
 std::string SanitizerReports(const std::string& errors) {
   std::string reports;
+  std::istringstream lines(errors);
   bool about_stack = false;
-  for (const std::string& line : LinesOf(errors)) {
+  for (std::string line; std::getline(lines, line);) {
     about_stack =
         about_stack || line.find("ignoring requested __asan_handle_no_return") != std::string::npos;
     reports += about_stack ? "" : line + "\n";
@@ -24,14 +20,16 @@ std::string SanitizerReports(const std::string& errors) {
   return reports;
 }
 
-}  // namespace
-
-RUN_FOLDER::RUN_FOLDER(const SCENE& scene)
-    : parameters(SceneParameters(scene)),
-      image_type_(scene.code == PIXEL_CODE::INT_16 ? RASTER_COMPLEX_INT_16
-                                                   : RASTER_COMPLEX_BINARY_16) {
-  WriteSceneFiles(scene, directory_.Path());
+void ExpectEnd(const RUN_FOLDER& folder, const PROCESS_END& end, int status) {
+  const std::string marker = status == 0 ? "OK.run" : "ERROR.run";
+  EXPECT_EQ(end.exit_status, status) << end.screen;
+  EXPECT_EQ(end.signal, 0);
+  EXPECT_EQ(SanitizerReports(end.errors), "");
+  EXPECT_FALSE(folder.Exists(status == 0 ? "ERROR.run" : "OK.run"));
+  EXPECT_EQ(folder.Exists(marker) ? folder.Content(marker) : "no file", std::to_string(status));
 }
+
+}  // namespace
 
 PROCESS_SETTINGS RUN_FOLDER::Settings() const {
   std::string configuration;
@@ -48,8 +46,15 @@ PROCESS_SETTINGS RUN_FOLDER::Settings() const {
   return settings;
 }
 
-std::vector<std::string> RUN_FOLDER::LogLines() const {
-  return LinesOf(Content("log.run"));
+std::vector<std::string> RUN_FOLDER::LogLines(std::string_view begin) const {
+  std::vector<std::string> lines;
+  std::istringstream log(Content("log.run"));
+  for (std::string line; std::getline(log, line);) {
+    if (line.starts_with(begin)) {
+      lines.push_back(line.substr(begin.size()));
+    }
+  }
+  return lines;
 }
 
 long RUN_FOLDER::CountLogLines(std::string_view line) const {
@@ -57,45 +62,10 @@ long RUN_FOLDER::CountLogLines(std::string_view line) const {
   return std::count(lines.begin(), lines.end(), line);
 }
 
-GRID<RAW_PIXEL> RUN_FOLDER::Image() const {
-  return ReadRaster<RAW_PIXEL>(Path("out.ras"), image_type_);
-}
-
-GRID<std::uint8_t> RUN_FOLDER::Mask() const {
-  return ReadRaster<std::uint8_t>(Path("out_mask.ras"), RASTER_BYTE);
-}
-
-std::vector<std::string> LinesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) {
-    lines.push_back(line);
-  }
-  return lines;
-}
-
-bool Matches(const std::string& text, const std::string& expression) {
-  regex_t compiled;
-  if (::regcomp(&compiled, ("^(" + expression + ")$").c_str(), REG_EXTENDED | REG_NOSUB) != 0) {
-    throw std::runtime_error("wrong expression: " + expression);
-  }
-  const bool matches = ::regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
-  ::regfree(&compiled);
-  return matches;
-}
-
 void ExpectSuccess(const RUN_FOLDER& folder, const PROCESS_END& end) {
-  EXPECT_EQ(end.exit_status, 0) << end.screen;
-  EXPECT_EQ(end.signal, 0);
-  EXPECT_EQ(SanitizerReports(end.errors), "");
-  EXPECT_FALSE(folder.Exists("ERROR.run"));
-  EXPECT_EQ(folder.Exists("OK.run") ? folder.Content("OK.run") : "no file", "0");
+  ExpectEnd(folder, end, 0);
 }
 
 void ExpectFailure(const RUN_FOLDER& folder, const PROCESS_END& end) {
-  EXPECT_EQ(end.exit_status, 1) << end.screen;
-  EXPECT_EQ(end.signal, 0);
-  EXPECT_EQ(SanitizerReports(end.errors), "");
-  EXPECT_FALSE(folder.Exists("OK.run"));
-  EXPECT_EQ(folder.Exists("ERROR.run") ? folder.Content("ERROR.run") : "no file", "1");
+  ExpectEnd(folder, end, 1);
 }

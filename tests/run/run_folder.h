@@ -15,8 +15,12 @@
 /// run takes may be changed before it is started.
 class RUN_FOLDER {
  public:
-  explicit RUN_FOLDER(const SCENE& scene);
+  explicit RUN_FOLDER(const SCENE& scene) : parameters(WriteSceneFiles(scene, directory_.Path())) {}
 
+ private:
+  TEMPORARY_DIRECTORY directory_;
+
+ public:
   /// Written into the configuration file "pcf.run" when a run starts.
   std::map<std::string, std::string> parameters;
   std::vector<std::string> arguments = {"-pid", "run"};
@@ -34,17 +38,10 @@ class RUN_FOLDER {
     WriteFile(Path(name), content);
   }
 
-  std::vector<std::string> LogLines() const;
+  /// The lines of the log that begin with a text, without this text.
+  std::vector<std::string> LogLines(std::string_view begin = "") const;
   /// How many lines of the log equal this one.
   long CountLogLines(std::string_view line) const;
-
-  /// The output image and its mask; both throw std::runtime_error for malformed files.
-  GRID<RAW_PIXEL> Image() const;
-  GRID<std::uint8_t> Mask() const;
-
- private:
-  TEMPORARY_DIRECTORY directory_;
-  unsigned image_type_;
 };
 
 /// Sanitizers make runs slow; what is repeated many times is repeated less often with them.
@@ -53,12 +50,6 @@ inline constexpr int repetitions = 1;
 #else
 inline constexpr int repetitions = 4;
 #endif
-
-/// The lines of a text without their line feeds.
-std::vector<std::string> LinesOf(const std::string& text);
-
-/// Whether the whole text matches an extended regular expression.
-bool Matches(const std::string& text, const std::string& expression);
 
 /// Exit status, status files and silence of the sanitizers after a good and after a failed run.
 void ExpectSuccess(const RUN_FOLDER& folder, const PROCESS_END& end);

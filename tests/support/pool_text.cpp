@@ -1,18 +1,15 @@
 #include "support/pool_text.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <sstream>
 
-namespace {
-
-/// All bits of a double, as pools hold it.
 std::string RealText(double value) {
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%.17E", value);
   return text.data();
 }
+
+namespace {
 
 std::string Block(const std::vector<double>& values) {
   std::string block = "{\n";
@@ -20,10 +17,6 @@ std::string Block(const std::vector<double>& values) {
     block += "  " + RealText(value) + "\n";
   }
   return block + "}";
-}
-
-std::string WithoutIndentation(const std::string& line) {
-  return line.substr(std::min(line.find_first_not_of(" \t"), line.size()));
 }
 
 }  // namespace
@@ -69,30 +62,4 @@ std::string POOL_TEXT::Text() const {
     text.append(key).append("  ").append(entry).append("\n\n");
   }
   return text;
-}
-
-std::vector<std::string> PoolEntry(const std::string& text, const std::string& key) {
-  std::vector<std::string> entry;
-  std::istringstream lines(text);
-  int depth = 0;
-  for (std::string line; std::getline(lines, line);) {
-    std::istringstream words(line);
-    std::string word;
-    if (entry.empty()) {
-      if (words >> word && word == key && line.starts_with(key)) {
-        while (words >> word) {
-          entry.push_back(word);
-        }
-      }
-      continue;
-    }
-    const std::string item = WithoutIndentation(line);
-    depth += item == "{" ? 1 : 0;
-    if (depth == 0) {
-      return entry;
-    }
-    entry.push_back(item);
-    depth -= item == "}" ? 1 : 0;
-  }
-  return entry;
 }

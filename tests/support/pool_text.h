@@ -7,6 +7,9 @@
 
 #include "support/grid.h"
 
+/// All bits of a number, as pools hold it.
+std::string RealText(double value);
+
 /// The text of a parameter pool under construction, entry by entry.
 class POOL_TEXT {
  public:
@@ -25,7 +28,3 @@ class POOL_TEXT {
  private:
   std::vector<std::pair<std::string, std::string>> entries_;
 };
-
-/// The entry of a key in the text of a pool: the words after the key on its first line, then one
-/// item for every line of its block without the indentation. Empty when the key is missing.
-std::vector<std::string> PoolEntry(const std::string& text, const std::string& key);

@@ -1,28 +1,15 @@
 #include "support/raster_file.h"
 
-#include <stdexcept>
-
-std::string HeaderBytes(const RASTER_HEADER& header) {
+std::string RasterHeader(int width, int height, std::size_t bytes_a_pixel, unsigned type) {
+  const auto columns = static_cast<unsigned>(width);
+  const auto lines = static_cast<unsigned>(height);
+  const auto pixel = static_cast<unsigned>(bytes_a_pixel);
   std::string bytes;
-  for (const unsigned word : {header.magic, header.width, header.height, header.depth,
-                              header.length, header.type, header.map_type, header.map_length}) {
+  for (const unsigned word :
+       {0x59A66A95U, columns, lines, 8 * pixel, columns * lines * pixel, type, 0U, 0U}) {
     for (const unsigned shift : {24U, 16U, 8U, 0U}) {
       bytes += static_cast<char>((word >> shift) & 0xFFU);
     }
   }
   return bytes;
-}
-
-RASTER_HEADER ParseHeader(std::string_view bytes) {
-  if (bytes.size() < raster_header_size) {
-    throw std::runtime_error("shorter than a raster header");
-  }
-  const auto word = [&](std::size_t index) {
-    unsigned value = 0;
-    for (const char byte : bytes.substr(4 * index, 4)) {
-      value = value << 8 | static_cast<unsigned char>(byte);
-    }
-    return value;
-  };
-  return {word(0), word(1), word(2), word(3), word(4), word(5), word(6), word(7)};
 }

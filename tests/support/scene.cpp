@@ -2,12 +2,8 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <filesystem>
 #include <limits>
 #include <random>
-
-#include "support/raster_file.h"
 
 namespace {
 
@@ -64,13 +60,11 @@ std::uint16_t DrawComponent(DRAW& draw, PIXEL_CODE code, int kind) {
   }
 }
 
-void SprinkleNonFinitePixels(DRAW& draw, GRID<RAW_PIXEL>& slave) {
-  const int count = draw.Integer(1, 12);
-  for (int i = 0; i < count; ++i) {
-    RAW_PIXEL& pixel =
-        slave.At(draw.Integer(0, slave.width - 1), draw.Integer(0, slave.height - 1));
-    (draw.Chance(0.5) ? pixel.re : pixel.im) =
-        draw.Pick<std::uint16_t>({0x7C00, 0xFC00, 0x7C01, 0xFFFF});
+/// Changes a few elements at random places.
+template <class T, class CHANGE>
+void Sprinkle(DRAW& draw, GRID<T>& grid, int most, const CHANGE& change) {
+  for (int count = draw.Integer(1, most); count > 0; --count) {
+    change(grid.At(draw.Integer(0, grid.width - 1), draw.Integer(0, grid.height - 1)));
   }
 }
 
@@ -81,7 +75,10 @@ GRID<RAW_PIXEL> DrawSlave(DRAW& draw, PIXEL_CODE code) {
     pixel = {DrawComponent(draw, code, kind), DrawComponent(draw, code, kind)};
   }
   if (code == PIXEL_CODE::BINARY_16 && draw.Chance(0.3)) {
-    SprinkleNonFinitePixels(draw, slave);
+    Sprinkle(draw, slave, 12, [&](RAW_PIXEL& pixel) {
+      (draw.Chance(0.5) ? pixel.re : pixel.im) =
+          draw.Pick<std::uint16_t>({0x7C00, 0xFC00, 0x7C01, 0xFFFF});
+    });
   }
   return slave;
 }
@@ -113,14 +110,6 @@ GRID<float> DrawShifts(DRAW& draw, int columns, int lines, int column_step, int 
   return shifts;
 }
 
-void SprinkleExtremeShifts(DRAW& draw, GRID<float>& shifts) {
-  const int count = draw.Integer(1, 4);
-  for (int i = 0; i < count; ++i) {
-    shifts.At(draw.Integer(0, shifts.width - 1), draw.Integer(0, shifts.height - 1)) =
-        draw.Pick({not_a_number, infinite, -infinite, 3e38F, -3e38F, 4e9F, -1e5F});
-  }
-}
-
 MATRIX_MAPPING_DATA DrawMatrix(DRAW& draw, int n_samples, int n_lines) {
   MATRIX_MAPPING_DATA matrix;
   matrix.range_subsampling = draw.Integer(1, 16);
@@ -133,7 +122,9 @@ MATRIX_MAPPING_DATA DrawMatrix(DRAW& draw, int n_samples, int n_lines) {
     *shifts =
         DrawShifts(draw, columns, lines, matrix.range_subsampling, matrix.azimuth_subsampling);
     if (draw.Chance(0.15)) {
-      SprinkleExtremeShifts(draw, *shifts);
+      Sprinkle(draw, *shifts, 4, [&](float& shift) {
+        shift = draw.Pick({not_a_number, infinite, -infinite, 3e38F, -3e38F, 4e9F, -1e5F});
+      });
     }
   }
   return matrix;
@@ -193,24 +184,14 @@ DOPPLER_DATA DrawDoppler(DRAW& draw) {
   return doppler;
 }
 
+/// The rate is left out of stripmaps and where the parameter says so.
 void DrawImagingMode(DRAW& draw, SCENE& scene, bool with_rate) {
-  if (with_rate) {
-    scene.imaging_mode = draw.Pick({"SL", "TOPS", "SC", "IW", "HS300"});
-    if (draw.Chance(0.5)) {
-      scene.ps_mode = draw.Pick({0, 2, -1});
-    }
-  } else if (draw.Chance(0.5)) {
-    scene.imaging_mode = draw.Pick({"SM", "ATI", "ATIS"});
-  } else {
-    scene.imaging_mode = draw.Pick({"TOPS", "SM"});
-    scene.ps_mode = 1;
+  const bool by_parameter = draw.Chance(0.5);
+  if (by_parameter) {
+    scene.ps_mode = with_rate ? draw.Pick({0, 2, -1}) : 1;
   }
-}
-
-std::string NumberText(double value) {
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.17g", value);
-  return text.data();
+  scene.imaging_mode = with_rate || by_parameter ? draw.Pick({"SL", "TOPS", "SC", "IW", "HS300"})
+                                                 : draw.Pick({"SM", "ATI", "ATIS"});
 }
 
 }  // namespace
@@ -267,7 +248,9 @@ POOL_TEXT InsarPool(const SCENE& scene) {
   pool.SetInteger("n_lines", scene.n_lines);
   pool.SetReal("slave_first_rg_time", scene.doppler.first_range_time);
   pool.SetReal("slave_first_az_time", scene.doppler.first_azimuth_time);
-  pool.SetText("mapping_format", scene.IsMatrixMapping() ? "matrix" : "polynomial");
+  pool.SetText("mapping_format", std::holds_alternative<MATRIX_MAPPING_DATA>(scene.mapping)
+                                     ? "matrix"
+                                     : "polynomial");
   if (const auto* matrix = std::get_if<MATRIX_MAPPING_DATA>(&scene.mapping)) {
     if (matrix->range_subsampling == matrix->azimuth_subsampling) {
       pool.SetInteger("shift_matrices_subsampling", matrix->range_subsampling);
@@ -297,42 +280,34 @@ POOL_TEXT SlavePool(const SCENE& scene) {
   return pool;
 }
 
-void WriteSceneFiles(const SCENE& scene, const std::string& directory) {
-  const std::filesystem::path place(directory);
-  WriteRaster(place / "slave.ras", scene.slave,
-              scene.code == PIXEL_CODE::INT_16 ? RASTER_COMPLEX_INT_16 : RASTER_COMPLEX_BINARY_16);
-  if (scene.mask) {
-    WriteRaster(place / "mask.ras", *scene.mask, RASTER_BYTE);
-  }
-  if (const auto* matrix = std::get_if<MATRIX_MAPPING_DATA>(&scene.mapping)) {
-    WriteRaster(place / "rg.map", matrix->range, RASTER_FLOAT);
-    WriteRaster(place / "az.map", matrix->azimuth, RASTER_FLOAT);
-  }
-  WriteFile(place / "insar.pool", InsarPool(scene).Text());
-  WriteFile(place / "slave.pool", SlavePool(scene).Text());
-}
-
-std::map<std::string, std::string> SceneParameters(const SCENE& scene) {
+std::map<std::string, std::string> WriteSceneFiles(const SCENE& scene,
+                                                   const std::filesystem::path& directory) {
   std::map<std::string, std::string> parameters = {
       {"INSAR_PARAMETER_POOL", "insar.pool"},
       {"log_pp", "insar.pool"},
       {"SLAVE_PARAMETER_POOL", "slave.pool"},
       {"SlaveIn", "slave.ras"},
       {"KERNEL_TYPE", scene.kernel_type},
-      {"KERNEL_COEFFICIENT", NumberText(scene.kernel_coefficient)},
+      {"KERNEL_COEFFICIENT", RealText(scene.kernel_coefficient)},
       {"KERNEL_LENGTH", std::to_string(scene.kernel_length)},
       {"KERNEL_SUBPIX_POS", std::to_string(scene.subpix_positions)},
       {"SlaveOut", "out.ras"},
       {"MaskOut", "out_mask.ras"}};
+  WriteRaster(directory / "slave.ras", scene.slave, scene.RasterType());
   if (scene.mask) {
+    WriteRaster(directory / "mask.ras", *scene.mask, RASTER_BYTE);
     parameters["MaskIn"] = "mask.ras";
   }
-  if (scene.IsMatrixMapping()) {
+  if (const auto* matrix = std::get_if<MATRIX_MAPPING_DATA>(&scene.mapping)) {
+    WriteRaster(directory / "rg.map", matrix->range, RASTER_FLOAT);
+    WriteRaster(directory / "az.map", matrix->azimuth, RASTER_FLOAT);
     parameters["RG_MAPPING_FILE"] = "rg.map";
     parameters["AZ_MAPPING_FILE"] = "az.map";
   }
   if (scene.ps_mode) {
     parameters["PS_MODE"] = std::to_string(*scene.ps_mode);
   }
+  WriteFile(directory / "insar.pool", InsarPool(scene).Text());
+  WriteFile(directory / "slave.pool", SlavePool(scene).Text());
   return parameters;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 
 #include "support/grid.h"
 #include "support/pool_text.h"
+#include "support/raster_file.h"
 
 /// The two stored components of a complex pixel, as bit patterns.
 struct RAW_PIXEL {
@@ -62,7 +64,9 @@ struct SCENE {
   std::string imaging_mode = "SM";
   std::optional<int> ps_mode;
 
-  bool IsMatrixMapping() const { return std::holds_alternative<MATRIX_MAPPING_DATA>(mapping); }
+  unsigned RasterType() const {
+    return code == PIXEL_CODE::INT_16 ? RASTER_COMPLEX_INT_16 : RASTER_COMPLEX_BINARY_16;
+  }
 };
 
 /// A small ordinary scene: complex integers with a mask, shifted by a matrix on nodes 8 pixels
@@ -74,12 +78,12 @@ SCENE OrdinaryScene();
 /// infinite pixels, saturation, shifts far outside, NaN shifts, whole shifts.
 SCENE RandomScene(unsigned seed);
 
-/// The same scene in files of its own directory: "slave.ras", "mask.ras" (if it has one),
-/// "rg.map", "az.map" (for a matrix), "insar.pool", "slave.pool".
-void WriteSceneFiles(const SCENE& scene, const std::string& directory);
 POOL_TEXT InsarPool(const SCENE& scene);
 POOL_TEXT SlavePool(const SCENE& scene);
 
-/// The parameters of a run on these files, with the outputs "out.ras" and "out_mask.ras", the
-/// INSAR pool as log pool, and the mapping format from the pool.
-std::map<std::string, std::string> SceneParameters(const SCENE& scene);
+/// Writes the scene into a directory: "slave.ras", "mask.ras" (if it has one), "rg.map", "az.map"
+/// (for a matrix), "insar.pool", "slave.pool". Returns the parameters of a run on these files with
+/// the outputs "out.ras" and "out_mask.ras", the INSAR pool as log pool, and the mapping format
+/// from the pool.
+std::map<std::string, std::string> WriteSceneFiles(const SCENE& scene,
+                                                   const std::filesystem::path& directory);
