@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
+
 #include "run_folder.h"
 #include "support/reference_model.h"
 
@@ -8,10 +10,15 @@ namespace {
 
 using testing::Range;
 
-/// Runs the program on the scene and compares its outputs with the model.
-MODEL_COMPARISON RunAndCompare(const SCENE& scene, int workers) {
+/// The ways to resample. One that the processor lacks is replaced by the fastest that it has.
+constexpr std::array variants = {"plain", "x86-64", "x86-64-v3", "x86-64-v4"};
+
+/// Runs the program on the scene and compares its outputs with the model. `number` chooses the
+/// variant and the number of workers.
+MODEL_COMPARISON RunAndCompare(const SCENE& scene, unsigned number) {
   RUN_FOLDER folder(scene);
-  folder.environment["PARALLEL"] = std::to_string(workers);
+  folder.environment["PARALLEL"] = std::to_string(number % 7 + 1);
+  folder.environment["RESAMPLE_SIMD"] = variants[number % variants.size()];
   ExpectSuccess(folder, folder.Run());
   return CompareWithModel(scene,
                           ReadRaster<RAW_PIXEL>(folder.Path("out.ras"), scene.n_samples,
@@ -30,8 +37,7 @@ TEST_P(RandomScenes, EveryComponentAndEveryMaskByteIsTheModels) {
   int ties = 0;
   for (unsigned seed = GetParam(); seed < GetParam() + scenes_in_a_block; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
-    const MODEL_COMPARISON comparison =
-        RunAndCompare(RandomScene(seed), static_cast<int>(seed % 7 + 1));
+    const MODEL_COMPARISON comparison = RunAndCompare(RandomScene(seed), seed);
     ASSERT_EQ(comparison.difference, "");
     computed += comparison.computed_pixels;
     valid += comparison.valid_pixels;
@@ -77,9 +83,11 @@ TEST(SpecialScenes, AgreeWithTheModel) {
     scene.kernel_type = special.kernel_type;
     scene.kernel_length = special.kernel_length;
     scene.subpix_positions = special.subpix_positions;
-    const MODEL_COMPARISON comparison = RunAndCompare(scene, 2);
-    EXPECT_EQ(comparison.difference, "");
-    EXPECT_EQ(comparison.computed_pixels, special.computed_pixels);
+    for (unsigned number = 0; number < variants.size(); ++number) {
+      const MODEL_COMPARISON comparison = RunAndCompare(scene, number);
+      EXPECT_EQ(comparison.difference, "") << variants[number];
+      EXPECT_EQ(comparison.computed_pixels, special.computed_pixels) << variants[number];
+    }
   }
 }
 
