@@ -94,12 +94,14 @@ TEST_F(RowFunctionsTest, AzimuthFiltersOfAllLengthsTurnEveryTap) {
     for (int length = 1; length <= rows; ++length) {
       double sum_re[2][strip_columns];
       double sum_im[2][strip_columns];
+      const CONST_COMPLEX_ROW first = evaluate(level, 0);
+      const CONST_COMPLEX_ROW last = evaluate(level, 1);
+      const CONST_COMPLEX_ROW step = evaluate(level, 2);
       level.functions->azimuth_filter(length)(weights.Row(0), {re.Row(0), im.Row(0)}, length,
-                                              evaluate(level, 0), evaluate(level, 1), strip_columns,
-                                              {sum_re[0], sum_im[0]});
-      level.functions->rate_azimuth_filter(length)(
-          weights.Row(0), {re.Row(0), im.Row(0)}, length, evaluate(level, 0), evaluate(level, 2),
-          evaluate(level, 1), strip_columns, {sum_re[1], sum_im[1]});
+                                              {first, last}, strip_columns, {sum_re[0], sum_im[0]});
+      level.functions->rate_azimuth_filter(length)(weights.Row(0), {re.Row(0), im.Row(0)}, length,
+                                                   {first, step, last}, strip_columns,
+                                                   {sum_re[1], sum_im[1]});
       for (int x = 0; x < strip_columns; ++x) {
         PHASOR ramp_sum = 0.0;
         PHASOR rate_sum = 0.0;
@@ -135,8 +137,8 @@ void CheckFootprintsAgainstRuns(const LEVEL& level, const PIXEL_FUNCTIONS<typena
     f.decode(pixels.data(), strip_columns + length - 1, {re[0], im[0]});
     double run_re[strip_columns];
     double run_im[strip_columns];
-    level.functions->range_filter(length)(weights.Row(0), {re[0], im[0]}, length, strip_columns,
-                                          {run_re, run_im}, {re[1], im[1]});
+    level.functions->filter_range(weights.Row(0), {re[0], im[0]}, length, strip_columns,
+                                  {run_re, run_im}, {re[1], im[1]});
     for (int x = 0; x < strip_columns; ++x) {
       double column_weights[rows];
       double expected_re = 0.0;

@@ -48,8 +48,8 @@ void COLUMN_TRACKER::BeginStrip(int first_column, int count) {
 
 void COLUMN_TRACKER::GoTo(unsigned line) {
   line_ = line;
+  looked_at_ = COLUMN_SET();
   moved_ = COLUMN_SET();
-  new_azimuth_weights_ = COLUMN_SET();
   arrangement_changed_ = false;
   positions_->Fill(line, rg_, az_);
   const std::uint64_t unsteady = functions_.find_unsteady(
@@ -77,9 +77,6 @@ void COLUMN_TRACKER::LookAtColumn(int x) {
   const std::int64_t line_shift = azimuth.pixel - line_;
   COLUMN& column = columns_[x];
   fa_[x] = azimuth.fraction;
-  if (column.azimuth_weights != azimuth.weights) {
-    new_azimuth_weights_.Add(x);
-  }
   const bool reads_elsewhere =
       !computed_.Holds(x) || column.sample != range.pixel || column.line_shift != line_shift;
   const bool has_moved = reads_elsewhere || column.range_weights != range.weights;
@@ -87,6 +84,7 @@ void COLUMN_TRACKER::LookAtColumn(int x) {
     moved_.Add(x);
   }
   arrangement_changed_ = arrangement_changed_ || reads_elsewhere;
+  looked_at_.Add(x);
   computed_.Add(x);
   column = {range.pixel, line_shift, range.weights, azimuth.weights};
   // A column that moves on every line is spared the intervals until it stays.

@@ -54,10 +54,10 @@ class COLUMN_TRACKER {
 
   /// Columns whose pixel on this line is computed.
   COLUMN_SET Computed() const { return computed_; }
+  /// Those of them that were looked at anew.
+  COLUMN_SET LookedAt() const { return looked_at_; }
   /// Those of them whose sample, line shift or range weights are not those of the line before.
   COLUMN_SET Moved() const { return moved_; }
-  /// Those of them whose azimuth weights are not those that the column had last.
-  COLUMN_SET NewAzimuthWeights() const { return new_azimuth_weights_; }
 
   std::span<const COLUMN_RUN> Runs() const { return {runs_, run_count_}; }
   COLUMN_SET InRuns() const { return in_runs_; }
@@ -82,8 +82,8 @@ class COLUMN_TRACKER {
   unsigned line_ = 0;
   COLUMN_SET existing_;  ///< columns that the output has
   COLUMN_SET computed_;
+  COLUMN_SET looked_at_;
   COLUMN_SET moved_;
-  COLUMN_SET new_azimuth_weights_;
   COLUMN_SET in_runs_;
   bool arrangement_changed_ = false;  ///< runs are to be found again
   std::size_t run_count_ = 0;

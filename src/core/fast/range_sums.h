@@ -2,30 +2,21 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 #include "core/fast/column_tracker.h"
 #include "core/fast/line_ring.h"
 #include "core/fast/prefetch.h"
 #include "core/fast/row_buffer.h"
 #include "core/fast/row_functions.h"
-
-/// The slave and its mask as row tables.
-template <class PIXEL>
-struct SLAVE_ROWS {
-  const PIXEL* const* pixels;
-  const unsigned char* const* mask;  ///< null when every pixel is valid
-  int width;
-  int height;
-};
+#include "core/fast/slave_rows.h"
 
 /// The sums along range that the columns of a strip need for an output line,
 ///
 ///     P_k = sum over j of wr[j] z(line k, sample j),
 ///
 /// for the L slave lines k of the footprint, and whether all pixels of each sum are valid. While a
-/// column does not move, one sum is new on each output line. However a sum comes about - in a run,
-/// for a single column, because a column moved - its bits are the same.
+/// column stays, one sum is new on each output line. However a sum
+/// comes about - in a run, for a single column, because a column moved - its bits are the same.
 template <class PIXEL>
 class RANGE_SUMS {
  public:
@@ -34,7 +25,7 @@ class RANGE_SUMS {
       : slave_(slave),
         length_(length),
         ring_(length),
-        filter_run_(functions.range_filter(length)),
+        filter_run_(functions.filter_range),
         filter_mask_(functions.filter_mask),
         filter_footprint_(pixel_functions.footprint_filter(length)),
         decode_(pixel_functions.decode),
@@ -118,16 +109,16 @@ class RANGE_SUMS {
                 {re_.Row(row) + run.first, im_.Row(row) + run.first},
                 {re_.Row(twin) + run.first, im_.Row(twin) + run.first});
     if (slave_.mask != nullptr) {
-      FilterMask(slave_.mask[line] + sample, run, row);
+      FilterMask(line, sample, run, row);
     }
   }
 
-  void FilterMask(const unsigned char* mask, const COLUMN_RUN& run, int row) {
+  void FilterMask(std::int64_t line, std::int64_t sample, const COLUMN_RUN& run, int row) {
     unsigned char* valid = valid_.Row(row) + run.first;
-    if (std::memchr(mask, 0, static_cast<std::size_t>(run.count + length_ - 1)) == nullptr) {
+    if (slave_.AreValid(line, sample, run.count + length_ - 1)) {
       std::fill_n(valid, run.count, static_cast<unsigned char>(1));
     } else {
-      filter_mask_(mask, length_, run.count, valid);
+      filter_mask_(slave_.mask[line] + sample, length_, run.count, valid);
       NoteInvalid(row);
     }
     std::copy_n(valid, run.count, valid_.Row(ring_.Twin(row)) + run.first);
@@ -160,8 +151,7 @@ class RANGE_SUMS {
                       end_row - first_row, {re_.Row(first_row) + x, im_.Row(first_row) + x});
     if (slave_.mask != nullptr) {
       for (int row = first_row; row < end_row; ++row) {
-        const unsigned char* mask = slave_.mask[line + row - first_row] + sample;
-        const bool is_valid = std::memchr(mask, 0, static_cast<std::size_t>(length_)) == nullptr;
+        const bool is_valid = slave_.AreValid(line + row - first_row, sample, length_);
         valid_.Row(row)[x] = is_valid ? 1 : 0;
         if (!is_valid) {
           NoteInvalid(row);
@@ -185,10 +175,10 @@ class RANGE_SUMS {
   const SLAVE_ROWS<PIXEL> slave_;
   const int length_;
   const LINE_RING ring_;
-  const RANGE_FILTER filter_run_;
-  const MASK_FILTER filter_mask_;
+  const decltype(ROW_FUNCTIONS::filter_range) filter_run_;
+  const decltype(ROW_FUNCTIONS::filter_mask) filter_mask_;
   const FOOTPRINT_FILTER<PIXEL> filter_footprint_;
-  const PIXEL_DECODER<PIXEL> decode_;
+  const decltype(PIXEL_FUNCTIONS<PIXEL>::decode) decode_;
 
   int oldest_row_ = 0;
   const double* loaded_weights_[strip_columns] = {};

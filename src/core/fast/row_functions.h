@@ -79,40 +79,38 @@ struct RATE_TURNS {
   double* last;
 };
 
-/// filtered[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1; and a copy of it.
-using RANGE_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW pixels, int length,
-                              int count, COMPLEX_ROW filtered, COMPLEX_ROW copy);
+/// The phasors that turn the taps of the columns of a strip: tap k by last[x] / ramp[x]^k.
+struct RAMP_ROWS {
+  CONST_COMPLEX_ROW ramp;
+  CONST_COMPLEX_ROW last;
+};
 
-/// sum[x] = last[x] * (sum over k of weights[k][x] filtered[k][x] / ramp[x]^k).
+/// With a phase that is quadratic in k: tap 0 is turned by last[x], and the factor from tap k - 1
+/// to tap k is first[x] for the last tap, and step[x] times that of tap k + 1 for the others.
+struct RATE_ROWS {
+  CONST_COMPLEX_ROW first;
+  CONST_COMPLEX_ROW step;
+  CONST_COMPLEX_ROW last;
+};
+
+/// sums[x] = sum over k of weights[k][x] filtered[k][x], turned tap by tap.
 using AZIMUTH_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW filtered, int length,
-                                CONST_COMPLEX_ROW ramp, CONST_COMPLEX_ROW last, int count,
-                                COMPLEX_ROW sum);
-
-/// As `AZIMUTH_FILTER` with a phase that is quadratic in k: the factor from tap k - 1 to tap k is
-/// first[x] for the last tap, and step[x] times that of tap k + 1 for the others.
+                                const RAMP_ROWS& phasors, int count, COMPLEX_ROW sums);
 using RATE_AZIMUTH_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW filtered, int length,
-                                     CONST_COMPLEX_ROW first, CONST_COMPLEX_ROW step,
-                                     CONST_COMPLEX_ROW last, int count, COMPLEX_ROW sum);
+                                     const RATE_ROWS& phasors, int count, COMPLEX_ROW sums);
 
-/// filtered[k][0] = sum over j of weights[j] lines[k][sample + j] for `line_count` lines k: what a
-/// range filter makes of a single column, to the last bit. Rows are `strip_columns` apart.
+/// filtered[k][0] = sum over j of weights[j] lines[k][sample + j] for `line_count` lines k: what
+/// `filter_range` makes of a single column, to the last bit. Rows are `strip_columns` apart.
 template <class PIXEL>
 using FOOTPRINT_FILTER = void (*)(const PIXEL* const* lines, std::int64_t sample,
                                   const double* weights, int length, int line_count,
                                   COMPLEX_ROW filtered);
 
-/// valid[x] = 1 when none of mask[x .. x + length - 1] is 0, else 0. Any number of columns.
-using MASK_FILTER = void (*)(const unsigned char* mask, int length, int count,
-                             unsigned char* valid);
-
-/// Converts any number of pixels.
-template <class PIXEL>
-using PIXEL_DECODER = void (*)(const PIXEL* pixels, int count, COMPLEX_ROW decoded);
-
 /// The functions that depend on the kind of pixels.
 template <class PIXEL>
 struct PIXEL_FUNCTIONS {
-  PIXEL_DECODER<PIXEL> decode;
+  /// Converts any number of pixels.
+  void (*decode)(const PIXEL* pixels, int count, COMPLEX_ROW decoded);
   FOOTPRINT_FILTER<PIXEL> (*footprint_filter)(int length);
   /// Encodes a row. Returns false when a component is no number or has a magnitude of 2^30 or
   /// more; what was encoded is then of no use.
@@ -138,18 +136,21 @@ struct ROW_FUNCTIONS {
                    double* value);
   /// last = slope * (fa + offset)
   void (*ramp_turns)(const double* slope, const double* fa, double offset, int count, double* last);
-  /// The turns of `RATE_AZIMUTH_FILTER` for the phase slope * (fa - t) + rate * (fa^2 - t^2) of
+  /// The turns of `RATE_ROWS` for the phase slope * (fa - t) + rate * (fa^2 - t^2) of
   /// tap k at t = k - offset.
   void (*rate_turns)(const double* slope, const double* rate, const double* fa, double offset,
                      int length, int count, const RATE_TURNS& turns);
   /// cos and sin of 2 pi * turns, to about 4e-16.
   void (*sine_cosine)(const double* turns, int count, COMPLEX_ROW phasor);
 
-  RANGE_FILTER (*range_filter)(int length);
+  /// filtered[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1; and a copy.
+  void (*filter_range)(const double* weights, CONST_COMPLEX_ROW pixels, int length, int count,
+                       COMPLEX_ROW filtered, COMPLEX_ROW copy);
   AZIMUTH_FILTER (*azimuth_filter)(int length);
   RATE_AZIMUTH_FILTER (*rate_azimuth_filter)(int length);
 
-  MASK_FILTER filter_mask;
+  /// valid[x] = 1 when none of mask[x .. x + length - 1] is 0, else 0.
+  void (*filter_mask)(const unsigned char* mask, int length, int count, unsigned char* valid);
   /// valid[x] = 1 when masks[k][x] is 1 for k = 0 .. length - 1, else 0.
   void (*combine_masks)(const unsigned char* masks, int length, int count, unsigned char* valid);
 

@@ -123,13 +123,11 @@ void SineCosine(const double* __restrict turns, int count, COMPLEX_ROW phasor) {
   }
 }
 
-// Filters. LENGTH 0 takes the length at run time; the others let the compiler unroll. Even and odd
-// taps are summed apart, because that suits the evaluation of a single footprint too.
+// Filters. LENGTH 0 takes the length at run time; the others let the compiler unroll.
 
-template <int LENGTH>
+/// Even and odd taps are summed apart, because that suits the evaluation of a single footprint.
 void FilterRange(const double* weights, CONST_COMPLEX_ROW pixels, int length, int count,
                  COMPLEX_ROW filtered, COMPLEX_ROW copy) {
-  const int taps = LENGTH > 0 ? LENGTH : length;
   for (int x = 0; x < count; x += lanes) {
     LANES even_re{};
     LANES even_im{};
@@ -138,8 +136,7 @@ void FilterRange(const double* weights, CONST_COMPLEX_ROW pixels, int length, in
     const double* w = weights + x;
     const double* re = pixels.re + x;
     const double* im = pixels.im + x;
-#pragma GCC unroll 8
-    for (int j = 0; j + 1 < taps; j += 2) {
+    for (int j = 0; j + 1 < length; j += 2) {
       const LANES even = Load(w + j * strip_columns);
       const LANES odd = Load(w + (j + 1) * strip_columns);
       even_re = MultiplyAdd(even, Load(re + j), even_re);
@@ -147,10 +144,10 @@ void FilterRange(const double* weights, CONST_COMPLEX_ROW pixels, int length, in
       odd_re = MultiplyAdd(odd, Load(re + j + 1), odd_re);
       odd_im = MultiplyAdd(odd, Load(im + j + 1), odd_im);
     }
-    if (taps % 2 != 0) {
-      const LANES even = Load(w + (taps - 1) * strip_columns);
-      even_re = MultiplyAdd(even, Load(re + taps - 1), even_re);
-      even_im = MultiplyAdd(even, Load(im + taps - 1), even_im);
+    if (length % 2 != 0) {
+      const LANES even = Load(w + (length - 1) * strip_columns);
+      even_re = MultiplyAdd(even, Load(re + length - 1), even_re);
+      even_im = MultiplyAdd(even, Load(im + length - 1), even_im);
     }
     Store(even_re + odd_re, filtered.re + x);
     Store(even_re + odd_re, copy.re + x);
@@ -165,14 +162,14 @@ void FilterRange(const double* weights, CONST_COMPLEX_ROW pixels, int length, in
 ///     b_k = w_k P_k + 2 cos(2 pi u) b_(k+1) - b_(k+2),  b_L = b_(L+1) = 0
 ///
 /// (Goertzel's or Clenshaw's recurrence): the coefficient is real, and one sine and cosine serve
-/// all taps. `ramp` is 1 / zeta, `last` the phase of the whole sum.
+/// all taps. `ramp` is 1 / zeta.
 template <int LENGTH>
 void FilterAzimuth(const double* weights, CONST_COMPLEX_ROW filtered, int length,
-                   CONST_COMPLEX_ROW ramp, CONST_COMPLEX_ROW last, int count, COMPLEX_ROW sum) {
+                   const RAMP_ROWS& phasors, int count, COMPLEX_ROW sums) {
   const int taps = LENGTH > 0 ? LENGTH : length;
   for (int x = 0; x < count; x += lanes) {
-    const LANES cosine = Load(ramp.re + x);
-    const LANES sine = Load(ramp.im + x);
+    const LANES cosine = Load(phasors.ramp.re + x);
+    const LANES sine = Load(phasors.ramp.im + x);
     const LANES twice = cosine + cosine;
     LANES b1_re{};
     LANES b1_im{};
@@ -192,10 +189,10 @@ void FilterAzimuth(const double* weights, CONST_COMPLEX_ROW filtered, int length
     }
     const LANES s_re = MultiplyAdd(sine, b2_im, MultiplyAdd(-cosine, b2_re, b1_re));
     const LANES s_im = MultiplyAdd(-sine, b2_re, MultiplyAdd(-cosine, b2_im, b1_im));
-    const LANES last_re = Load(last.re + x);
-    const LANES last_im = Load(last.im + x);
-    Store(MultiplyAdd(last_re, s_re, -(last_im * s_im)), sum.re + x);
-    Store(MultiplyAdd(last_re, s_im, last_im * s_re), sum.im + x);
+    const LANES last_re = Load(phasors.last.re + x);
+    const LANES last_im = Load(phasors.last.im + x);
+    Store(MultiplyAdd(last_re, s_re, -(last_im * s_im)), sums.re + x);
+    Store(MultiplyAdd(last_re, s_im, last_im * s_re), sums.im + x);
   }
 }
 
@@ -208,15 +205,14 @@ void FilterAzimuth(const double* weights, CONST_COMPLEX_ROW filtered, int length
 /// r_(k-1) = 2 Re(step) r_k - r_(k+1), which is cheaper, but loses digits with the square of k.
 template <int LENGTH>
 void FilterAzimuthWithRate(const double* weights, CONST_COMPLEX_ROW filtered, int length,
-                           CONST_COMPLEX_ROW first, CONST_COMPLEX_ROW step, CONST_COMPLEX_ROW last,
-                           int count, COMPLEX_ROW sum) {
+                           const RATE_ROWS& phasors, int count, COMPLEX_ROW sums) {
   const int taps = LENGTH > 0 ? LENGTH : length;
   for (int x = 0; x < count; x += lanes) {
-    const LANES step_re = Load(step.re + x);
-    const LANES step_im = Load(step.im + x);
+    const LANES step_re = Load(phasors.step.re + x);
+    const LANES step_im = Load(phasors.step.im + x);
     const LANES twice = step_re + step_re;
-    LANES r_re = Load(first.re + x);
-    LANES r_im = Load(first.im + x);
+    LANES r_re = Load(phasors.first.re + x);
+    LANES r_im = Load(phasors.first.im + x);
     LANES next_re = MultiplyAdd(r_re, step_re, -(r_im * step_im));
     LANES next_im = MultiplyAdd(r_re, step_im, r_im * step_re);
     const double* w = weights + x;
@@ -241,10 +237,10 @@ void FilterAzimuthWithRate(const double* weights, CONST_COMPLEX_ROW filtered, in
       next_re = after_re;
       next_im = after_im;
     }
-    const LANES last_re = Load(last.re + x);
-    const LANES last_im = Load(last.im + x);
-    Store(MultiplyAdd(last_re, s_re, -(last_im * s_im)), sum.re + x);
-    Store(MultiplyAdd(last_re, s_im, last_im * s_re), sum.im + x);
+    const LANES last_re = Load(phasors.last.re + x);
+    const LANES last_im = Load(phasors.last.im + x);
+    Store(MultiplyAdd(last_re, s_re, -(last_im * s_im)), sums.re + x);
+    Store(MultiplyAdd(last_re, s_im, last_im * s_re), sums.im + x);
   }
 }
 
@@ -468,11 +464,7 @@ constexpr ROW_FUNCTIONS all_row_functions = {
     .ramp_turns = RampTurns,
     .rate_turns = RateTurns,
     .sine_cosine = SineCosine,
-    .range_filter =
-        [](int length) {
-          return ForLength(length,
-                           [](auto taps) -> RANGE_FILTER { return FilterRange<taps.count>; });
-        },
+    .filter_range = FilterRange,
     .azimuth_filter =
         [](int length) {
           return ForLength(length,

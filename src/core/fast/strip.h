@@ -5,9 +5,11 @@
 
 #include "core/fast/azimuth_sums.h"
 #include "core/fast/column_tracker.h"
+#include "core/fast/deramp_phasors.h"
 #include "core/fast/prefetch.h"
 #include "core/fast/range_sums.h"
 #include "core/fast/row_functions.h"
+#include "core/fast/slave_rows.h"
 #include "core/pixel_evaluation.h"
 
 /// Resamples strips of columns, each one line by line downwards.
@@ -31,10 +33,11 @@ class STRIP {
         length_(evaluation_.Footprint().Length()),
         with_validity_(job.input_mask != nullptr && job.output_mask != nullptr),
         columns_(job, evaluation_.Footprint(), functions),
-        range_sums_({input, with_validity_ ? RowsOf(job.input_mask) : nullptr, job.input_width,
-                     job.input_height},
-                    length_, functions, pixel_functions),
-        azimuth_sums_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions) {}
+        slave_{input, with_validity_ ? RowsOf(job.input_mask) : nullptr, job.input_width,
+               job.input_height},
+        range_sums_(slave_, length_, functions, pixel_functions),
+        phasors_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions),
+        azimuth_sums_(length_, functions) {}
 
   /// The strip that begins at `first_column`, on the lines first_line to last_line.
   void Resample(int first_column, unsigned first_line, unsigned last_line) {
@@ -50,7 +53,8 @@ class STRIP {
         PrefetchOutput(line + 1);
       }
       range_sums_.Update(columns_);
-      azimuth_sums_.Update(columns_, range_sums_.Sums());
+      phasors_.Update(columns_);
+      azimuth_sums_.Update(columns_, range_sums_.Sums(), phasors_);
       StorePixels();
       if (output_mask_ != nullptr) {
         StoreMask();
@@ -132,7 +136,9 @@ class STRIP {
   const int length_;
   const bool with_validity_;  ///< whether the mask of the output differs from ones
   COLUMN_TRACKER columns_;
+  const SLAVE_ROWS<PIXEL> slave_;
   RANGE_SUMS<PIXEL> range_sums_;
+  DERAMP_PHASORS phasors_;
   AZIMUTH_SUMS azimuth_sums_;
   int first_column_ = 0;
   int column_count_ = 0;
