@@ -8,7 +8,7 @@
 class FOOTPRINT {
  public:
   explicit FOOTPRINT(int length)
-      : length_(length), half_(length / 2), offset_(std::int64_t{length / 2} - 1) {}
+      : length_(length), half_(length / 2), offset_(std::int64_t{half_} - 1) {}
 
   int Length() const { return length_; }
   /// Distance from the first tap to the position's own pixel.
@@ -21,7 +21,8 @@ class FOOTPRINT {
   /// than to the left.
   double UpperLimit(int size) const {
     const double last_tap_inside = static_cast<double>(std::int64_t{size} - length_ + offset_ + 1);
-    return last_tap_inside < size - half_ ? last_tap_inside : size - half_;
+    const double half_a_kernel_away = static_cast<double>(size) - half_;
+    return last_tap_inside < half_a_kernel_away ? last_tap_inside : half_a_kernel_away;
   }
 
   /// Whether a position along an axis of `size` pixels is computed. NaN and infinity are not.
@@ -31,7 +32,7 @@ class FOOTPRINT {
 
  private:
   int length_;
-  double half_;
+  int half_;
   std::int64_t offset_;
 };
 
@@ -49,7 +50,8 @@ inline TAP_POSITION LocateTaps(double position, const FOOTPRINT& footprint,
                                const INTERPOLATION_KERNEL& kernel) {
   const auto pixel = static_cast<std::int64_t>(position);
   const double fraction = position - static_cast<double>(pixel);
-  const int step = static_cast<int>(fraction * kernel.SubpixCount() + 0.5);
+  // Not std::lround: the sum decides what the largest fractions are rounded to.
+  const int step = static_cast<int>(fraction * kernel.SubpixCount() + 0.5);  // NOLINT
   // A fraction within half a step of 1 takes the weights of fraction 0 while its taps stay where
   // they are. That is the program's definition of the result.
   const int row = step == kernel.SubpixCount() ? 0 : step;
