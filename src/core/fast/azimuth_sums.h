@@ -37,9 +37,7 @@ class AZIMUTH_SUMS {
     for (const int x : columns.LookedAt()) {
       if (loaded_weights_[x] != columns[x].azimuth_weights) {
         loaded_weights_[x] = columns[x].azimuth_weights;
-        for (int k = 0; k < length_; ++k) {
-          weights_.Row(k)[x] = loaded_weights_[x][k];
-        }
+        weights_.FillColumn(x, loaded_weights_[x], length_);
       }
     }
   }

@@ -90,9 +90,7 @@ class RANGE_SUMS {
     for (int x = group_first; x < group_first + group_columns; ++x) {
       if (loaded_weights_[x] != columns[x].range_weights) {
         loaded_weights_[x] = columns[x].range_weights;
-        for (int j = 0; j < length_; ++j) {
-          weights_.Row(j)[x] = columns[x].range_weights[j];
-        }
+        weights_.FillColumn(x, loaded_weights_[x], length_);
       }
     }
   }
@@ -149,26 +147,26 @@ class RANGE_SUMS {
     const int end_row = oldest_row_ + length_;
     filter_footprint_(slave_.pixels + line, sample, columns[x].range_weights, length_,
                       end_row - first_row, {re_.Row(first_row) + x, im_.Row(first_row) + x});
+    // Rows of the second half and their twins.
+    const int first_copied = std::max(first_row, length_);
+    const int copied_count = end_row - first_copied;
+    re_.CopyColumn(x, first_copied, first_copied - length_, copied_count);
+    im_.CopyColumn(x, first_copied, first_copied - length_, copied_count);
     if (slave_.mask != nullptr) {
-      for (int row = first_row; row < end_row; ++row) {
-        const bool is_valid = slave_.AreValid(line + row - first_row, sample, length_);
-        valid_.Row(row)[x] = is_valid ? 1 : 0;
-        if (!is_valid) {
-          NoteInvalid(row);
-        }
-      }
-    }
-    for (int row = std::max(first_row, length_); row < end_row; ++row) {
-      CopyToTwin(row, x);
+      FindValid(line, sample, x, first_row);
+      valid_.CopyColumn(x, first_copied, first_copied - length_, copied_count);
     }
   }
 
-  void CopyToTwin(int row, int x) {
-    const int twin = ring_.Twin(row);
-    re_.Row(twin)[x] = re_.Row(row)[x];
-    im_.Row(twin)[x] = im_.Row(row)[x];
-    if (slave_.mask != nullptr) {
-      valid_.Row(twin)[x] = valid_.Row(row)[x];
+  /// The validity of the rows from `first_row` on of one column, the first one of them being that
+  /// of the given slave line.
+  void FindValid(std::int64_t line, std::int64_t sample, int x, int first_row) {
+    for (int row = first_row; row < oldest_row_ + length_; ++row, ++line) {
+      const bool is_valid = slave_.AreValid(line, sample, length_);
+      valid_.Row(row)[x] = is_valid ? 1 : 0;
+      if (!is_valid) {
+        NoteInvalid(row);
+      }
     }
   }
 

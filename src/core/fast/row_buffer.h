@@ -15,6 +15,23 @@ class ROW_BUFFER {
 
   T* Row(int row) { return values_.get() + std::ptrdiff_t{row} * strip_columns; }
 
+  /// Puts `count` values into column x, from row 0 on.
+  void FillColumn(int x, const T* values, int count) {
+    T* to = Row(0) + x;
+    for (int i = 0; i < count; ++i, to += strip_columns) {
+      *to = values[i];
+    }
+  }
+
+  /// Copies `count` values of column x to other rows.
+  void CopyColumn(int x, int from_row, int to_row, int count) {
+    const T* from = Row(from_row) + x;
+    T* to = Row(to_row) + x;
+    for (int i = 0; i < count; ++i, from += strip_columns, to += strip_columns) {
+      *to = *from;
+    }
+  }
+
  private:
   static constexpr std::align_val_t alignment{64};
 
