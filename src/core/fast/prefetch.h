@@ -2,11 +2,12 @@
 
 #include <cstdint>
 
-/// Asks for the cache lines of [begin, end) before they are needed. Neighbouring lines of a raster
+/// Asks for all cache lines of [begin, end) before they are needed. Neighbouring lines of a raster
 /// lie too far apart for the processor to foresee.
 inline void Prefetch(const void* begin, const void* end) {
   constexpr std::uintptr_t cache_line = 64;
   const auto* byte = static_cast<const char*>(begin);
+  byte -= reinterpret_cast<std::uintptr_t>(byte) % cache_line;
   for (; byte < end; byte += cache_line) {
     __builtin_prefetch(byte);
   }

@@ -127,7 +127,7 @@ class RANGE_SUMS {
   void NoteInvalid(int row) { has_invalid_[row] = has_invalid_[ring_.Twin(row)] = true; }
 
   void PrefetchAhead(std::int64_t line, std::int64_t sample, int count) const {
-    constexpr std::int64_t lines_ahead = 8;
+    constexpr std::int64_t lines_ahead = 4;
     if (line + lines_ahead < slave_.height) {
       const PIXEL* pixels = slave_.pixels[line + lines_ahead] + sample;
       Prefetch(pixels, pixels + count);
