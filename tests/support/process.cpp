@@ -31,8 +31,9 @@ std::vector<std::string> EnvironmentTexts(const PROCESS_SETTINGS& settings) {
   for (const auto& [name, value] : settings.environment) {
     texts.push_back(name + "=" + value);
   }
-  // The threads of a process that a signal ends are never joined.
-  for (const std::string option : {"ASAN_OPTIONS=", "LSAN_OPTIONS=",
+  // The threads of a process that a signal ends are never joined, and a search for leaks as it ends
+  // would wait for the allocator's lock that the interrupted thread may hold.
+  for (const std::string option : {"ASAN_OPTIONS=detect_leaks=0:", "LSAN_OPTIONS=",
                                    "TSAN_OPTIONS=report_thread_leaks=0:", "UBSAN_OPTIONS="}) {
     const char* own = std::getenv(option.substr(0, option.find('=')).c_str());
     texts.push_back(option + (own != nullptr ? own : ""));
