@@ -93,6 +93,9 @@ void ExpectNothingLost(const RUN_FOLDER& folder, const std::string& before) {
 constexpr int kills = 52 * repetitions;
 
 TEST(Kill, AtAnyMomentIsReported) {
+  if (repetitions == 1) {
+    GTEST_SKIP() << "signals meet the locks of the sanitizers' own runtimes, which then hang";
+  }
   SCENE scene = OrdinaryScene();
   scene.kernel_length = 40;  // takes the workers some time
   // Polynomials stand at the end of the pool, behind the entry that the run replaces.
