@@ -1,8 +1,8 @@
 #include "control/controller_ifc.h"
 
-#include <fenv.h>
 #include <unistd.h>
 
+#include <cfenv>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
