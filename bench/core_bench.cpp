@@ -1,15 +1,12 @@
-// Times every variant of the core on a list of cases and prints one table: nanoseconds of
-// processor time a pixel, and how many times faster than the plain variant in the same run.
-//
-//   core_bench [size [repetitions [part of a case's name [variant]]]]
+// Times every variant of the core that the processor offers on a list of cases, one thread, rasters
+// in memory. See `core_bench --help`; bench/run makes a table of it.
 
+#include <benchmark/benchmark.h>
+
+#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <ctime>
+#include <map>
 #include <string>
-#include <vector>
 
 #include "core/core_variant.h"
 #include "core_scene.h"
@@ -20,86 +17,87 @@ using enum PIXEL_TYPE;
 using MAPPING = CORE_CASE::MAPPING;
 
 const CORE_CASE cases[] = {
-    {.name = "code 8, L 6, N 64", .length = 6},
-    {.name = "code 8, L 8, N 64, no rate"},
-    {.name = "code 8, L 8, N 64, with rate, mask", .with_rate = true, .with_mask = true},
-    {.name = "code 8, L 16, N 64", .length = 16},
-    {.name = "code 8, L 8, N 1024", .subpix_count = 1024},
-    {.name = "code 8, L 8, N 64, steep", .mapping = MAPPING::STEEP},
-    {.name = "code 9, L 8, N 64", .pixel_type = C_FLT_2},
-    {.name = "code 8, L 8, N 64, polynomial", .mapping = MAPPING::POLYNOMIAL},
-    {.name = "code 8, L 8, N 64, irregular", .mapping = MAPPING::IRREGULAR},
-    {.name = "code 8, L 7, N 64", .length = 7},
+    {.name = "L6", .length = 6},
+    {.name = "L8"},
+    {.name = "L8-rate-mask", .with_rate = true, .with_mask = true},
+    {.name = "L16", .length = 16},
+    {.name = "L8-N1024", .subpix_count = 1024},
+    {.name = "L8-steep", .mapping = MAPPING::STEEP},
+    {.name = "L8-cfloat16", .pixel_type = C_FLT_2},
+    {.name = "L8-polynomial", .mapping = MAPPING::POLYNOMIAL},
+    {.name = "L8-irregular", .mapping = MAPPING::IRREGULAR},
+    {.name = "L7", .length = 7},
 };
 
-double ThreadSeconds() {
-  timespec now{};
-  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+/// Made when a benchmark first asks for it, and kept: repetitions of all cases take turns.
+const CORE_SCENE& SceneOf(const CORE_CASE& wanted, int size) {
+  static std::map<const CORE_CASE*, CORE_SCENE> scenes;
+  return scenes.try_emplace(&wanted, wanted, size).first->second;
+}
+
+void CountPixels(benchmark::State& state, int size) {
+  using benchmark::Counter;
+  const double pixels = static_cast<double>(size) * size;
+  state.counters["per_pixel"] =
+      Counter(pixels, Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
 template <class CODEC>
-void Run(const RESAMPLE_THR_ARG& argument, RESAMPLE_FUNCTION<CODEC> function) {
+void Resample(const RESAMPLE_THR_ARG& argument, RESAMPLE_FUNCTION<CODEC> function) {
   using PIXEL = typename CODEC::PIXEL;
   function(argument, argument.job.input_slave->Rows<PIXEL>(),
            argument.job.output_slave->Rows<PIXEL>());
 }
 
-double SecondsOf(const CORE_SCENE& scene, const CORE_VARIANT& variant) {
-  const double start = ThreadSeconds();
-  if (scene.Argument().job.input_slave->PixelType() == C_INT_16) {
-    Run<INT_16_CODEC>(scene.Argument(), variant.int_16);
-  } else {
-    Run<BINARY_16_CODEC>(scene.Argument(), variant.binary_16);
-  }
-  return ThreadSeconds() - start;
-}
-
-void PrintHeader() {
-  std::printf("%-32s", "ns a pixel (times plain)");
-  for (const CORE_VARIANT& variant : CoreVariants()) {
-    if (variant.is_supported()) {
-      std::printf("%20s", variant.name);
+void TimeVariant(benchmark::State& state, const CORE_CASE& wanted, const CORE_VARIANT& variant,
+                 int size) {
+  const RESAMPLE_THR_ARG& argument = SceneOf(wanted, size).Argument();
+  for ([[maybe_unused]] const auto iteration : state) {
+    if (wanted.pixel_type == C_INT_16) {
+      Resample<INT_16_CODEC>(argument, variant.int_16);
+    } else {
+      Resample<BINARY_16_CODEC>(argument, variant.binary_16);
     }
   }
-  std::printf("\n");
+  CountPixels(state, size);
 }
 
-/// The variants take turns, so that all see the same machine; the best time of each counts.
-void RunCase(const CORE_CASE& wanted, int size, int repetitions, const char* variant_name) {
-  const CORE_SCENE scene(wanted, size);
-  std::vector<double> best(CoreVariants().size(), 1e9);
-  for (int i = 0; i < repetitions; ++i) {
-    for (std::size_t v = 0; v < best.size(); ++v) {
-      const CORE_VARIANT& variant = CoreVariants()[v];
-      const bool is_plain = v == 0;
-      const bool is_wanted =
-          variant_name == nullptr || std::strcmp(variant.name, variant_name) == 0;
-      if (variant.is_supported() && is_wanted && (!is_plain || i < 2)) {
-        best[v] = std::min(best[v], SecondsOf(scene, variant));
+/// The least that any resampler has to do: read every pixel once, write every pixel and its mask.
+void TimeCopy(benchmark::State& state, int size) {
+  const RESAMPLE_JOB& job = SceneOf(cases[1], size).Argument().job;
+  for ([[maybe_unused]] const auto iteration : state) {
+    std::copy_n(job.input_slave->Data(), job.input_slave->DataLength(), job.output_slave->Data());
+    std::fill_n(job.output_mask->Data(), job.output_mask->DataLength(),
+                static_cast<unsigned char>(1));
+    benchmark::ClobberMemory();
+  }
+  CountPixels(state, size);
+}
+
+void Register(int size) {
+  for (const CORE_CASE& wanted : cases) {
+    for (const CORE_VARIANT& variant : CoreVariants()) {
+      if (variant.is_supported()) {
+        const std::string name = std::string(wanted.name) + "/" + variant.name;
+        benchmark::RegisterBenchmark(name.c_str(), [&wanted, &variant, size](auto& state) {
+          TimeVariant(state, wanted, variant, size);
+        })->Unit(benchmark::kMillisecond);
       }
     }
   }
-  std::printf("%-32s", wanted.name);
-  for (std::size_t v = 0; v < best.size(); ++v) {
-    if (CoreVariants()[v].is_supported()) {
-      std::printf("%10.2f (%6.1fx)", best[v] * 1e9 / size / size, best[0] / best[v]);
-    }
-  }
-  std::printf("\n");
-  std::fflush(stdout);
+  benchmark::RegisterBenchmark("copy", TimeCopy, size)->Unit(benchmark::kMillisecond);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int size = argc > 1 ? std::atoi(argv[1]) : 2048;
-  const int repetitions = argc > 2 ? std::atoi(argv[2]) : 5;
-  const char* wanted = argc > 3 ? argv[3] : "";
-  PrintHeader();
-  for (const CORE_CASE& c : cases) {
-    if (std::strstr(c.name, wanted) != nullptr) {
-      RunCase(c, size, repetitions, argc > 4 ? argv[4] : nullptr);
-    }
-  }
+  benchmark::Initialize(&argc, argv);
+  CLI::App app("Times the core of resample. Takes the options of Google Benchmark as well.");
+  int size = 4096;
+  app.add_option("--size", size, "Width and height of the images")
+      ->check(CLI::Range(16, 65536))
+      ->capture_default_str();
+  CLI11_PARSE(app, argc, argv);
+  Register(size);
+  benchmark::RunSpecifiedBenchmarks();
 }

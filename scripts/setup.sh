@@ -2,8 +2,8 @@
 # The packages that the other scripts need, by their Debian names. Sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev)
-test_packages=(libgtest-dev)
-# The presets configure the tests as well.
+test_packages=(libgtest-dev libbenchmark-dev)
+# The presets configure the tests and benchmarks as well.
 demo_packages=("${build_packages[@]}" "${test_packages[@]}")
 
 # Whether a package's part that we use is there, wherever it came from.
@@ -14,6 +14,7 @@ is_present() {
     libfftw3-dev) pkg-config --exists fftw3 ;;
     libgd-dev) pkg-config --exists gdlib ;;
     libgtest-dev) pkg-config --exists gtest ;;
+    libbenchmark-dev) pkg-config --exists benchmark ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
 }
