@@ -27,6 +27,7 @@ class COLUMN_SET {
   bool HoldsGroup(int first) const { return (~bits_ & (GroupBits() << first)) == 0; }
 
   COLUMN_SET Without(COLUMN_SET other) const { return COLUMN_SET(bits_ & ~other.bits_); }
+  COLUMN_SET Or(COLUMN_SET other) const { return COLUMN_SET(bits_ | other.bits_); }
   COLUMN_SET And(COLUMN_SET other) const { return COLUMN_SET(bits_ & other.bits_); }
   friend bool operator==(COLUMN_SET a, COLUMN_SET b) = default;
 

@@ -39,7 +39,7 @@ class RANGE_SUMS {
     oldest_row_ = ring_.OldestRow(columns.Line());
     const int newest_row = oldest_row_ + length_ - 1;
     has_invalid_[newest_row] = has_invalid_[ring_.Twin(newest_row)] = false;
-    const COLUMN_SET refilled = RefillMoved(columns);
+    const COLUMN_SET refilled = Refill(columns);
     for (const COLUMN_RUN& run : columns.Runs()) {
       FilterRun(columns, run, length_ - 1);
     }
@@ -63,9 +63,10 @@ class RANGE_SUMS {
   /// From this many columns of a group on, making all of them anew together is faster.
   static constexpr int columns_worth_a_group = 4;
 
-  /// Returns the columns whose newest sum is there too.
-  COLUMN_SET RefillMoved(const COLUMN_TRACKER& columns) {
-    COLUMN_SET one_by_one = columns.Moved();
+  /// Makes the sums of columns anew that moved or were not kept. Returns the columns whose newest
+  /// sum is there too.
+  COLUMN_SET Refill(const COLUMN_TRACKER& columns) {
+    COLUMN_SET one_by_one = columns.Moved().Or(fleeting_.And(columns.Computed()));
     for (int first = 0; first < strip_columns; first += group_columns) {
       const COLUMN_SET moved = columns.Moved().OfGroup(first);
       if (moved.IsEmpty() || !columns.InRuns().Holds(first)) {
@@ -79,9 +80,11 @@ class RANGE_SUMS {
         one_by_one = one_by_one.Without(moved);
       }
     }
+    fleeting_ = one_by_one.And(moved_before_);
     for (const int x : one_by_one) {
       FilterColumn(columns, x, 0);
     }
+    moved_before_ = columns.Moved();
     return one_by_one;
   }
 
@@ -144,17 +147,24 @@ class RANGE_SUMS {
     const std::int64_t line = columns.FirstTapLine(x) + first_k;
     const std::int64_t sample = columns.FirstTapSample(x);
     const int first_row = oldest_row_ + first_k;
-    const int end_row = oldest_row_ + length_;
     filter_footprint_(slave_.pixels + line, sample, columns[x].range_weights, length_,
-                      end_row - first_row, {re_.Row(first_row) + x, im_.Row(first_row) + x});
-    // Rows of the second half and their twins.
-    const int first_copied = std::max(first_row, length_);
-    const int copied_count = end_row - first_copied;
-    re_.CopyColumn(x, first_copied, first_copied - length_, copied_count);
-    im_.CopyColumn(x, first_copied, first_copied - length_, copied_count);
+                      oldest_row_ + length_ - first_row,
+                      {re_.Row(first_row) + x, im_.Row(first_row) + x});
     if (slave_.mask != nullptr) {
       FindValid(line, sample, x, first_row);
-      valid_.CopyColumn(x, first_copied, first_copied - length_, copied_count);
+    }
+    if (!fleeting_.Holds(x)) {
+      CopyToTwins(x, first_row);
+    }
+  }
+
+  void CopyToTwins(int x, int first_row) {
+    const int first_copied = std::max(first_row, length_);
+    const int count = oldest_row_ + length_ - first_copied;
+    re_.CopyColumn(x, first_copied, first_copied - length_, count);
+    im_.CopyColumn(x, first_copied, first_copied - length_, count);
+    if (slave_.mask != nullptr) {
+      valid_.CopyColumn(x, first_copied, first_copied - length_, count);
     }
   }
 
@@ -179,6 +189,10 @@ class RANGE_SUMS {
   const decltype(PIXEL_FUNCTIONS<PIXEL>::decode) decode_;
 
   int oldest_row_ = 0;
+  COLUMN_SET moved_before_;  ///< on the line before
+  /// Columns that moved on two lines in a row will probably move again: their sums are kept for
+  /// this line only, which spares the twins.
+  COLUMN_SET fleeting_;
   const double* loaded_weights_[strip_columns] = {};
   ROW_BUFFER<double> weights_;
   ROW_BUFFER<double> re_;

@@ -18,8 +18,9 @@ class ROW_BUFFER {
   /// Puts `count` values into column x, from row 0 on.
   void FillColumn(int x, const T* values, int count) {
     T* to = Row(0) + x;
-    for (int i = 0; i < count; ++i, to += strip_columns) {
-      *to = values[i];
+#pragma GCC unroll 8
+    for (int i = 0; i < count; ++i) {
+      to[i * strip_columns] = values[i];
     }
   }
 
@@ -27,8 +28,9 @@ class ROW_BUFFER {
   void CopyColumn(int x, int from_row, int to_row, int count) {
     const T* from = Row(from_row) + x;
     T* to = Row(to_row) + x;
-    for (int i = 0; i < count; ++i, from += strip_columns, to += strip_columns) {
-      *to = *from;
+#pragma GCC unroll 8
+    for (int i = 0; i < count; ++i) {
+      to[i * strip_columns] = from[i * strip_columns];
     }
   }
 
