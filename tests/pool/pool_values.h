@@ -28,48 +28,40 @@ void ForEachSingleType(VISIT visit) {
                                 INDEX<int, float>, INDEX<int, double>, TUPLE<STRING>>();
 }
 
-/// Equal to the last bit; of NaNs only the sign counts.
+/// The bytes of a value, equal only for values that are equal to the last bit.
 template <class T>
-requires std::is_arithmetic_v<T> || std::is_same_v<T, STRING>
-bool Same(const T& a, const T& b) {
-  if constexpr (std::is_floating_point_v<T>) {
-    const bool equal = std::isnan(a) ? std::isnan(b) : a == b;
-    return equal && std::signbit(a) == std::signbit(b);
+std::string Bytes(const T& value) {
+  if constexpr (std::is_arithmetic_v<T>) {
+    return {reinterpret_cast<const char*>(&value), sizeof(value)};
+  } else if constexpr (std::is_same_v<T, STRING>) {
+    return value.Text() + std::string("\n");
+  } else if constexpr (requires { value.re; }) {
+    return Bytes(value.re) + Bytes(value.im);
+  } else if constexpr (requires { value.x; }) {
+    return Bytes(value.x) + Bytes(value.y);
   } else {
-    return a == b;
+    return Bytes(value.key) + Bytes(value.value);
   }
 }
 template <class T>
-bool Same(const COMPLEX<T>& a, const COMPLEX<T>& b) {
-  return Same(a.re, b.re) && Same(a.im, b.im);
+std::string Bytes(const ARRAY<T>& vector) {
+  std::string bytes = Bytes(vector.First()) + Bytes(vector.Size());
+  std::for_each(vector.Pointer(0), vector.Pointer(0) + vector.Size(),
+                [&](const T& element) { bytes += Bytes(element); });
+  return bytes;
 }
 template <class T>
-bool Same(const TUPLE<T>& a, const TUPLE<T>& b) {
-  return Same(a.x, b.x) && Same(a.y, b.y);
-}
-template <class T>
-bool Same(const INDEX<int, T>& a, const INDEX<int, T>& b) {
-  return a.key == b.key && Same(a.value, b.value);
-}
-template <class T>
-bool Same(const ARRAY<T>& a, const ARRAY<T>& b) {
-  bool same = a.Range() == b.Range();
-  for (int i = a.First(); same && i <= a.Last(); ++i) {
-    same = Same(a.Origin()[i], b.Origin()[i]);
-  }
-  return same;
-}
-template <class T>
-bool Same(const MATRIX<T>& a, const MATRIX<T>& b) {
-  const RANGE<int> rows = a.Rows();
-  const RANGE<int> columns = a.Columns();
-  bool same = rows == b.Rows() && columns == b.Columns();
-  for (int row = rows.First(); same && row <= rows.Last(); ++row) {
-    for (int column = columns.First(); same && column <= columns.Last(); ++column) {
-      same = Same(a.At(row, column), b.At(row, column));
+std::string Bytes(const MATRIX<T>& matrix) {
+  const RANGE<int> rows = matrix.Rows();
+  const RANGE<int> columns = matrix.Columns();
+  std::string bytes =
+      Bytes(rows.First()) + Bytes(rows.Count()) + Bytes(columns.First()) + Bytes(columns.Count());
+  for (int row = rows.First(); row <= rows.Last(); ++row) {
+    for (int column = columns.First(); column <= columns.Last(); ++column) {
+      bytes += Bytes(matrix.At(row, column));
     }
   }
-  return same;
+  return bytes;
 }
 
 /// Values of a scalar type: the ordinary, the extreme and the awkward ones.
