@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/data_type.h"
 #include "base/vector.h"
 #include "pool/pool_test.h"
 #include "pool/pool_values.h"
@@ -43,7 +42,7 @@ void ForEachSample(VISIT visit) {
     const auto visit_next = [&](const auto& sample) {
       visit(STRING((PoolTypeWord(pool_type_of<T>) + std::to_string(number++)).c_str()), sample);
     };
-    std::vector<T> samples = SAMPLES<T>::Make();
+    std::vector<T> samples = Samples<T>();
     for (const T& sample : samples) {
       visit_next(sample);
     }
@@ -137,28 +136,6 @@ TEST_F(POOL_WRITE, AKeyOnceAndChangesOfKnownKeysOnly) {
   EXPECT_EQ(real, 3.0);
   pool.Read("in_file", number);
   EXPECT_EQ(number, 4);
-}
-
-TEST_F(POOL_WRITE, EnumerationsByName) {
-  const BASIC::TYPES::DataType type(3);
-  PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
-  pool.WriteEnumeration("type", type);
-  pool.Write("bad", STRING("none"));
-  pool.Update();
-  BASIC::TYPES::DataType read;
-  pool.ReadEnumeration("type", read);
-  EXPECT_EQ(read, type);
-  EXPECT_THROW(pool.ReadEnumeration("bad", read), BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE);
-  EXPECT_EQ(read, type);
-}
-
-TEST_F(POOL_WRITE, OpensForUpdateOnlyWhatIsThere) {
-  const std::string missing = (Directory() / "missing").string();
-  for (const std::string& path : {missing, Directory().string()}) {
-    EXPECT_THROW(PARAMETER_POOL_READ_WRITE_CHANGE{path.c_str()}, CAN_NOT_OPEN_POOL);
-    EXPECT_EQ(log_.Lines().back(), "ALARM : can not open pool file for update " + path);
-    EXPECT_TRUE(log_.Has("DEBUG : construct pool_rwc: " + path));
-  }
 }
 
 TEST_F(POOL_WRITE, DestructorUpdatesOnceAndReportsFailureUnlessAnotherIsOnItsWay) {

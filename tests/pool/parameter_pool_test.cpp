@@ -235,29 +235,14 @@ TEST_F(PARAMETER_POOL_READS, MissingKeysAreReportedAtTheErrorLevel) {
   const std::size_t lines = log_.Lines().size();
   pool.SetErrorLevel(LOGGING_LEVEL_T::NO_MESSAGE);
   EXPECT_THROW(pool.Read("none", number), PARAMETER_KEY_NOT_FOUND);
-  EXPECT_TRUE(pool.Exists("key"));
-  pool.TypeOf("key");
   EXPECT_EQ(log_.Lines().size(), lines);
   pool.SetTraceLevel(LOGGING_LEVEL_T::INFO);
   pool.Read("key", number);
   EXPECT_EQ(log_.Lines().back(), std::string("INFO  : PP.Read ") + Path() + " key INT_32");
 }
 
-TEST_F(PARAMETER_POOL_READS, AMatrixOfTheSameRangesInPlace) {
-  SetPool("m INT_32_M 1 1 2 1\n{\n{\n7\n}\n}\n");
-  MATRIX<int> matrix = MatrixOf<int>(1, 2, 1, {0});
-  int* const* const table = matrix.GetNumRecMatrix();
-  PARAMETER_POOL(Path()).Read("m", matrix);
-  EXPECT_EQ(table[1][2], 7);
-}
-
 TEST_F(PARAMETER_POOL_READS, OnlyFromAnOpenFile) {
-  const std::string missing = (Directory() / "missing").string();
-  EXPECT_THROW(PARAMETER_POOL{missing.c_str()}, CAN_NOT_OPEN_POOL);
-  EXPECT_EQ(log_.Lines().back(), "ALARM : can not open parameter file " + missing);
   EXPECT_THROW(PARAMETER_POOL{Directory().c_str()}, CAN_NOT_OPEN_POOL);
-  EXPECT_EQ(log_.Lines().back(),
-            "ALARM : parameter file " + Directory().string() + " is a directory!");
   PARAMETER_POOL closed;
   EXPECT_EQ(log_.Lines().back(), "TRACE : init pool");
   EXPECT_STREQ(closed.FileName(), "xxx.dat");

@@ -295,17 +295,15 @@ TEST_F(POOL_UPDATE, GoesIntoTheFileThatHasTakenThePlaceOfThePool) {
 }
 
 TEST_F(POOL_UPDATE, ProcessesTakeTurns) {
-  constexpr int processes = 4;
   constexpr int rounds = 20;
+  const std::string own_keys[] = {"a", "b", "c", "d"};
   std::vector<pid_t> children;
-  children.reserve(processes);
-  for (int process = 0; process < processes; ++process) {
+  for (const std::string& own_key : own_keys) {
     children.push_back(Start([&] {
-      const std::string own_key = "process_" + std::to_string(process);
       for (int round = 1; round <= rounds; ++round) {
         PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
         pool.Write(own_key.c_str(), round);
-        pool.Write("common", process);
+        pool.Write("common", round);
         pool.Update();
       }
     }));
@@ -318,9 +316,9 @@ TEST_F(POOL_UPDATE, ProcessesTakeTurns) {
     }
     EXPECT_EQ(status, 0);
   }
-  for (int process = 0; process < processes; ++process) {
+  for (const std::string& own_key : own_keys) {
     int round = 0;
-    pool.Read(("process_" + std::to_string(process)).c_str(), round);
+    pool.Read(own_key.c_str(), round);
     EXPECT_EQ(round, rounds);
   }
   EXPECT_TRUE(pool.Exists("common"));
