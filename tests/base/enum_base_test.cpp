@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <thread>
 
+#include "base/data_type.h"
 #include "base/pool_type.h"
 #include "failing_allocation.h"
 
@@ -99,22 +99,19 @@ TEST(ENUM_BASE, StepsUpOntoTheSentinelAndDownToZero) {
   ExpectFruit(fruit, 0, "-", 7);
 }
 
-TEST(ENUM_BASE, InvalidTextsOfSeveralThreadsKeepApart) {
-  std::array<std::jthread, 4> threads;
-  for (std::size_t number = 0; number < threads.size(); ++number) {
-    threads[number] = std::jthread([number] {
-      const std::string text = "unknown " + std::to_string(number);
-      for (int i = 0; i < 200; ++i) {
-        try {
-          Fruit().Assign(text.c_str());
-          ADD_FAILURE();
-        } catch (const ERROR_ENUM_BASE_INVALID_VALUE& error) {
-          // Others may throw while this one is on its way.
-          EXPECT_THROW(Fruit().Assign("other"), ERROR_ENUM_BASE);
-          ASSERT_TRUE(std::string(error.what()).ends_with(": " + text)) << error.what();
-        }
-      }
-    });
+TEST(DATA_TYPE, NamesAndSizesInBytes) {
+  EXPECT_STREQ(DataType().ValidNames().Text(),
+               "Valid values are: 'int_8' 'int_16' 'int_32' 'int_64' 'u_int_8' 'u_int_16' "
+               "'u_int_32' 'u_int_64' 'flt_2' 'flt_6' 'flt_15' 'flt_30' 'c_int_4' 'c_int_8' "
+               "'c_int_16' 'c_int_32' 'c_int_64' 'c_u_int_4' 'c_u_int_8' 'c_u_int_16' "
+               "'c_u_int_32' 'c_u_int_64' 'c_flt_2' 'c_flt_6' 'c_flt_15' 'c_flt_30' 'rgb' "
+               "'others' ");
+  const int sizes[] = {0, 1, 2,  4, 8, 1, 2, 4,  8, 2, 4,  8,  16, 1, 2,
+                       4, 8, 16, 1, 2, 4, 8, 16, 4, 8, 16, 32, 3,  0, 0};
+  int id = 0;
+  for (const int size : sizes) {
+    EXPECT_EQ(DataType(id).Value(), size) << id;
+    ++id;
   }
 }
 
