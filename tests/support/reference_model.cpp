@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <optional>
 #include <sstream>
 #include <vector>
@@ -39,44 +40,28 @@ struct MODEL_PIXEL {
 };
 
 std::uint16_t EncodeInteger16(double value) {
-  if (std::isnan(value)) {
-    return 0;
-  }
-  const double rounded = value > 32767.0    ? 32767.0
-                         : value < -32768.0 ? -32768.0
-                                            : std::trunc(value > 0.0 ? value + 0.5 : value - 0.5);
-  return static_cast<std::uint16_t>(static_cast<std::int16_t>(rounded));
+  const double rounded =
+      std::isnan(value) ? 0.0 : std::trunc(value > 0.0 ? value + 0.5 : value - 0.5);
+  return static_cast<std::uint16_t>(
+      static_cast<std::int16_t>(std::clamp(rounded, -32768.0, 32767.0)));
 }
 
 std::uint16_t EncodeBinary16(double value) {
-  if (value > 65504.0) {
-    return 0x7BFF;
-  }
-  if (value < -65504.0) {
-    return 0xFBFF;
-  }
   if (std::isnan(value)) {
     return 0x7FFF;
   }
-  const int sign = std::signbit(value) ? 0x8000 : 0;
-  int exponent = 0;
-  // |value| = fraction * 2^exponent with fraction in [1, 2)
-  const double fraction = std::frexp(std::abs(value), &exponent) * 2.0;
-  --exponent;
-  // Eleven bits after the point, truncated; one more is added to them and the last one dropped.
-  int mantissa = static_cast<int>(fraction * 2048.0) + 1;
-  if (mantissa == 4096) {
-    mantissa = 2048;
-    ++exponent;
+  if (std::abs(value) > 65504.0) {
+    return value > 0.0 ? 0x7BFF : 0xFBFF;
   }
-  mantissa >>= 1;
-  if (value == 0.0 || exponent < -14) {
+  if (value == 0.0) {
     return 0;
   }
-  if (exponent > 15) {
-    return static_cast<std::uint16_t>(sign | 0x7C00);
-  }
-  return static_cast<std::uint16_t>(sign | (exponent + 15) << 10 | (mantissa - 1024));
+  // |value| = mantissa / 1024 * 2^exponent, halves rounded up; 2048 carries into the exponent.
+  const int exponent = std::ilogb(value);
+  const double mantissa = std::floor(std::ldexp(std::abs(value), 10 - exponent) + 0.5);
+  const int magnitude = (exponent + 15) * 1024 + static_cast<int>(mantissa) - 1024;
+  const int sign = value < 0.0 ? 0x8000 : 0;
+  return static_cast<std::uint16_t>(magnitude < 0x400 ? 0 : sign | std::min(magnitude, 0x7C00));
 }
 
 std::uint16_t Encode(PIXEL_CODE code, long double value) {
@@ -332,17 +317,6 @@ COMPONENT_VERDICT Judge(PIXEL_CODE code, std::uint16_t bits, long double expecte
   return {bits == low || bits == high || bits == Encode(code, expected), low != high};
 }
 
-std::string Describe(int sample, int line, const RAW_PIXEL& pixel, int mask,
-                     const MODEL_PIXEL& expected, PIXEL_CODE code) {
-  std::ostringstream text;
-  text.precision(18);
-  text << "sample " << sample << " line " << line << ": expected " << expected.re << " + "
-       << expected.im << "i, bits " << std::hex << Encode(code, expected.re) << " "
-       << Encode(code, expected.im) << ", mask " << int{expected.valid} << "; found bits "
-       << pixel.re << " " << pixel.im << ", mask " << mask;
-  return text.str();
-}
-
 MODEL_PIXEL PixelAt(const SCENE& scene, const KERNEL& kernel, int sample, int line) {
   const POSITION position =
       std::visit([&](const auto& mapping) { return Map(mapping, sample, line); }, scene.mapping);
@@ -368,7 +342,13 @@ MODEL_COMPARISON CompareWithModel(const SCENE& scene, const GRID<RAW_PIXEL>& ima
       comparison.valid_pixels += expected.valid;
       comparison.ties += (re.tie ? 1 : 0) + (im.tie ? 1 : 0);
       if ((!re.right || !im.right || valid != expected.valid) && comparison.difference.empty()) {
-        comparison.difference = Describe(sample, line, pixel, valid, expected, scene.code);
+        std::ostringstream text;
+        text << "sample " << sample << " line " << line << ": expected "
+             << std::complex(expected.re, expected.im) << ", mask " << int{expected.valid}
+             << "; found "
+             << std::complex(Decode(scene.code, pixel.re), Decode(scene.code, pixel.im))
+             << ", mask " << int{valid};
+        comparison.difference = text.str();
       }
     }
   }
