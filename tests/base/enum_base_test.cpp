@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <thread>
 
 #include "base/pool_type.h"
 #include "failing_allocation.h"
@@ -97,25 +96,6 @@ TEST(ENUM_BASE, StepsUpOntoTheSentinelAndDownToZero) {
   }
   EXPECT_THROW(fruit--, ERROR_ENUM_BASE_LIMIT_OF_ENUMERATION_EXPIRED);
   ExpectFruit(fruit, 0, "-", 7);
-}
-
-TEST(ENUM_BASE, InvalidTextsOfSeveralThreadsKeepApart) {
-  std::array<std::jthread, 4> threads;
-  for (std::size_t number = 0; number < threads.size(); ++number) {
-    threads[number] = std::jthread([number] {
-      const std::string text = "unknown " + std::to_string(number);
-      for (int i = 0; i < 200; ++i) {
-        try {
-          Fruit().Assign(text.c_str());
-          ADD_FAILURE();
-        } catch (const ERROR_ENUM_BASE_INVALID_VALUE& error) {
-          // Others may throw while this one is on its way.
-          EXPECT_THROW(Fruit().Assign("other"), ERROR_ENUM_BASE);
-          ASSERT_TRUE(std::string(error.what()).ends_with(": " + text)) << error.what();
-        }
-      }
-    });
-  }
 }
 
 }  // namespace

@@ -104,17 +104,6 @@ TEST_F(CONTROLLER, NameBeforeInitIsUnknown) {
       "controller object!\n");
 }
 
-TEST_F(CONTROLLER, FailedEndLeavesOnlyTheErrorFile) {
-  RunController({"tool"}, [](CONTROLLER_IFC& controller) {
-    WriteFile("OK.tool", "0");
-    WriteFile("ERROR.tool", "changed meanwhile");
-    WriteFile("result", std::to_string(controller.FinishFailure()));
-  });
-  EXPECT_EQ(Content("result"), "1");
-  EXPECT_EQ(Content("ERROR.tool"), "1");
-  EXPECT_FALSE(Exists("OK.tool"));
-}
-
 /// Reads what no process may read.
 void TouchForbiddenMemory() {
   const void* const page = ::mmap(nullptr, 1, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

@@ -41,12 +41,12 @@ class PROCESSING_HISTORY_TEST : public ::testing::Test {
 
 TEST_F(PROCESSING_HISTORY_TEST, AppendsNewProgramsAndReplacesKnownOnes) {
   const std::time_t now = std::time(nullptr);
-  AddRun("coregister", "1", now - 10);
+  AddRun("focus \"3\"", "1", now - 10);
   AddRun("Resample", "2", now - 20);
-  AddRun("coregister", "3", now - 3000);
+  AddRun("focus \"3\"", "3", now - 3000);
   AddRun("resample", "4", now + 1000);
   AddRun("other", "5", now, "slave_");
-  EXPECT_EQ(Vector("software_names"), (std::vector<STRING>{"coregister", "Resample", "resample"}));
+  EXPECT_EQ(Vector("software_names"), (std::vector<STRING>{"focus \"3\"", "Resample", "resample"}));
   EXPECT_EQ(Vector("software_versions"), (std::vector<STRING>{"3", "2", "4"}));
   EXPECT_EQ(Vector("slave_software_names"), std::vector<STRING>{"other"});
   EXPECT_EQ(
@@ -62,12 +62,16 @@ TEST_F(PROCESSING_HISTORY_TEST, AppendsNewProgramsAndReplacesKnownOnes) {
 TEST_F(PROCESSING_HISTORY_TEST, LeavesAPoolAloneWhoseHistoryIsUneven) {
   const LOG_CAPTURE log;
   AddRun("one", "1", std::time(nullptr));
-  std::string uneven = ReadFile(path_);
-  const std::size_t times = uneven.find("INT_32_V        0 1");
-  uneven.replace(times, uneven.find('}') - uneven.find('{'), "INT_32_V        0 2\n{\n1\n2\n} #");
-  WriteFile(path_, uneven);
-  EXPECT_THROW(AddRun("two", "1", std::time(nullptr)), ERROR_DATA);
-  EXPECT_EQ(ReadFile(path_), uneven);
+  const std::string history = ReadFile(path_);
+  const std::size_t times = history.find("software_execution_times");
+  const std::string pools[] = {
+      history.substr(0, times),
+      history.substr(0, times) + "software_execution_times INT_32_V 0 2\n{\n1\n2\n}\n"};
+  for (const std::string& pool : pools) {
+    WriteFile(path_, pool);
+    EXPECT_THROW(AddRun("two", "1", std::time(nullptr)), ERROR_EXCEPTION);
+    EXPECT_EQ(ReadFile(path_), pool);
+  }
   EXPECT_TRUE(log.Has("ALARM : processing history: the vectors of the runs differ in length"));
 }
 

@@ -3,8 +3,6 @@
 #include <cmath>
 #include <limits>
 
-#include "mapping/mapping_matrix.h"
-#include "mapping/mapping_polynomial.h"
 #include "support/pool_text.h"
 
 TABLE_MAPPING::TABLE_MAPPING(int width, int height, const POSITION& range, const POSITION& azimuth)
@@ -90,6 +88,12 @@ void CORE_JOB::DrawDoppler() {
       scale *= 2000.0;
     }
   }
+  SetDoppler(azimuth_times, reference_times, coefficients);
+}
+
+void CORE_JOB::SetDoppler(const std::vector<double>& azimuth_times,
+                          const std::vector<double>& reference_times,
+                          const GRID<double>& coefficients) {
   POOL_TEXT text;
   text.SetReal("prf", DrawReal(900.0, 2500.0));
   text.SetReal("range_sampling_frequency", 2e7);
@@ -101,24 +105,6 @@ void CORE_JOB::DrawDoppler() {
   PARAMETER_POOL pool(directory_.File("slave.pool").c_str());
   doppler_.Setup(pool);
   doppler_.range_start_time = 0.005;
-}
-
-void CORE_JOB::SetConstantCentroid(double frequency) {
-  POOL_TEXT text;
-  text.SetReal("prf", 1000.0);
-  text.SetReal("range_sampling_frequency", 2e7);
-  text.SetReal("oversampling", 1.0);
-  text.SetReals("fdc_poly_az_time", {0.0});
-  text.SetReals("fdc_poly_rg_ref_time", {0.0});
-  text.SetRealMatrix("fdc_poly_coeff", GRID<double>(1, 1, frequency));
-  WriteFile(directory_.Path() / "constant.pool", text.Text());
-  PARAMETER_POOL pool(directory_.File("constant.pool").c_str());
-  doppler_.Setup(pool);
-}
-
-void CORE_JOB::SetMapping(std::unique_ptr<MAPPING_BASE> mapping) {
-  mapping_ = std::move(mapping);
-  job_.mapping = mapping_.get();
 }
 
 void CORE_JOB::DrawMapping() {
@@ -174,8 +160,8 @@ void CORE_JOB::DrawMapping() {
         return az + y + slope * y + other_slope * x + 20.0 * slope * std::cos(0.13 * y + 0.1 * x);
       };
   }
-  SetMapping(
-      std::make_unique<TABLE_MAPPING>(job_.output_width, job_.output_height, range, azimuth));
+  mapping_ = std::make_unique<TABLE_MAPPING>(job_.output_width, job_.output_height, range, azimuth);
+  job_.mapping = mapping_.get();
 }
 
 void CORE_JOB::Scatter(std::uint16_t pattern) {

@@ -46,14 +46,13 @@ class CORE_JOB {
   CORE_JOB(const CORE_JOB_KIND& kind, unsigned seed);
 
   RESAMPLE_JOB& Job() { return job_; }
-  const RESAMPLE_JOB& Job() const { return job_; }
-  DOPPLER_CENTROID_MODEL& Doppler() { return doppler_; }
 
   /// Sets one component in a hundred to the given bit pattern.
   void Scatter(std::uint16_t pattern);
   /// A centroid of this many hertz everywhere.
-  void SetConstantCentroid(double frequency);
-  void SetMapping(std::unique_ptr<MAPPING_BASE> mapping);
+  void SetConstantCentroid(double frequency) {
+    SetDoppler({0.0}, {0.0}, GRID<double>(1, 1, frequency));
+  }
 
   void ClearOutputs();
   /// Resamples blocks that end before the given lines; the last one ends with the output.
@@ -73,6 +72,8 @@ class CORE_JOB {
   void FillSlave();
   void FillMask();
   void DrawDoppler();
+  void SetDoppler(const std::vector<double>& azimuth_times,
+                  const std::vector<double>& reference_times, const GRID<double>& coefficients);
   void DrawMapping();
 
   std::mt19937 random_;

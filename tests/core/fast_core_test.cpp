@@ -102,9 +102,8 @@ int CheckAgainstSinglePixels(CORE_JOB& core_job, const LEVEL& level) {
   return computed;
 }
 
-class FastCoreTest : public testing::TestWithParam<int> {
- protected:
-  LOG_CAPTURE log_;
+struct FastCoreTest : testing::TestWithParam<int> {
+  LOG_CAPTURE log;
 };
 
 TEST_P(FastCoreTest, EqualsTheEvaluationOfSinglePixelsBeforeEncoding) {
@@ -172,9 +171,8 @@ void CheckEncodedPixels(CORE_JOB& core_job, const CORE_VARIANT& variant) {
   }
 }
 
-class EncodedFastCoreTest : public testing::Test {
- protected:
-  LOG_CAPTURE log_;
+struct EncodedFastCoreTest : testing::Test {
+  LOG_CAPTURE log;
 };
 
 TEST_F(EncodedFastCoreTest, InfiniteAndNoNumbersSpreadAsInThePlainCore) {

@@ -89,9 +89,7 @@ TEST_F(PositionRowsTest, MatricesGiveTheMappingsOwnPositions) {
   CheckAgainst(*Matrix(30, 20, 7, 5), 230, 120);
   CheckAgainst(*Matrix(100, 50, 1, 1), 90, 60);
   CheckAgainst(*Matrix(4, 3, 32, 32), 150, 100);
-}
-
-TEST_F(PositionRowsTest, MatricesWithoutInteriorShiftNothing) {
+  // Without an interior, so that they shift nothing.
   CheckAgainst(*Matrix(1, 1, 32, 32), 70, 40);
   CheckAgainst(*Matrix(5, 1, 8, 8), 70, 10);
 }

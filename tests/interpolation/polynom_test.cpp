@@ -61,19 +61,4 @@ TEST(PolynomTest, NothingIsEvaluatedWithoutPoints) {
   EXPECT_EQ(log.Lines().back(), "ALARM : POLYNOM: no support points");
 }
 
-TEST(InterpolationTest, TheBaseRefusesToEvaluate) {
-  class ABSTRACT : public INTERPOLATION<double, POINT<double>> {};
-  const LOG_CAPTURE log;
-  const ABSTRACT interpolation;
-  EXPECT_THROW(interpolation.GetY(0.5), ERROR_ALGORITHM);
-  EXPECT_THROW(interpolation.GetDerivedY(0.5), ERROR_ALGORITHM);
-  EXPECT_THROW(interpolation.GetDerived2Y(0.5), ERROR_ALGORITHM);
-  EXPECT_THROW(interpolation.GetCoeffs(0.5), ERROR_ALGORITHM);
-  EXPECT_EQ(log.Text(),
-            "ALARM : INTERPOLATION::GetY() shell not be called\n"
-            "ALARM : INTERPOLATION::GetDerivedY() shell not be called\n"
-            "ALARM : INTERPOLATION::GetDerived2Y() shell not be called\n"
-            "ALARM : INTERPOLATION::GetCoeffs() shall not be called\n");
-}
-
 }  // namespace

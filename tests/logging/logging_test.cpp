@@ -81,15 +81,6 @@ TEST_F(LOG, EachThresholdLetsItsLevelAndAbovePass) {
   }
 }
 
-TEST_F(LOG, LevelsAreSetByNameAndKeptForOtherTexts) {
-  EXPECT_TRUE(log_.SetScreenLevel("NO_MESSAGE"));
-  EXPECT_TRUE(log_.SetFileLevel("PARAMETER"));
-  EXPECT_FALSE(log_.SetScreenLevel("info"));
-  EXPECT_FALSE(log_.SetFileLevel("NO_MESSAGE")) << "the file can not be silenced";
-  EXPECT_EQ(log_.ScreenLevel(), NO_MESSAGE);
-  EXPECT_EQ(log_.FileLevel(), PARAMETER);
-}
-
 TEST_F(LOG, NothingCanBeLoggedAtNoMessage) {
   EXPECT_THROW(log_ << NO_MESSAGE << "text", const char*);
   try {

@@ -6,10 +6,117 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <functional>
+#include <utility>
 
-#include "pool/file_faults.h"
 #include "pool/parameter_pool_read_write_change.h"
 #include "pool/pool_test.h"
+
+namespace {
+
+constexpr std::string_view any_call;
+
+/// Interferes with the system calls of a pool's update while it lives: call number `victim` of
+/// this name (or of any), counted from 0, runs `action`; what that returns, if not 0, is the errno
+/// with which the call fails. Writes take a few bytes each, so that there are many of them.
+class FILE_FAULTS {
+ public:
+  FILE_FAULTS(std::string_view name, int victim, std::function<int()> action)
+      : name_(name), calls_left_(victim), action_(std::move(action)) {
+    active = this;
+  }
+  FILE_FAULTS(std::string_view name, int victim, int error)
+      : FILE_FAULTS(name, victim, [error] { return error; }) {}
+  ~FILE_FAULTS() { active = nullptr; }
+  FILE_FAULTS(const FILE_FAULTS&) = delete;
+  FILE_FAULTS& operator=(const FILE_FAULTS&) = delete;
+
+  /// The names of the calls so far, repetitions left out: "flock pread mkostemp ...".
+  std::string Calls() const { return calls_; }
+  /// Whether there were calls enough to reach the victim.
+  bool Struck() const noexcept { return calls_left_ < 0; }
+
+  /// Counts a call down; true when it has to fail, with errno set.
+  static bool Fails(std::string_view name) { return active != nullptr && active->Strikes(name); }
+
+  static inline FILE_FAULTS* active = nullptr;
+
+ private:
+  bool Strikes(std::string_view name) {
+    if (!calls_.ends_with(name)) {
+      calls_ += (calls_.empty() ? "" : " ") + std::string(name);
+    }
+    const bool counts = name_ == any_call || name_ == name;
+    if (!counts || calls_left_-- != 0) {
+      return false;
+    }
+    active = nullptr;  // the action may use files itself
+    errno = action_();
+    active = this;
+    return errno != 0;
+  }
+
+  std::string_view name_;
+  int calls_left_;
+  std::function<int()> action_;
+  std::string calls_;
+};
+
+}  // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker asks for these names.
+extern "C" {
+
+int __real_mkostemp(char* name, int flags);
+int __real_flock(int descriptor, int operation);
+ssize_t __real_pread(int descriptor, void* buffer, size_t size, off_t offset);
+ssize_t __real_pwrite(int descriptor, const void* buffer, size_t size, off_t offset);
+int __real_fsync(int descriptor);
+int __real_ftruncate(int descriptor, off_t length);
+int __real_close(int descriptor);
+int __real_unlink(const char* name);
+
+int __wrap_mkostemp(char* name, int flags) {
+  return FILE_FAULTS::Fails("mkostemp") ? -1 : __real_mkostemp(name, flags);
+}
+
+int __wrap_flock(int descriptor, int operation) {
+  return FILE_FAULTS::Fails("flock") ? -1 : __real_flock(descriptor, operation);
+}
+
+ssize_t __wrap_pread(int descriptor, void* buffer, size_t size, off_t offset) {
+  return FILE_FAULTS::Fails("pread") ? -1 : __real_pread(descriptor, buffer, size, offset);
+}
+
+ssize_t __wrap_pwrite(int descriptor, const void* buffer, size_t size, off_t offset) {
+  constexpr size_t few_bytes = 50;
+  const size_t part = FILE_FAULTS::active != nullptr ? std::min(size, few_bytes) : size;
+  return FILE_FAULTS::Fails("pwrite") ? -1 : __real_pwrite(descriptor, buffer, part, offset);
+}
+
+int __wrap_fsync(int descriptor) {
+  return FILE_FAULTS::Fails("fsync") ? -1 : __real_fsync(descriptor);
+}
+
+int __wrap_ftruncate(int descriptor, off_t length) {
+  return FILE_FAULTS::Fails("ftruncate") ? -1 : __real_ftruncate(descriptor, length);
+}
+
+/// Closes the descriptor even where it fails, as the system does.
+int __wrap_close(int descriptor) {
+  const bool fails = FILE_FAULTS::Fails("close");
+  const int error = errno;
+  const int result = __real_close(descriptor);
+  errno = error;
+  return fails ? -1 : result;
+}
+
+int __wrap_unlink(const char* name) {
+  return FILE_FAULTS::Fails("unlink") ? -1 : __real_unlink(name);
+}
+
+}  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -37,7 +144,7 @@ class POOL_UPDATE : public POOL_TEST {
   bool AlarmNames(const std::string& file) const {
     const std::vector<std::string> lines = log_.Lines();
     return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
-      return line.rfind("ALARM", 0) == 0 && line.find(file) != std::string::npos;
+      return line.starts_with("ALARM") && line.ends_with(file);
     });
   }
 
@@ -48,26 +155,15 @@ class POOL_UPDATE : public POOL_TEST {
   }
 };
 
-/// Runs the body in a child process and returns its wait status; a body that returns ends the
-/// child with status 0, one that throws with 1.
+/// Runs the body in a child process, which ends with status 0 unless it throws.
 template <class BODY>
 pid_t Start(BODY body) {
   const pid_t child = ::fork();
   if (child == 0) {
-    try {
-      body();
-    } catch (...) {
-      ::_exit(1);
-    }
+    [&]() noexcept { body(); }();
     ::_exit(0);
   }
   return child;
-}
-
-int Wait(pid_t child) {
-  int status = -1;
-  ::waitpid(child, &status, 0);
-  return status;
 }
 
 TEST_F(POOL_UPDATE, LosesNothingWhereverASystemCallFails) {
@@ -128,13 +224,11 @@ TEST_F(POOL_UPDATE, TruncatesThePoolWhenItsCopyIsOnTheDisk) {
 
 TEST_F(POOL_UPDATE, TakesUpInterruptedCalls) {
   for (const char* call : {"flock", "pread", "pwrite"}) {
-    for (const int victim : {0, 1}) {
-      SetPool(original);
-      const FILE_FAULTS faults(call, victim, EINTR);
-      EXPECT_NO_THROW(Update()) << call << victim;
-      EXPECT_TRUE(faults.Struck()) << call << victim;
-      EXPECT_EQ(PoolText(), merged) << call << victim;
-    }
+    SetPool(original);
+    const FILE_FAULTS faults(call, 1, EINTR);
+    EXPECT_NO_THROW(Update()) << call;
+    EXPECT_TRUE(faults.Struck()) << call;
+    EXPECT_EQ(PoolText(), merged) << call;
   }
 }
 
@@ -186,34 +280,30 @@ TEST_F(POOL_UPDATE, GoesIntoTheFileThatHasTakenThePlaceOfThePool) {
     std::filesystem::rename(replacement, Path());
     return 0;
   };
-  for (const bool while_waiting_for_the_lock : {false, true}) {
+  for (const int flock_call : {-1, 0}) {  // before the update or while it waits for the lock
     SetPool(original);
     PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
     WriteEntries(pool);
-    if (while_waiting_for_the_lock) {
-      const FILE_FAULTS faults("flock", 0, replace_pool);
-      pool.Update();
-    } else {
+    if (flock_call < 0) {
       replace_pool();
-      pool.Update();
     }
+    const FILE_FAULTS faults("flock", flock_call, replace_pool);
+    pool.Update();
     EXPECT_EQ(PoolText(), "edited INT_32 1\n" + merged);
     EXPECT_TRUE(pool.Exists("edited"));
   }
 }
 
 TEST_F(POOL_UPDATE, ProcessesTakeTurns) {
-  constexpr int processes = 4;
   constexpr int rounds = 20;
+  const std::string own_keys[] = {"a", "b", "c", "d"};
   std::vector<pid_t> children;
-  children.reserve(processes);
-  for (int process = 0; process < processes; ++process) {
+  for (const std::string& own_key : own_keys) {
     children.push_back(Start([&] {
-      const std::string own_key = "process_" + std::to_string(process);
       for (int round = 1; round <= rounds; ++round) {
         PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
         pool.Write(own_key.c_str(), round);
-        pool.Write("common", process);
+        pool.Write("common", round);
         pool.Update();
       }
     }));
@@ -226,9 +316,9 @@ TEST_F(POOL_UPDATE, ProcessesTakeTurns) {
     }
     EXPECT_EQ(status, 0);
   }
-  for (int process = 0; process < processes; ++process) {
+  for (const std::string& own_key : own_keys) {
     int round = 0;
-    pool.Read(("process_" + std::to_string(process)).c_str(), round);
+    pool.Read(own_key.c_str(), round);
     EXPECT_EQ(round, rounds);
   }
   EXPECT_TRUE(pool.Exists("common"));
@@ -242,15 +332,14 @@ TEST_F(POOL_UPDATE, IsCompleteOrUntouchedWhenTheProcessIsKilled) {
   for (int victim = 0; struck; ++victim) {
     SCOPED_TRACE(victim);
     SetPool(original);
-    const int status = Wait(Start([&] {
+    const pid_t child = Start([&] {
       PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
       WriteEntries(pool);
-      const FILE_FAULTS faults(any_call, victim, [] {
-        ::raise(SIGTERM);
-        return 0;
-      });
+      const FILE_FAULTS faults(any_call, victim, [] { return ::raise(SIGTERM); });
       pool.Update();
-    }));
+    });
+    int status = -1;
+    ::waitpid(child, &status, 0);
     struck = WIFSIGNALED(status) != 0;
     EXPECT_TRUE(PoolText() == merged || (struck && PoolText() == original)) << PoolText();
     EXPECT_TRUE(OtherFiles().empty());

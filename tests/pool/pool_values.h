@@ -28,125 +28,112 @@ void ForEachSingleType(VISIT visit) {
                                 INDEX<int, float>, INDEX<int, double>, TUPLE<STRING>>();
 }
 
-/// Equal to the last bit; of NaNs only the sign counts.
+/// The bytes of a value, equal only for values that are equal to the last bit.
 template <class T>
-requires std::is_arithmetic_v<T> || std::is_same_v<T, STRING>
-bool Same(const T& a, const T& b) {
-  if constexpr (std::is_floating_point_v<T>) {
-    const bool equal = std::isnan(a) ? std::isnan(b) : a == b;
-    return equal && std::signbit(a) == std::signbit(b);
+std::string Bytes(const T& value) {
+  if constexpr (std::is_arithmetic_v<T>) {
+    return {reinterpret_cast<const char*>(&value), sizeof(value)};
+  } else if constexpr (std::is_same_v<T, STRING>) {
+    return value.Text() + std::string("\n");
+  } else if constexpr (requires { value.re; }) {
+    return Bytes(value.re) + Bytes(value.im);
+  } else if constexpr (requires { value.x; }) {
+    return Bytes(value.x) + Bytes(value.y);
   } else {
-    return a == b;
+    return Bytes(value.key) + Bytes(value.value);
   }
 }
 template <class T>
-bool Same(const COMPLEX<T>& a, const COMPLEX<T>& b) {
-  return Same(a.re, b.re) && Same(a.im, b.im);
+std::string Bytes(const ARRAY<T>& vector) {
+  std::string bytes = Bytes(vector.First()) + Bytes(vector.Size());
+  std::for_each(vector.Pointer(0), vector.Pointer(0) + vector.Size(),
+                [&](const T& element) { bytes += Bytes(element); });
+  return bytes;
 }
 template <class T>
-bool Same(const TUPLE<T>& a, const TUPLE<T>& b) {
-  return Same(a.x, b.x) && Same(a.y, b.y);
-}
-template <class T>
-bool Same(const INDEX<int, T>& a, const INDEX<int, T>& b) {
-  return a.key == b.key && Same(a.value, b.value);
-}
-template <class T>
-bool Same(const ARRAY<T>& a, const ARRAY<T>& b) {
-  bool same = a.Range() == b.Range();
-  for (int i = a.First(); same && i <= a.Last(); ++i) {
-    same = Same(a.Origin()[i], b.Origin()[i]);
-  }
-  return same;
-}
-template <class T>
-bool Same(const MATRIX<T>& a, const MATRIX<T>& b) {
-  const RANGE<int> rows = a.Rows();
-  const RANGE<int> columns = a.Columns();
-  bool same = rows == b.Rows() && columns == b.Columns();
-  for (int row = rows.First(); same && row <= rows.Last(); ++row) {
-    for (int column = columns.First(); same && column <= columns.Last(); ++column) {
-      same = Same(a.At(row, column), b.At(row, column));
+std::string Bytes(const MATRIX<T>& matrix) {
+  const RANGE<int> rows = matrix.Rows();
+  const RANGE<int> columns = matrix.Columns();
+  std::string bytes =
+      Bytes(rows.First()) + Bytes(rows.Count()) + Bytes(columns.First()) + Bytes(columns.Count());
+  for (int row = rows.First(); row <= rows.Last(); ++row) {
+    for (int column = columns.First(); column <= columns.Last(); ++column) {
+      bytes += Bytes(matrix.At(row, column));
     }
   }
-  return same;
+  return bytes;
 }
 
-/// Values of a scalar type: the ordinary, the extreme and the awkward ones.
 template <class T>
-struct SAMPLES {
-  static std::vector<T> Make() {
-    using LIMITS = std::numeric_limits<T>;
-    std::vector<T> values = {T(0), T(1), T(100), LIMITS::lowest(), LIMITS::max()};
-    if constexpr (std::is_floating_point_v<T>) {
-      values.insert(values.end(),
-                    {-T(0), T(0.1), T(1) / T(3), LIMITS::min(), LIMITS::epsilon(),
-                     -LIMITS::denorm_min(), LIMITS::quiet_NaN(), -LIMITS::quiet_NaN()});
-      using BITS = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
-      std::mt19937_64 random(1);
-      for (int i = 0; i < 50; ++i) {
-        const T value = std::bit_cast<T>(static_cast<BITS>(random()));
-        values.push_back(std::isfinite(value) ? value : T(i));
-      }
-    }
-    return values;
-  }
-};
-
-template <>
-struct SAMPLES<bool> {
-  static std::vector<bool> Make() { return {true, false}; }
-};
-
-template <>
-struct SAMPLES<STRING> {
-  static std::vector<STRING> Make() {
-    const std::string longest_on_key_line(1024 - 48 - 2, 'x');
-    return {"",
-            " ",
-            "  two  blanks  ",
-            "\ttab",
-            "a \"quoted\" word",
-            "\"",
-            "back\\slash",
-            "\\",
-            "\\\"",
-            "#no comment",
-            "{",
-            "}",
-            "key INT_32 5",
-            "\xC3\xA4\xFF",
-            longest_on_key_line.c_str()};
-  }
-};
+std::vector<T> Samples();
 
 /// Pairs of the samples, from both ends.
 template <class PAIR, class FIRST, class SECOND>
-struct PAIR_SAMPLES {
-  static std::vector<PAIR> Make() {
-    const std::vector<FIRST> first = SAMPLES<FIRST>::Make();
-    const std::vector<SECOND> second = SAMPLES<SECOND>::Make();
-    std::vector<PAIR> pairs;
-    for (std::size_t i = 0; i < second.size(); ++i) {
-      pairs.push_back(PAIR{first[i % first.size()], second[second.size() - 1 - i]});
+std::vector<PAIR> PairsOfSamples() {
+  const std::vector<FIRST> first = Samples<FIRST>();
+  const std::vector<SECOND> second = Samples<SECOND>();
+  std::vector<PAIR> pairs;
+  for (std::size_t i = 0; i < second.size(); ++i) {
+    pairs.push_back(PAIR{first[i % first.size()], second[second.size() - 1 - i]});
+  }
+  return pairs;
+}
+
+inline std::vector<STRING> SampleTexts() {
+  const std::string longest_on_key_line(1024 - 48 - 2, 'x');
+  return {"",
+          " ",
+          "  two  blanks  ",
+          "\ttab",
+          "a \"quoted\" word",
+          "\"",
+          "back\\slash",
+          "\\",
+          "\\\"",
+          "#no comment",
+          "{",
+          "}",
+          "key INT_32 5",
+          "\xC3\xA4\xFF",
+          longest_on_key_line.c_str()};
+}
+
+template <class T>
+std::vector<T> SampleNumbers() {
+  using LIMITS = std::numeric_limits<T>;
+  std::vector<T> values = {T(0), T(1), T(100), LIMITS::lowest(), LIMITS::max()};
+  if constexpr (std::is_floating_point_v<T>) {
+    values.insert(values.end(), {-T(0), T(0.1), T(1) / T(3), LIMITS::min(), LIMITS::epsilon(),
+                                 -LIMITS::denorm_min(), LIMITS::quiet_NaN(), -LIMITS::quiet_NaN()});
+    using BITS = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 50; ++i) {
+      const T value = std::bit_cast<T>(static_cast<BITS>(random()));
+      values.push_back(std::isfinite(value) ? value : T(i));
     }
-    return pairs;
   }
-};
+  return values;
+}
 
+/// The ordinary, the extreme and the awkward values of a type.
 template <class T>
-struct SAMPLES<COMPLEX<T>> : PAIR_SAMPLES<COMPLEX<T>, T, T> {};
-template <class T>
-struct SAMPLES<POINT<T>> : PAIR_SAMPLES<POINT<T>, T, T> {};
-template <class T>
-struct SAMPLES<INDEX<int, T>> : PAIR_SAMPLES<INDEX<int, T>, int, T> {};
-
-template <>
-struct SAMPLES<TUPLE<STRING>> {
-  static std::vector<TUPLE<STRING>> Make() {
+std::vector<T> Samples() {
+  if constexpr (std::is_same_v<T, bool>) {
+    return {true, false};
+  } else if constexpr (std::is_arithmetic_v<T>) {
+    return SampleNumbers<T>();
+  } else if constexpr (std::is_same_v<T, STRING>) {
+    return SampleTexts();
+  } else if constexpr (std::is_same_v<T, TUPLE<STRING>>) {
     return {{"", ""}, {"one", "two words"}, {"\"", "\\"}, {" , ", "#"}, {"}", "{"}};
+  } else if constexpr (requires { &T::re; }) {
+    return PairsOfSamples<T, decltype(T::re), decltype(T::im)>();
+  } else if constexpr (requires { &T::x; }) {
+    return PairsOfSamples<T, decltype(T::x), decltype(T::y)>();
+  } else {
+    return PairsOfSamples<T, decltype(T::key), decltype(T::value)>();
   }
-};
+}
 
 /// A vector of these elements from index 0 on.
 template <class T>

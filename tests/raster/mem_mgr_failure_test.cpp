@@ -112,8 +112,6 @@ TEST_F(MEM_MGR_FAILURE, OfBoundsAndTypesTouchesNoFile) {
   };
   ExpectEmptied<ERROR_ARGUMENT>(create(-2, 1, PIXEL_TYPE::U_INT_8),
                                 impossible("0 .. -2", "0 .. 1"));
-  ExpectEmptied<ERROR_ARGUMENT>(create(0xFFFFFFFE, 0xFFFFFFFE, PIXEL_TYPE::C_FLT_15),
-                                impossible("0 .. 4294967294", "0 .. 4294967294"));
   ExpectEmptied<ERROR_ARGUMENT>(
       [&] { raster_.CreateInMemory(0, INT64_MIN, 0, INT64_MAX, PIXEL_TYPE::U_INT_8); },
       impossible("0 .. 0", "-9223372036854775808 .. 9223372036854775807"));
@@ -132,7 +130,8 @@ TEST_F(MEM_MGR_FAILURE, OfMemory) {
   const ALARMS alarms = {"MEM_MGR: can not allocate memory"};
   ExpectEmptied<ERROR_NO_MEMORY>(
       [&] { raster_.CreateInMemory(0, 0, std::int64_t{1} << 60, 0, PIXEL_TYPE::U_INT_8); }, alarms);
-#ifndef __SANITIZE_ADDRESS__  // which ends the program at an allocation of that size
+// The sanitizers have no room for so many addresses.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
   WriteFile(File("raw"), "x");
   ExpectFailure<ERROR_NO_MEMORY>(
       [&] { raster_.MapRaw(File("raw").c_str(), 0, 0, 0, (1LL << 45) - 1, O_RDONLY); }, alarms);

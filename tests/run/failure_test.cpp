@@ -104,11 +104,6 @@ std::string NoKey(const std::string& key) {
   return PoolText(key, "not found\npool error - key not found");
 }
 
-std::string NoRows(const std::string& count) {
-  return "INTERPOLATION_KERNEL: the number of sub-pixel positions must be at least 1, not " +
-         count + wrong_argument;
-}
-
 std::string NoValue(const std::string& type, const std::string& value, const std::string& valid) {
   return "enumeration data type - invalid value of class " + type + ": " + value +
          "\nValid values are: " + valid;
@@ -125,8 +120,9 @@ TEST(Failure, OfAParameter) {
        "mapping type is neither matrix nor polynomial: -\ncase not handled in if or switch block"},
       {Size("0", "5"), "output without pixels: n_samples = 0, n_lines = 5" + wrong_argument},
       {Size("5", "many"), "output without pixels: n_samples = 5, n_lines = 0" + wrong_argument},
-      {Parameter("KERNEL_SUBPIX_POS", "-3"), NoRows("-3")},
-      {Parameter("KERNEL_SUBPIX_POS", "abc"), NoRows("0")},
+      {Parameter("KERNEL_SUBPIX_POS", "-3"),
+       "INTERPOLATION_KERNEL: the number of sub-pixel positions must be at least 1, not -3" +
+           wrong_argument},
       {[](RUN_FOLDER& folder) { folder.parameters.erase("SlaveIn"); },
        "end of standard input, no value for parameter SlaveIn\nmissing parameter"},
       {Parameter("SlaveOut", "missing/out.ras"),
@@ -151,8 +147,6 @@ TEST(Failure, OfAPool) {
        PoolText("n_lines",
                 "read value is : 1.5 INT_32 (no additional character) value expected\n"
                 "pool error - no or invalid parameter value in file")},
-      {Entry("insar.pool", "n_lines", "INT_32 -1"),
-       "output without pixels: n_samples = 70, n_lines = -1" + wrong_argument},
       {Entry("insar.pool", "mapping_format"), NoKey("mapping_format")},
       {Entry("insar.pool", "mapping_format", "STR foo"),
        NoValue("N5BASIC5TYPES17MappingFormatTypeE", "foo", "'matrix' 'polynomial' ")},
@@ -171,7 +165,6 @@ TEST(Failure, OfAnInputRaster) {
       {WithoutFile("slave.ras"), "MEM_MGR: can not open: slave.ras" + no_open},
       {WithoutFile("mask.ras"), "MEM_MGR: can not open: mask.ras" + no_open},
       {FolderInPlaceOf("slave.ras"), no_header + "slave.ras" + no_read},
-      {CutFile("mask.ras", 0), no_header + "mask.ras" + no_read},
       {CutFile("slave.ras", 31), no_header + "slave.ras" + no_read},
       {CutFile("slave.ras", 32 + 72 * 60 * 4 - 1), short_file + "slave.ras" + no_read},
       {CutFile("mask.ras", 32 + 72 * 60 - 1), short_file + "mask.ras" + no_read},
@@ -179,8 +172,6 @@ TEST(Failure, OfAnInputRaster) {
        "MEM_MGR: unknown pixeltype\nnot supported pixel type"},
       {Raster<float>("slave.ras", 72, 60, RASTER_FLOAT),
        "ERROR : Non supported pixel type has been provided.\nnot supported pixel type", true},
-      {Raster<char>("mask.ras", 71, 60, RASTER_BYTE),
-       "mask has another size than the slave: 71x60 != 72x60" + data_error},
       {Raster<char>("mask.ras", 72, 59, RASTER_BYTE),
        "mask has another size than the slave: 72x59 != 72x60" + data_error},
       {Raster<short>("mask.ras", 72, 60, RASTER_BYTE),
@@ -215,6 +206,8 @@ TEST(Failure, OfTheMapping) {
 
 TEST(Failure, OfTheSlavesAnnotation) {
   // The ordinary scene has two polynomials of two coefficients.
+  const std::string not_positive =
+      "fDC: prf, range_sampling_frequency and oversampling must be positive numbers" + data_error;
   ExpectFailures({
       {Entry("slave.pool", "imaging_mode", "STR foo"),
        NoValue("N5ZARVO9ImageModeE", "foo",
@@ -230,9 +223,9 @@ TEST(Failure, OfTheSlavesAnnotation) {
        "fDC: fdc_poly_coeff holds no coefficient" + data_error, true},
       {Entry("slave.pool", "fdc_poly_az_time", "FLT_15_V 0 2\n{\n1\n1\n}"),
        "fDC: fdc_poly_az_time does not rise strictly" + data_error, true},
-      {Entry("slave.pool", "prf", "FLT_15 0"),
-       "fDC: prf, range_sampling_frequency and oversampling must be positive numbers" + data_error,
-       true},
+      {Entry("slave.pool", "prf", "FLT_15 0"), not_positive, true},
+      {Entry("slave.pool", "oversampling", "FLT_15 -1"), not_positive, true},
+      {Entry("slave.pool", "range_sampling_frequency", "FLT_15 nan"), not_positive, true},
   });
 }
 

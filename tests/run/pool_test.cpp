@@ -6,61 +6,44 @@
 
 namespace {
 
-/// A pool without the times of a run just now; those of older programs stay.
+/// A pool without the times of a run.
 std::string WithoutTimes(const std::string& pool) {
   const std::regex time("\"20(2[1-9]|[3-9][0-9])-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\"");
   return std::regex_replace(std::regex_replace(pool, time, "TIME"), std::regex("    [0-9]\n"),
                             "    SECONDS\n");
 }
 
-/// A history vector as the program writes it.
-std::string HistoryVector(const std::string& key, const std::string& type,
-                          const std::vector<std::string>& elements) {
-  std::string text = key + std::string(32 - key.size(), ' ') + type +
-                     std::string(16 - type.size(), ' ') + "0 " + std::to_string(elements.size()) +
-                     "\n  {\n";
-  for (const std::string& element : elements) {
-    text += "    " + element + "\n";
-  }
-  return text + "  }\n\n";
-}
-
 /// The history of one run, without times.
-std::string OwnHistory() {
-  return HistoryVector("software_names", "STR_V", {"\"Resample\""}) +
-         HistoryVector("software_versions", "STR_V", {"\"0.0.5\""}) +
-         HistoryVector("software_dates", "STR_V", {"\"2020-02-06T13:09:23\""}) +
-         HistoryVector("software_start_times", "STR_V", {"TIME"}) +
-         HistoryVector("software_end_times", "STR_V", {"TIME"}) +
-         HistoryVector("software_execution_times", "INT_32_V", {"SECONDS"});
-}
+constexpr const char* own_history = R"(software_names                  STR_V           0 1
+  {
+    "Resample"
+  }
 
-/// What the programs before this one have left in a pool.
-constexpr const char* older_history = R"(# history of the product
-software_names    STR_V 0 1
-{
- "Focus \"3\""
-}
-software_versions STR_V 0 1
-{
-1.0
-}
-software_dates STR_V 0 1
-{
-2001-01-01T00:00:00
-}
-software_start_times STR_V 0 1
-{
-a
-}
-software_end_times STR_V 0 1
-{
-c
-}
-software_execution_times INT_32_V 0 1
-{
-11
-}
+software_versions               STR_V           0 1
+  {
+    "0.0.5"
+  }
+
+software_dates                  STR_V           0 1
+  {
+    "2020-02-06T13:09:23"
+  }
+
+software_start_times            STR_V           0 1
+  {
+    TIME
+  }
+
+software_end_times              STR_V           0 1
+  {
+    TIME
+  }
+
+software_execution_times        INT_32_V        0 1
+  {
+    SECONDS
+  }
+
 )";
 
 TEST(History, BeginsInAnEmptyLogPoolAndKeepsOneEntryOverThreeRuns) {
@@ -70,41 +53,9 @@ TEST(History, BeginsInAnEmptyLogPoolAndKeepsOneEntryOverThreeRuns) {
   const std::string insar = folder.Content("insar.pool");
   for (int run = 0; run < 3; ++run) {
     ExpectSuccess(folder, folder.Run());
-    EXPECT_EQ(WithoutTimes(folder.Content("log.pool")), OwnHistory());
+    EXPECT_EQ(WithoutTimes(folder.Content("log.pool")), own_history);
   }
   EXPECT_EQ(folder.Content("insar.pool"), insar) << "nothing was forced";
-}
-
-TEST(History, IsAddedToThatOfOtherProgramsInTheInsarPool) {
-  RUN_FOLDER folder(OrdinaryScene());
-  const std::string before = folder.Content("insar.pool");
-  folder.Write("insar.pool", older_history + before);
-  for (int run = 0; run < 3; ++run) {
-    ExpectSuccess(folder, folder.Run());
-    EXPECT_EQ(WithoutTimes(folder.Content("insar.pool")),
-              "# history of the product\n" +
-                  HistoryVector("software_names", "STR_V", {R"("Focus \"3\"")", "\"Resample\""}) +
-                  HistoryVector("software_versions", "STR_V", {"\"1.0\"", "\"0.0.5\""}) +
-                  HistoryVector("software_dates", "STR_V",
-                                {"\"2001-01-01T00:00:00\"", "\"2020-02-06T13:09:23\""}) +
-                  HistoryVector("software_start_times", "STR_V", {"\"a\"", "TIME"}) +
-                  HistoryVector("software_end_times", "STR_V", {"\"c\"", "TIME"}) +
-                  HistoryVector("software_execution_times", "INT_32_V", {"11", "SECONDS"}) +
-                  before);
-  }
-}
-
-TEST(History, ThatMissesAVectorFailsTheRunAndStaysAsItIs) {
-  RUN_FOLDER folder(OrdinaryScene());
-  const std::string history(older_history);
-  const std::string damaged =
-      history.substr(0, history.find("software_end_times")) + folder.Content("insar.pool");
-  folder.Write("insar.pool", damaged);
-  ExpectFailure(folder, folder.Run());
-  EXPECT_EQ(folder.Content("insar.pool"), damaged);
-  EXPECT_EQ(folder.CountLogLines(
-                alarm_begin + "parameter pool: parameter key >> software_end_times << not found"),
-            1);
 }
 
 constexpr const char* written = "STR             \"matrix\"\n\n";
@@ -143,7 +94,7 @@ TEST(ForcedMapping, AndHistoryInOnePoolUnderTwoSpellingsLoseNothing) {
   folder.Write("insar.pool", pool.Text());
   ExpectSuccess(folder, folder.Run());
   const std::string found = WithoutTimes(folder.Content("insar.pool"));
-  EXPECT_TRUE(found.ends_with(std::string(key) + written + OwnHistory())) << found;
+  EXPECT_TRUE(found.ends_with(std::string(key) + written + own_history)) << found;
 }
 
 TEST(ForcedMapping, IsWrittenByAFailedRunTooButNoHistoryIs) {

@@ -13,8 +13,6 @@ double Decode(PIXEL_CODE code, std::uint16_t bits);
 struct MODEL_COMPARISON {
   int computed_pixels = 0;
   int valid_pixels = 0;
-  /// Components so close to a rounding tie that both neighbours are right.
-  int ties = 0;
   /// The first pixel that differs, in words; empty when all agree.
   std::string difference;
 };
