@@ -35,19 +35,16 @@ class RandomScenes : public testing::TestWithParam<unsigned> {};
 TEST_P(RandomScenes, EveryComponentAndEveryMaskByteIsTheModels) {
   int computed = 0;
   int valid = 0;
-  int ties = 0;
   for (unsigned seed = GetParam(); seed < GetParam() + scenes_in_a_block; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     const MODEL_COMPARISON comparison = RunAndCompare(RandomScene(seed), seed);
     ASSERT_EQ(comparison.difference, "");
     computed += comparison.computed_pixels;
     valid += comparison.valid_pixels;
-    ties += comparison.ties;
   }
   EXPECT_GT(computed, 20000) << "the scenes hardly overlap their grids";
   EXPECT_GT(valid, computed / 2);
   EXPECT_LT(valid, computed) << "no mask hides a pixel";
-  EXPECT_LT(ties, computed / 1000) << "so many ties leave the comparison blind";
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomScenes,
