@@ -35,6 +35,15 @@ class DERAMP_PHASORS {
     void Evaluate(const ROW_FUNCTIONS& functions, const double* angles) {
       functions.sine_cosine(angles, strip_columns, {re, im});
     }
+    /// For angles that change slowly along range. Those of columns that are not computed can be
+    /// anything, and must not decide how the others come about.
+    void EvaluateSlow(const ROW_FUNCTIONS& functions, const double* angles, COLUMN_SET computed) {
+      const bool is_done = computed == COLUMN_SET::First(strip_columns) &&
+                           functions.close_sine_cosine(angles, {re, im});
+      if (!is_done) {
+        Evaluate(functions, angles);
+      }
+    }
   };
 
   void EvaluateCentroids(const COLUMN_TRACKER& columns);
