@@ -1,5 +1,6 @@
 #include "core_scene.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <random>
@@ -43,6 +44,7 @@ CORE_SCENE::CORE_SCENE(const CORE_CASE& wanted, int size)
   input_.CreateInMemory(0, 0, last, last, wanted.pixel_type);
   output_.CreateInMemory(0, 0, last, last, wanted.pixel_type);
   output_mask_.CreateInMemory(0, 0, last, last, PIXEL_TYPE::U_INT_8);
+  TouchOutputs();
   FillSlave();
   if (wanted.with_mask) {
     FillMask();
@@ -70,6 +72,12 @@ CORE_SCENE::CORE_SCENE(const CORE_CASE& wanted, int size)
                  .doppler = &doppler_,
                  .imaging_mode = &imaging_mode_,
                  .ps_mode = false});
+}
+
+/// The system hands out memory when it is first written, which is no work of the core.
+void CORE_SCENE::TouchOutputs() {
+  std::fill_n(output_.Data(), output_.DataLength(), static_cast<unsigned char>(1));
+  std::fill_n(output_mask_.Data(), output_mask_.DataLength(), static_cast<unsigned char>(1));
 }
 
 void CORE_SCENE::FillSlave() {

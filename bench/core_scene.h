@@ -28,10 +28,9 @@ class CORE_SCENE {
 
   /// The argument of a single worker for the whole output.
   const RESAMPLE_THR_ARG& Argument() const { return argument_; }
-  const unsigned char* Output() const { return output_.Data(); }
-  std::size_t OutputBytes() const { return static_cast<std::size_t>(output_.DataLength()); }
 
  private:
+  void TouchOutputs();
   void FillSlave();
   void FillMask();
   void SetupDoppler();
