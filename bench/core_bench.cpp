@@ -5,9 +5,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <map>
 #include <string>
 
+#include "base/error_exception.h"
 #include "core/core_variant.h"
 #include "core_scene.h"
 
@@ -88,9 +92,7 @@ void Register(int size) {
   benchmark::RegisterBenchmark("copy", TimeCopy, size)->Unit(benchmark::kMillisecond);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   CLI::App app("Times the core of resample. Takes the options of Google Benchmark as well.");
   int size = 4096;
@@ -100,4 +102,18 @@ int main(int argc, char** argv) {
   CLI11_PARSE(app, argc, argv);
   Register(size);
   benchmark::RunSpecifiedBenchmarks();
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const ERROR_EXCEPTION& error) {
+    std::fprintf(stderr, "core_bench: %s\n", error.what());
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "core_bench: %s\n", error.what());
+  }
+  return EXIT_FAILURE;
 }
