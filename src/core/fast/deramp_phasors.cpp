@@ -14,11 +14,11 @@ void DERAMP_PHASORS::Update(const COLUMN_TRACKER& columns) {
   if (WithRate()) {
     functions_.rate_turns(slope_, rate_, fa, offset_, length_, strip_columns,
                           {first_.turns, step_.turns, last_.turns});
-    first_.EvaluateSlow(functions_, first_.turns, columns.Computed());
-    step_.EvaluateSlow(functions_, step_.turns, columns.Computed());
+    first_.EvaluateClose(functions_, first_.turns, columns.Computed());
+    step_.EvaluateClose(functions_, step_.turns, columns.Computed());
   } else {
     functions_.ramp_turns(slope_, fa, offset_, strip_columns, last_.turns);
-    first_.EvaluateSlow(functions_, slope_, columns.Computed());
+    first_.EvaluateClose(functions_, slope_, columns.Computed());
   }
   last_.Evaluate(functions_, last_.turns);
 }

@@ -37,7 +37,7 @@ class DERAMP_PHASORS {
     }
     /// For angles that change slowly along range. Those of columns that are not computed can be
     /// anything, and must not decide how the others come about.
-    void EvaluateSlow(const ROW_FUNCTIONS& functions, const double* angles, COLUMN_SET computed) {
+    void EvaluateClose(const ROW_FUNCTIONS& functions, const double* angles, COLUMN_SET computed) {
       const bool is_done = computed == COLUMN_SET::First(strip_columns) &&
                            functions.close_sine_cosine(angles, {re, im});
       if (!is_done) {
