@@ -1,5 +1,5 @@
 // Times every variant of the core that the processor offers on a list of cases, one thread, rasters
-// in memory. See `core_bench --help`; bench/run makes a table of it.
+// in memory. See `core_bench -h`; bench/run makes a table of it.
 
 #include <benchmark/benchmark.h>
 
@@ -95,6 +95,7 @@ void Register(int size) {
 int Run(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   CLI::App app("Times the core of resample. Takes the options of Google Benchmark as well.");
+  app.set_help_flag("-h", "Print this; --help prints the options of Google Benchmark");
   int size = 4096;
   app.add_option("--size", size, "Width and height of the images")
       ->check(CLI::Range(16, 65536))
