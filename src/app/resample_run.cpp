@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/resample_thread.h"
@@ -52,21 +53,23 @@ struct SUBSAMPLING {
   int azimuth = 0;
 };
 
-SUBSAMPLING ReadSubsampling(PARAMETER_POOL& pool) {
+void ReadSubsampling(PARAMETER_POOL& pool, const SETUP_STEPS& steps, SUBSAMPLING& subsampling) {
   constexpr const char* range_key = "shift_matrices_subsampling_rg";
   constexpr const char* azimuth_key = "shift_matrices_subsampling_az";
-  SUBSAMPLING subsampling;
   if (pool.Exists(range_key) || pool.Exists(azimuth_key)) {
-    pool.Read(range_key, subsampling.range);
-    pool.Read(azimuth_key, subsampling.azimuth);
+    steps.TakeAll({[&] { pool.Read(range_key, subsampling.range); },
+                   [&] { pool.Read(azimuth_key, subsampling.azimuth); }});
   } else {
-    pool.Read("shift_matrices_subsampling", subsampling.range);
-    subsampling.azimuth = subsampling.range;
+    steps.Take([&] {
+      pool.Read("shift_matrices_subsampling", subsampling.range);
+      subsampling.azimuth = subsampling.range;
+    });
   }
-  return subsampling;
 }
 
 }  // namespace
+
+const SETUP_STEPS RESAMPLE_RUN::first_error_ends;
 
 void RESAMPLE_RUN::Execute(const VERSION_RECORD& version) {
   ReadParameters();
@@ -81,33 +84,53 @@ void RESAMPLE_RUN::Execute(const VERSION_RECORD& version) {
 
 void RESAMPLE_RUN::ReadParameters() {
   Log().Message(INFO, "* Read input parameters");
-  const std::string insar_name = MandatoryParameter(controller_, "INSAR_PARAMETER_POOL");
-  insar_pool_ = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(insar_name.c_str());
-  const std::string log_name = MandatoryParameter(controller_, "log_pp");
-  if (log_name != insar_name) {
-    log_pool_ = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(log_name.c_str());
-  }
-  parameters_ = ReadRunParameters(controller_, *insar_pool_);
-  EchoRunParameters(parameters_, insar_name.c_str());
+  OpenPools();
+  parameters_ = ReadRunParameters(controller_, insar_pool_.get(), steps_);
+  EchoRunParameters(parameters_, insar_pool_name_);
+}
+
+void RESAMPLE_RUN::OpenPools() {
+  steps_.Take([&] {
+    insar_pool_name_ = MandatoryParameter(controller_, "INSAR_PARAMETER_POOL");
+    insar_pool_ = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(insar_pool_name_->c_str());
+  });
+  steps_.Take([&] {
+    const std::string log_name = MandatoryParameter(controller_, "log_pp");
+    has_one_pool_ = log_name == insar_pool_name_;
+    if (!has_one_pool_) {
+      log_pool_ = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(log_name.c_str());
+    }
+  });
 }
 
 void RESAMPLE_RUN::InitializeKernels() {
-  const KERNEL_PARAMETERS& kernel = parameters_.kernel;
   Log().Message(INFO, "* Initialize Kernels");
+  if (!parameters_.kernel) {
+    return;
+  }
+  const KERNEL_PARAMETERS& kernel = *parameters_.kernel;
   Log().Message(INFO, "  -  shift raster = %d", kernel.subpix_positions);
-  kernel_ = std::make_unique<INTERPOLATION_KERNEL>();
-  kernel_->InitKernel(kernel.type, kernel.length, kernel.subpix_positions,
-                      static_cast<float>(kernel.coefficient));
+  steps_.Take([&] {
+    auto tables = std::make_unique<INTERPOLATION_KERNEL>();
+    tables->InitKernel(kernel.type, kernel.length, kernel.subpix_positions,
+                       static_cast<float>(kernel.coefficient));
+    kernel_ = std::move(tables);
+  });
 }
 
 void RESAMPLE_RUN::MapSlaveAndMask() {
   Log().Message(INFO, "* Map input slave and mask");
-  input_slave_.Map(parameters_.slave_in.c_str(), read_only);
-  Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input_slave_.PixelType()));
-  CheckSlaveSides();
+  const bool has_slave = parameters_.slave_in && steps_.Take([&] {
+    input_slave_.Map(parameters_.slave_in->c_str(), read_only);
+    Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input_slave_.PixelType()));
+    CheckSlaveSides();
+  });
   if (parameters_.mask_in) {
-    input_mask_.Map(parameters_.mask_in->c_str(), read_only);
-    CheckMaskFitsSlave();
+    const bool has_mask =
+        steps_.Take([&] { input_mask_.Map(parameters_.mask_in->c_str(), read_only); });
+    if (has_slave && has_mask) {
+      steps_.Take([&] { CheckMaskFitsSlave(); });
+    }
   }
 }
 
@@ -135,35 +158,48 @@ void RESAMPLE_RUN::CheckMaskFitsSlave() const {
 
 void RESAMPLE_RUN::SetupMapping() {
   Log().Message(INFO, "* Setup input mapping");
-  switch (parameters_.mapping_format.Id()) {
-    case MappingFormatType::MATRIX: {
-      const SUBSAMPLING subsampling = ReadSubsampling(*insar_pool_);
-      mapping_ = std::make_unique<MAPPING_MATRIX>(parameters_.rg_mapping_file.c_str(),
-                                                  parameters_.az_mapping_file.c_str(),
-                                                  subsampling.range, subsampling.azimuth);
+  if (!parameters_.mapping_format) {
+    return;
+  }
+  switch (parameters_.mapping_format->Id()) {
+    case MappingFormatType::MATRIX:
+      SetupMatrixMapping();
       break;
-    }
     case MappingFormatType::POLYNOMIAL:
-      mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_);
+      mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_, steps_);
       break;
     default:
-      Log() << ALARM << "mapping type is neither matrix nor polynomial: "
-            << parameters_.mapping_format.Name();
-      throw ERROR_UNHANDLED_CASE();
+      steps_.Take([&] {
+        Log() << ALARM << "mapping type is neither matrix nor polynomial: "
+              << parameters_.mapping_format->Name();
+        throw ERROR_UNHANDLED_CASE();
+      });
+  }
+}
+
+void RESAMPLE_RUN::SetupMatrixMapping() {
+  // What the files are looked at with, should the entries fail.
+  SUBSAMPLING subsampling{1, 1};
+  ReadSubsampling(*insar_pool_, steps_, subsampling);
+  if (parameters_.rg_mapping_file && parameters_.az_mapping_file) {
+    mapping_ = std::make_unique<MAPPING_MATRIX>(parameters_.rg_mapping_file->c_str(),
+                                                parameters_.az_mapping_file->c_str(),
+                                                subsampling.range, subsampling.azimuth, steps_);
   }
 }
 
 void RESAMPLE_RUN::CheckOutputPaths() const {
-  std::vector<std::string> taken = {parameters_.slave_in,
+  std::vector<std::string> taken = {parameters_.slave_in.value_or(""),
                                     parameters_.mask_in.value_or(""),
-                                    parameters_.rg_mapping_file,
-                                    parameters_.az_mapping_file,
-                                    parameters_.slave_pool,
-                                    insar_pool_->FileName(),
+                                    parameters_.rg_mapping_file.value_or(""),
+                                    parameters_.az_mapping_file.value_or(""),
+                                    parameters_.slave_pool.value_or(""),
+                                    insar_pool_name_.value_or(""),
                                     log_pool_ ? log_pool_->FileName() : ""};
-  RefuseOverwriting(parameters_.slave_out, taken);
-  taken.push_back(parameters_.slave_out);
-  RefuseOverwriting(parameters_.mask_out.value_or(""), taken);
+  const std::string slave_out = parameters_.slave_out.value_or("");
+  steps_.Take([&] { RefuseOverwriting(slave_out, taken); });
+  taken.push_back(slave_out);
+  steps_.Take([&] { RefuseOverwriting(parameters_.mask_out.value_or(""), taken); });
 }
 
 void RESAMPLE_RUN::AllocateOutput() {
@@ -171,7 +207,7 @@ void RESAMPLE_RUN::AllocateOutput() {
   CheckOutputPaths();
   const int last_sample = parameters_.n_samples - 1;
   const int last_line = parameters_.n_lines - 1;
-  output_slave_.Create(parameters_.slave_out.c_str(), 0, 0, last_sample, last_line,
+  output_slave_.Create(parameters_.slave_out->c_str(), 0, 0, last_sample, last_line,
                        input_slave_.PixelType());
   if (parameters_.mask_out) {
     output_mask_.Create(parameters_.mask_out->c_str(), 0, 0, last_sample, last_line,
@@ -181,13 +217,22 @@ void RESAMPLE_RUN::AllocateOutput() {
 
 void RESAMPLE_RUN::SetupSlcParameters() {
   Log().Message(INFO, "* Setup SLC parameters");
-  slave_pool_ = std::make_unique<PARAMETER_POOL>(parameters_.slave_pool.c_str());
-  doppler_.Setup(*slave_pool_);
-  insar_pool_->Read("slave_first_rg_time", doppler_.range_start_time);
-  insar_pool_->Read("slave_first_az_time", doppler_.azimuth_start_time);
+  const bool has_slave_pool = parameters_.slave_pool && steps_.Take([&] {
+    slave_pool_ = std::make_unique<PARAMETER_POOL>(parameters_.slave_pool->c_str());
+  });
+  if (has_slave_pool) {
+    doppler_.Setup(*slave_pool_, steps_);
+  }
+  if (insar_pool_) {
+    steps_.TakeAll(
+        {[&] { insar_pool_->Read("slave_first_rg_time", doppler_.range_start_time); },
+         [&] { insar_pool_->Read("slave_first_az_time", doppler_.azimuth_start_time); }});
+  }
   Log().Message(PARAMETER, "fDC: t_rg_start = %f", doppler_.range_start_time);
   Log().Message(PARAMETER, "fDC: t_az_start = %f", doppler_.azimuth_start_time);
-  slave_pool_->ReadEnumeration("imaging_mode", imaging_mode_);
+  if (has_slave_pool) {
+    steps_.Take([&] { slave_pool_->ReadEnumeration("imaging_mode", imaging_mode_); });
+  }
 }
 
 void RESAMPLE_RUN::PerformProcessing() {
@@ -220,17 +265,18 @@ void RESAMPLE_RUN::PerformProcessing() {
   workers.Join();
 }
 
-PARAMETER_POOL_READ_WRITE_CHANGE& RESAMPLE_RUN::LogPool() {
-  return log_pool_ ? *log_pool_ : *insar_pool_;
+void RESAMPLE_RUN::RegisterHistory(const VERSION_RECORD& version) {
+  PROCESSING_HISTORY().AddRun(has_one_pool_ ? *insar_pool_ : *log_pool_,
+                              {.name = version.display_name,
+                               .version = version.version,
+                               .date = version.compile_date,
+                               .start_time = Log().StartTime()});
 }
 
 void RESAMPLE_RUN::ReleaseMemory(const VERSION_RECORD& version) {
   Log().Message(INFO, "* Memory de-allocation");
   mapping_.reset();
-  PROCESSING_HISTORY().AddRun(LogPool(), {.name = version.display_name,
-                                          .version = version.version,
-                                          .date = version.compile_date,
-                                          .start_time = Log().StartTime()});
+  RegisterHistory(version);
   if (log_pool_) {
     log_pool_->Update();
     log_pool_.reset();

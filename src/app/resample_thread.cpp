@@ -16,7 +16,27 @@ void RunCore(const RESAMPLE_THR_ARG& argument) {
            argument.job.output_slave->Rows<PIXEL>());
 }
 
+/// Calls `handle` with the codec of the slave's pixels.
+template <class HANDLE>
+void WithCodec(PIXEL_TYPE type, const HANDLE& handle) {
+  switch (type) {
+    case PIXEL_TYPE::C_INT_16:
+      handle(INT_16_CODEC());
+      break;
+    case PIXEL_TYPE::C_FLT_2:
+      handle(BINARY_16_CODEC());
+      break;
+    default:
+      Log() << ALARM << "ERROR : Non supported pixel type has been provided.";
+      throw "not supported pixel type";
+  }
+}
+
 }  // namespace
+
+void CheckPixelTypeIsSupported(PIXEL_TYPE type) {
+  WithCodec(type, [](auto) {});
+}
 
 void ResampleThread(RESAMPLE_THR_ARG& argument) {
   const URANGE<unsigned int>& block = argument.block;
@@ -27,15 +47,5 @@ void ResampleThread(RESAMPLE_THR_ARG& argument) {
     Log() << ALARM << "ERROR : Both input images must have the same type.";
     throw ERROR_DATA();
   }
-  switch (type) {
-    case PIXEL_TYPE::C_INT_16:
-      RunCore<INT_16_CODEC>(argument);
-      break;
-    case PIXEL_TYPE::C_FLT_2:
-      RunCore<BINARY_16_CODEC>(argument);
-      break;
-    default:
-      Log() << ALARM << "ERROR : Non supported pixel type has been provided.";
-      throw "not supported pixel type";
-  }
+  WithCodec(type, [&]<class CODEC>(CODEC) { RunCore<CODEC>(argument); });
 }

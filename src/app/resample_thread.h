@@ -6,3 +6,7 @@
 /// slave and output differ in type, and the text "not supported pixel type" for a type other
 /// than complex 16-bit integer and complex binary16.
 void ResampleThread(RESAMPLE_THR_ARG& argument);
+
+/// Throws, after its ALARM line, the text that a worker throws for a slave of this pixel type, if
+/// it does.
+void CheckPixelTypeIsSupported(PIXEL_TYPE type);

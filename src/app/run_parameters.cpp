@@ -53,29 +53,42 @@ MappingFormatType ReadMappingFormat(CONTROLLER_IFC& controller,
   return format;
 }
 
-KERNEL_PARAMETERS ReadKernelParameters(CONTROLLER_IFC& controller) {
+std::optional<KERNEL_PARAMETERS> ReadKernelParameters(CONTROLLER_IFC& controller,
+                                                      const SETUP_STEPS& steps) {
   KERNEL_PARAMETERS kernel;
-  kernel.type.Assign(MandatoryParameter(controller, "KERNEL_TYPE").c_str());
-  const std::string coefficient = MandatoryParameter(controller, "KERNEL_COEFFICIENT");
-  kernel.coefficient = std::strtod(coefficient.c_str(), nullptr);
-  kernel.length = MandatoryInteger(controller, "KERNEL_LENGTH");
-  kernel.subpix_positions = MandatoryInteger(controller, "KERNEL_SUBPIX_POS");
-  return kernel;
+  const bool is_read = steps.TakeAll(
+      {[&] { kernel.type.Assign(MandatoryParameter(controller, "KERNEL_TYPE").c_str()); },
+       [&] {
+         const std::string coefficient = MandatoryParameter(controller, "KERNEL_COEFFICIENT");
+         kernel.coefficient = std::strtod(coefficient.c_str(), nullptr);
+       },
+       [&] { kernel.length = MandatoryInteger(controller, "KERNEL_LENGTH"); },
+       [&] { kernel.subpix_positions = MandatoryInteger(controller, "KERNEL_SUBPIX_POS"); }});
+  return is_read ? std::optional(kernel) : std::nullopt;
 }
 
-void ReadOutputSize(CONTROLLER_IFC& controller, PARAMETER_POOL& insar_pool,
-                    RUN_PARAMETERS& parameters) {
-  if (const auto n_samples = OptionalParameter(controller, "n_samples")) {
-    parameters.n_samples = ToInteger(*n_samples);
-    parameters.n_lines = MandatoryInteger(controller, "n_lines");
-  } else {
-    insar_pool.Read("n_samples", parameters.n_samples);
-    insar_pool.Read("n_lines", parameters.n_lines);
-  }
-  if (parameters.n_samples < 1 || parameters.n_lines < 1) {
-    Log().Message(ALARM, "output without pixels: n_samples = %d, n_lines = %d",
-                  parameters.n_samples, parameters.n_lines);
+void CheckOutputSize(int n_samples, int n_lines) {
+  if (n_samples < 1 || n_lines < 1) {
+    Log().Message(ALARM, "output without pixels: n_samples = %d, n_lines = %d", n_samples, n_lines);
     throw ERROR_ARGUMENT();
+  }
+}
+
+void ReadOutputSize(CONTROLLER_IFC& controller, PARAMETER_POOL* insar_pool,
+                    const SETUP_STEPS& steps, RUN_PARAMETERS& parameters) {
+  int n_samples = 0;
+  int n_lines = 0;
+  bool is_read = false;
+  if (const auto text = OptionalParameter(controller, "n_samples")) {
+    n_samples = ToInteger(*text);
+    is_read = steps.Take([&] { n_lines = MandatoryInteger(controller, "n_lines"); });
+  } else if (insar_pool != nullptr) {
+    is_read = steps.TakeAll({[&] { insar_pool->Read("n_samples", n_samples); },
+                             [&] { insar_pool->Read("n_lines", n_lines); }});
+  }
+  if (is_read && steps.Take([&] { CheckOutputSize(n_samples, n_lines); })) {
+    parameters.n_samples = n_samples;
+    parameters.n_lines = n_lines;
   }
 }
 
@@ -100,42 +113,49 @@ std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name) {
 }
 
 RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
-                                 PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
+                                 PARAMETER_POOL_READ_WRITE_CHANGE* insar_pool,
+                                 const SETUP_STEPS& steps) {
   RUN_PARAMETERS parameters;
-  parameters.slave_pool = MandatoryParameter(controller, "SLAVE_PARAMETER_POOL");
-  parameters.slave_in = MandatoryParameter(controller, "SlaveIn");
+  const auto read = [&](const char* name, std::optional<std::string>& value) {
+    steps.Take([&] { value = MandatoryParameter(controller, name); });
+  };
+  read("SLAVE_PARAMETER_POOL", parameters.slave_pool);
+  read("SlaveIn", parameters.slave_in);
   parameters.mask_in = OptionalParameter(controller, "MaskIn");
-  parameters.mapping_format = ReadMappingFormat(controller, insar_pool);
-  if (parameters.mapping_format.Id() == MappingFormatType::MATRIX) {
-    parameters.rg_mapping_file = MandatoryParameter(controller, "RG_MAPPING_FILE");
-    parameters.az_mapping_file = MandatoryParameter(controller, "AZ_MAPPING_FILE");
+  if (insar_pool != nullptr) {
+    steps.Take([&] { parameters.mapping_format = ReadMappingFormat(controller, *insar_pool); });
   }
-  parameters.kernel = ReadKernelParameters(controller);
-  ReadOutputSize(controller, insar_pool, parameters);
+  if (parameters.mapping_format && parameters.mapping_format->Id() == MappingFormatType::MATRIX) {
+    read("RG_MAPPING_FILE", parameters.rg_mapping_file);
+    read("AZ_MAPPING_FILE", parameters.az_mapping_file);
+  }
+  parameters.kernel = ReadKernelParameters(controller, steps);
+  ReadOutputSize(controller, insar_pool, steps, parameters);
   ApplyNumberOfCpus(controller);
-  parameters.slave_out = MandatoryParameter(controller, "SlaveOut");
+  read("SlaveOut", parameters.slave_out);
   parameters.mask_out = OptionalParameter(controller, "MaskOut");
   parameters.ps_mode = ToInteger(OptionalParameter(controller, "PS_MODE").value_or("0")) == 1;
   return parameters;
 }
 
-void EchoRunParameters(const RUN_PARAMETERS& parameters, const char* insar_pool_name) {
-  LOGGING& log = Log();
-  log.Message(INFO, "   - InsarPoolName  : %s", insar_pool_name);
-  log.Message(INFO, "   - SlavePoolName  : %s", parameters.slave_pool.c_str());
-  log.Message(INFO, "   - SlaveIn        : %s", parameters.slave_in.c_str());
-  if (parameters.mask_in) {
-    log.Message(INFO, "   - MaskIn         : %s", parameters.mask_in->c_str());
+void EchoRunParameters(const RUN_PARAMETERS& parameters,
+                       const std::optional<std::string>& insar_pool_name) {
+  const auto echo = [](const char* label, const std::optional<std::string>& value) {
+    if (value) {
+      Log().Message(INFO, "   - %-15s: %s", label, value->c_str());
+    }
+  };
+  echo("InsarPoolName", insar_pool_name);
+  echo("SlavePoolName", parameters.slave_pool);
+  echo("SlaveIn", parameters.slave_in);
+  echo("MaskIn", parameters.mask_in);
+  if (parameters.mapping_format) {
+    echo("Mapping type", parameters.mapping_format->Name());
   }
-  log.Message(INFO, "   - Mapping type   : %s", parameters.mapping_format.Name());
-  if (parameters.mapping_format.Id() == MappingFormatType::MATRIX) {
-    log.Message(INFO, "   - RgMappingFile  : %s", parameters.rg_mapping_file.c_str());
-    log.Message(INFO, "   - AzMappingFile  : %s", parameters.az_mapping_file.c_str());
-  }
-  log.Message(INFO, "   - n_samples      : %d", parameters.n_samples);
-  log.Message(INFO, "   - n_lines        : %d", parameters.n_lines);
-  log.Message(INFO, "   - SlaveOut       : %s", parameters.slave_out.c_str());
-  if (parameters.mask_out) {
-    log.Message(INFO, "   - MaskOut        : %s", parameters.mask_out->c_str());
-  }
+  echo("RgMappingFile", parameters.rg_mapping_file);
+  echo("AzMappingFile", parameters.az_mapping_file);
+  Log().Message(INFO, "   - n_samples      : %d", parameters.n_samples);
+  Log().Message(INFO, "   - n_lines        : %d", parameters.n_lines);
+  echo("SlaveOut", parameters.slave_out);
+  echo("MaskOut", parameters.mask_out);
 }

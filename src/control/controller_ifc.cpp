@@ -43,6 +43,38 @@ CONTROLLER_IFC::~CONTROLLER_IFC() {
 
 void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
   supervisor_flag_ = supervisor_flag;
+  TakeArguments(argc, argv);
+  // A signal that arrives right after the installation finds a controller with its paths.
+  current_ = this;
+  InstallFatalSignalHandler();
+
+  const bool run_is_named = LookUpRun();
+  // The log file can not be named in the configuration file, so its name is looked up first.
+  const std::string log_file_name = LookUpLogFileName(run_is_named);
+  configuration_file_.Open(configuration_file_name_);
+  Log().Open(log_file_name);
+  WarnWithoutConfigurationFile();
+  SetLogLevels();
+
+  StopWhenAsked();
+  ::unlink(status_files_->OkFile().c_str());
+  WriteStatusFile(status_files_->ErrorFile(), 1);
+  WriteProcessIdFiles();
+}
+
+void CONTROLLER_IFC::InitLookups(int argc, char** argv) {
+  asks_nobody_ = true;
+  TakeArguments(argc, argv);
+  LookUpRun();
+  configuration_file_.Open(configuration_file_name_);
+  WarnWithoutConfigurationFile();
+  if (status_files_->StopFileExists()) {
+    Log() << ALARM << "STOP file was found: " << status_files_->StopFile();
+    throw "program execution interrupted";
+  }
+}
+
+void CONTROLLER_IFC::TakeArguments(int argc, char** argv) {
   argc_ = argc;
   argv_ = argv;
   if (argc > 0) {
@@ -50,10 +82,9 @@ void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
   }
   binary_name_ = argument_binary_name_;
   SetStatusFiles();
-  // A signal that arrives right after the installation finds a controller with its paths.
-  current_ = this;
-  InstallFatalSignalHandler();
+}
 
+bool CONTROLLER_IFC::LookUpRun() {
   const std::optional<std::string> run_name = LookUp("pid");
   if (run_name) {
     binary_name_ = *run_name;
@@ -65,21 +96,14 @@ void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
   }
   Log() << TRACE << "status path is [" << status_path_ << "]";
   SetStatusFiles();
-
   configuration_file_name_ = LookUp("pcf").value_or("pcf." + *binary_name_);
-  // The log file can not be named in the configuration file, so its name is looked up first.
-  const std::string log_file_name = LookUpLogFileName(run_name.has_value());
-  configuration_file_.Open(configuration_file_name_);
-  Log().Open(log_file_name);
+  return run_name.has_value();
+}
+
+void CONTROLLER_IFC::WarnWithoutConfigurationFile() const {
   if (!configuration_file_.IsOpen()) {
     Log() << WARNING << "Configuration file " << configuration_file_name_ << " does not exist!";
   }
-  SetLogLevels();
-
-  StopWhenAsked();
-  ::unlink(status_files_->OkFile().c_str());
-  WriteStatusFile(status_files_->ErrorFile(), 1);
-  WriteProcessIdFiles();
 }
 
 void CONTROLLER_IFC::SetStatusFiles() {
@@ -123,6 +147,10 @@ bool CONTROLLER_IFC::GetParameter(const char* name, std::string& value, bool no_
   if (!found) {
     if (no_prompt) {
       return false;
+    }
+    if (asks_nobody_) {
+      Log() << ALARM << "no value for parameter " << name;
+      throw "missing parameter";
     }
     found = AskAtKeyboard(name);
   }

@@ -30,6 +30,13 @@ class CONTROLLER_IFC {
   /// the supervisor.
   void init(int argc, char** argv, int supervisor_flag);
 
+  /// For one who only wants to know what a run with these arguments would find: opens the
+  /// configuration file, and nothing else happens. No file is written, no signal handled, the log
+  /// stays where it is. Lookups then go to the same places as those of a run, but nobody is asked: a
+  /// parameter that is given nowhere is an ALARM line and a `const char*`. An existing STOP file is
+  /// the same.
+  void InitLookups(int argc, char** argv);
+
   /// Looks a parameter up in the argument list ("-NAME value", the last one wins), the
   /// configuration file and the environment, and asks for it at the keyboard when it is in none
   /// of them. With `no_prompt` the result is false then, and `value` unchanged.
@@ -74,7 +81,11 @@ class CONTROLLER_IFC {
   bool MarkFailed() const noexcept;
 
  private:
+  void TakeArguments(int argc, char** argv);
   void SetStatusFiles();
+  /// Name and places of the run; whether it is named by a parameter.
+  bool LookUpRun();
+  void WarnWithoutConfigurationFile() const;
   std::string LookUpLogFileName(bool run_is_named);
   void SetLogLevels();
   void StopWhenAsked() const;
@@ -85,6 +96,7 @@ class CONTROLLER_IFC {
 
   static std::atomic<CONTROLLER_IFC*> current_;
 
+  bool asks_nobody_ = false;
   int argc_ = 0;
   char** argv_ = nullptr;
   std::optional<std::string> binary_name_;

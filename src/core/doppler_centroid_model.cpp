@@ -73,34 +73,45 @@ void FillPoints(ARRAY<POINT<double>>& points, const ANNOTATION& annotation, VALU
 
 }  // namespace
 
-void DOPPLER_CENTROID_MODEL::ReadRates(PARAMETER_POOL& slave_pool) {
-  slave_pool.Read("prf", prf_);
-  slave_pool.Read("range_sampling_frequency", range_sampling_frequency_);
-  slave_pool.Read("oversampling", oversampling_);
+void DOPPLER_CENTROID_MODEL::ReadRates(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps) {
+  const bool is_read = steps.TakeAll(
+      {[&] { slave_pool.Read("prf", prf_); },
+       [&] { slave_pool.Read("range_sampling_frequency", range_sampling_frequency_); },
+       [&] { slave_pool.Read("oversampling", oversampling_); }});
   LOGGING& log = Log();
   log.Message(PARAMETER, "fDC: prf = %f", prf_);
   log.Message(PARAMETER, "fDC: rsf = %f", range_sampling_frequency_);
   log.Message(PARAMETER, "fDC: oversampling = %f", oversampling_);
   log.Message(PARAMETER, "fDC: t_az_start = Not initialized here");
   log.Message(PARAMETER, "fDC: t_rg_start = Not initialized here");
+  if (is_read) {
+    steps.Take([&] { CheckRates(); });
+  }
+}
+
+void DOPPLER_CENTROID_MODEL::CheckRates() const {
   if (!IsPositiveNumber(prf_) || !IsPositiveNumber(range_sampling_frequency_) ||
       !IsPositiveNumber(oversampling_)) {
     RefuseAnnotation("prf, range_sampling_frequency and oversampling must be positive numbers");
   }
 }
 
-void DOPPLER_CENTROID_MODEL::Setup(PARAMETER_POOL& slave_pool) {
-  ReadRates(slave_pool);
+void DOPPLER_CENTROID_MODEL::Setup(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps) {
+  ReadRates(slave_pool, steps);
 
   ANNOTATION annotation;
-  slave_pool.Read("fdc_poly_az_time", annotation.azimuth_times);
-  slave_pool.Read("fdc_poly_rg_ref_time", annotation.reference_times);
-  slave_pool.Read("fdc_poly_coeff", annotation.coefficients);
+  if (!steps.TakeAll({[&] { slave_pool.Read("fdc_poly_az_time", annotation.azimuth_times); },
+                      [&] { slave_pool.Read("fdc_poly_rg_ref_time", annotation.reference_times); },
+                      [&] { slave_pool.Read("fdc_poly_coeff", annotation.coefficients); }})) {
+    return;
+  }
   const int polynomial_count = annotation.PolynomialCount();
   coefficient_count_ = annotation.CoefficientCount();
   Log().Message(PARAMETER, "fDC: number of range polynomials over az: %d", polynomial_count);
   Log().Message(PARAMETER, "fDC: number of coeffs over range: %d", coefficient_count_);
-  CheckAnnotation(annotation);
+  if (!steps.Take([&] { CheckAnnotation(annotation); })) {
+    return;
+  }
 
   const int support_count = polynomial_count >= 3 ? 2 : polynomial_count;
   FillPoints(reference_time_.points, annotation,

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/array.h"
+#include "base/setup_steps.h"
 #include "base/tuple.h"
 #include "interpolation/local_interpolation.h"
 #include "interpolation/polynom.h"
@@ -28,8 +29,8 @@ class DOPPLER_CENTROID_MODEL {
   /// "fdc_poly_rg_ref_time" and "fdc_poly_coeff" (row i: coefficients of polynomial i, column k:
   /// degree k). Throws the pool's errors, and ERROR_DATA for an annotation that defines no
   /// centroid: no polynomial or coefficient, lengths that differ, azimuth times that do not
-  /// rise, rates that are not positive numbers.
-  void Setup(PARAMETER_POOL& slave_pool);
+  /// rise, rates that are not positive numbers. Every entry is a step.
+  void Setup(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps = SETUP_STEPS());
 
   double Prf() const noexcept { return prf_; }
   double RangeSamplingFrequency() const noexcept { return range_sampling_frequency_; }
@@ -55,7 +56,8 @@ class DOPPLER_CENTROID_MODEL {
     INTERPOLATION_OVER_AZIMUTH interpolation;
   };
 
-  void ReadRates(PARAMETER_POOL& slave_pool);
+  void ReadRates(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps);
+  void CheckRates() const;
 
   double prf_ = 0.0;
   double range_sampling_frequency_ = 0.0;

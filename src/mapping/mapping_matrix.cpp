@@ -33,23 +33,30 @@ void InitOnRaster(MATRIX_INTERPOLATION<float>& interpolation, const MEM_MGR& ras
 }  // namespace
 
 MAPPING_MATRIX::MAPPING_MATRIX(const char* rg_file, const char* az_file, int rg_subsampling,
-                               int az_subsampling) {
-  Open(rg_file, az_file, rg_subsampling, az_subsampling);
+                               int az_subsampling, const SETUP_STEPS& steps) {
+  Open(rg_file, az_file, rg_subsampling, az_subsampling, steps);
 }
 
 void MAPPING_MATRIX::Open(const char* rg_file, const char* az_file, int rg_subsampling,
-                          int az_subsampling) {
+                          int az_subsampling, const SETUP_STEPS& steps) {
   rg_interpolation_ = {};
   az_interpolation_ = {};
-  CheckSubsampling(rg_subsampling, az_subsampling);
+  const bool is_subsampled =
+      steps.Take([&] { CheckSubsampling(rg_subsampling, az_subsampling); });
   rg_subsampling_ = rg_subsampling;
   az_subsampling_ = az_subsampling;
-  Log().Message(TRACE, "- open range mapping file: %s", rg_file);
-  MapShifts(rg_raster_, rg_file);
-  Log().Message(TRACE, "- open azimuth mapping file: %s", az_file);
-  MapShifts(az_raster_, az_file);
-  CheckEqualSizes();
-  InitInterpolation();
+  const bool is_mapped =
+      steps.TakeAll({[&] {
+                       Log().Message(TRACE, "- open range mapping file: %s", rg_file);
+                       MapShifts(rg_raster_, rg_file);
+                     },
+                     [&] {
+                       Log().Message(TRACE, "- open azimuth mapping file: %s", az_file);
+                       MapShifts(az_raster_, az_file);
+                     }});
+  if (is_mapped && steps.Take([&] { CheckEqualSizes(); }) && is_subsampled) {
+    InitInterpolation();
+  }
 }
 
 void MAPPING_MATRIX::CheckEqualSizes() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/setup_steps.h"
 #include "mapping/mapping_base.h"
 #include "mapping/matrix_interpolation.h"
 #include "raster/mem_mgr.h"
@@ -21,7 +22,8 @@ class MAPPING_MATRIX : public MAPPING_BASE {
   /// An empty mapping: evaluating it throws ERROR_UNHANDLED_CASE until `Open`.
   MAPPING_MATRIX() = default;
   /// As `Open` on an empty mapping.
-  MAPPING_MATRIX(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling);
+  MAPPING_MATRIX(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling,
+                 const SETUP_STEPS& steps = SETUP_STEPS());
   MAPPING_MATRIX(const MAPPING_MATRIX&) = delete;
   MAPPING_MATRIX& operator=(const MAPPING_MATRIX&) = delete;
   ~MAPPING_MATRIX() override = default;
@@ -30,8 +32,10 @@ class MAPPING_MATRIX : public MAPPING_BASE {
   ///
   /// Throws ERROR_ARGUMENT for a subsampling below 1, ERROR_NOT_SUPPORTED_PIXEL_TYPE for files of
   /// other pixels, ERROR_DATA for files of different sizes, and what `MEM_MGR::Map` throws.
-  /// Evaluating the mapping after a failure throws as on an empty one.
-  void Open(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling);
+  /// Evaluating the mapping after a failure throws as on an empty one. The subsampling, each file
+  /// and the comparison of their sizes are steps.
+  void Open(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling,
+            const SETUP_STEPS& steps = SETUP_STEPS());
   /// Sets up the interpolations on the open files, and prints their overviews, again.
   void InitInterpolation();
 

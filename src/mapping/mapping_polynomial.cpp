@@ -34,20 +34,20 @@ double Shift(const double* c, double x, double y) {
 
 }  // namespace
 
-MAPPING_POLYNOMIAL::MAPPING_POLYNOMIAL(PARAMETER_POOL& pool) {
-  ReadItems(pool);
+MAPPING_POLYNOMIAL::MAPPING_POLYNOMIAL(PARAMETER_POOL& pool, const SETUP_STEPS& steps) {
+  ReadItems(pool, steps);
 }
 
 MAPPING_POLYNOMIAL::MAPPING_POLYNOMIAL(const char* pool_file) {
   PARAMETER_POOL pool(pool_file);
-  ReadItems(pool);
+  ReadItems(pool, SETUP_STEPS());
 }
 
-void MAPPING_POLYNOMIAL::ReadItems(PARAMETER_POOL& pool) {
-  ReadCoefficients(pool, "respl_poly_az", respl_poly_az_);
-  ReadCoefficients(pool, "respl_poly_rg", respl_poly_rg_);
-  n_samples_ = ReadSize(pool, "n_samples");
-  n_lines_ = ReadSize(pool, "n_lines");
+void MAPPING_POLYNOMIAL::ReadItems(PARAMETER_POOL& pool, const SETUP_STEPS& steps) {
+  steps.TakeAll({[&] { ReadCoefficients(pool, "respl_poly_az", respl_poly_az_); },
+                 [&] { ReadCoefficients(pool, "respl_poly_rg", respl_poly_rg_); },
+                 [&] { n_samples_ = ReadSize(pool, "n_samples"); },
+                 [&] { n_lines_ = ReadSize(pool, "n_lines"); }});
 }
 
 double MAPPING_POLYNOMIAL::GetSlaveRange(double range, double azimuth) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/setup_steps.h"
 #include "base/vector.h"
 #include "mapping/mapping_base.h"
 #include "pool/parameter_pool.h"
@@ -17,8 +18,8 @@ class MAPPING_POLYNOMIAL : public MAPPING_BASE {
   static constexpr int coefficient_count = 6;
 
   /// Reads "respl_poly_az", "respl_poly_rg", "n_samples" and "n_lines" from a pool. Throws the
-  /// pool's errors, and ERROR_DATA for too few coefficients.
-  explicit MAPPING_POLYNOMIAL(PARAMETER_POOL& pool);
+  /// pool's errors, and ERROR_DATA for too few coefficients. Every entry is a step.
+  explicit MAPPING_POLYNOMIAL(PARAMETER_POOL& pool, const SETUP_STEPS& steps = SETUP_STEPS());
   /// The same from a pool file, which is closed again.
   explicit MAPPING_POLYNOMIAL(const char* pool_file);
 
@@ -34,7 +35,7 @@ class MAPPING_POLYNOMIAL : public MAPPING_BASE {
   const double* AzCoefficients() const noexcept { return respl_poly_az_.Pointer(0); }
 
  private:
-  void ReadItems(PARAMETER_POOL& pool);
+  void ReadItems(PARAMETER_POOL& pool, const SETUP_STEPS& steps);
 
   VECTOR<double> respl_poly_rg_;
   VECTOR<double> respl_poly_az_;

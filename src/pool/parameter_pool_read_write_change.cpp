@@ -43,6 +43,12 @@ void PARAMETER_POOL_READ_WRITE_CHANGE::Update() {
   ReplaceFile(UpdatePoolFile(FileName(), items));
 }
 
+void PARAMETER_POOL_READ_WRITE_CHANGE::CheckUpdate() const {
+  if (!items_.Empty()) {
+    CheckPoolUpdate(FileName());
+  }
+}
+
 void PARAMETER_POOL_READ_WRITE_CHANGE::Add(PARAMETER_POOL_ITEM item) {
   const STRING key = item.Key();
   const PoolValueType type = item.Type();

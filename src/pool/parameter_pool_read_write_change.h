@@ -51,6 +51,11 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
   /// then, also after a failure, so that no second attempt meets a half-written file. Without
   /// entries nothing happens. Errors: see `UpdatePoolFile`.
   void Update();
+  /// Throws what an update would, as far as that can be told without writing: see
+  /// `CheckPoolUpdate`. Without entries nothing is checked.
+  void CheckUpdate() const;
+  /// Forgets the registered entries: there is nothing to update any more.
+  void Discard() noexcept { items_ = {}; }
 
  private:
   void Add(PARAMETER_POOL_ITEM item);

@@ -1,6 +1,7 @@
 #include "pool/pool_update.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -48,6 +49,11 @@ std::string DirectoryOf(const std::string& path) {
   throw NO_UPDATE_PERMISSION_FOR_POOL();
 }
 
+[[noreturn]] void RefuseTemporary(const char* path, int error) {
+  Log() << ALARM << "can not update parameter pool: " << path;
+  RefuseForPermission(path, error);
+}
+
 std::vector<POOL_LINE> ReadLines(const POOL_FILE& pool) {
   std::vector<POOL_LINE> result;
   POOL_LINES lines(pool);
@@ -70,9 +76,7 @@ POOL_FILE WriteTemporary(const char* pool_name, std::string_view merged) {
   const std::string directory = DirectoryOf(pool_name);
   POOL_FILE temporary = POOL_FILE::CreateTemporary(directory);
   if (!temporary.IsOpen()) {
-    const int error = errno;
-    Log() << ALARM << "can not update parameter pool: " << pool_name;
-    RefuseForPermission(pool_name, error);
+    RefuseTemporary(pool_name, errno);
   }
   if (!temporary.Write(merged) || !temporary.Sync() || !temporary.Close()) {
     const int error = errno;
@@ -116,5 +120,15 @@ POOL_FILE UpdatePoolFile(const char* path, const PARAMETER_POOL_LIST& items) {
       Overwrite(pool, merged, temporary);
       return pool;
     }
+  }
+}
+
+void CheckPoolUpdate(const char* path) {
+  const POOL_FILE pool(path, O_RDWR);
+  if (!pool.IsOpen()) {
+    RefuseForPermission(path, errno);
+  }
+  if (::faccessat(AT_FDCWD, DirectoryOf(path).c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
+    RefuseTemporary(path, errno);
   }
 }

@@ -18,3 +18,7 @@
 /// ERROR_PARAMETER_POOL. In the last case the lines name the temporary file, which stays and holds
 /// the whole pool.
 POOL_FILE UpdatePoolFile(const char* path, const PARAMETER_POOL_LIST& items);
+
+/// Throws NO_UPDATE_PERMISSION_FOR_POOL, after its ALARM lines, when an update of this pool could
+/// not open it or create its temporary file. Nothing is written.
+void CheckPoolUpdate(const char* path);

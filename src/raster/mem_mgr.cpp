@@ -14,6 +14,7 @@
 #include "base/array.h"
 #include "base/error_exception.h"
 #include "logging/logging.h"
+#include "raster/creation_error.h"
 #include "raster/raster_header.h"
 #include "raster/system_error_text.h"
 
@@ -132,6 +133,24 @@ void CopyPlanes(const COLOR_MAP& from, unsigned char* planes) {
   }
 }
 
+/// What a new raster file begins with, and the length of what follows the header.
+struct NEW_RASTER {
+  RASTER_HEADER header;
+  std::int64_t block_length;
+};
+
+NEW_RASTER MakeNewRaster(const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
+                         std::uint32_t color_map_entries) {
+  CheckPixelType(pixel_type);
+  const std::int64_t block_length = CheckBounds(bounds, pixel_type);
+  return {MakeHeader(bounds, pixel_type, color_map_entries), block_length};
+}
+
+void LogCreationError(const char* path, int error) {
+  Log() << ALARM << OpenErrorText(error);
+  Log() << ALARM << "MEM_MGR: can not create: " << path;
+}
+
 [[noreturn]] void ThrowNoImage() {
   Log() << ALARM << "MEM_MGR: no memory allocated for GetNumRecMatrix()";
   throw ERROR_ALGORITHM();
@@ -182,10 +201,7 @@ void MEM_MGR::Create(const char* path, std::int64_t first_column, std::int64_t f
                      std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type,
                      const COLOR_MAP& color_map) {
   CreateFile(path, {first_column, first_row, last_column, last_row}, pixel_type, color_map,
-             [](const char* file_path, int error) {
-               Log() << ALARM << OpenErrorText(error);
-               Log() << ALARM << "MEM_MGR: can not create: " << file_path;
-             });
+             LogCreationError);
 }
 
 void MEM_MGR::Create(const char* path, std::int64_t first_column, std::int64_t first_row,
@@ -198,13 +214,20 @@ void MEM_MGR::Create(const char* path, std::int64_t first_column, std::int64_t f
              });
 }
 
+void MEM_MGR::CheckCreate(const char* path, std::int64_t first_column, std::int64_t first_row,
+                          std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type) {
+  MakeNewRaster({first_column, first_row, last_column, last_row}, pixel_type, 0);
+  if (const int error = CreationError(path)) {
+    LogCreationError(path, error);
+    throw ERROR_CAN_NOT_CREATE_FILE();
+  }
+}
+
 void MEM_MGR::CreateFile(const char* path, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
                          const COLOR_MAP& color_map,
                          void (*log_open_error)(const char* path, int error)) {
   Unmap();
-  CheckPixelType(pixel_type);
-  const std::int64_t block_length = CheckBounds(bounds, pixel_type);
-  const RASTER_HEADER header = MakeHeader(bounds, pixel_type, color_map.entries);
+  const auto [header, block_length] = MakeNewRaster(bounds, pixel_type, color_map.entries);
   Log() << DEBUG << "creating file with dimensions " << bounds.Width() << "x" << bounds.Height();
 
   FILE_DESCRIPTOR file(path, create_flags, new_file_permissions);

@@ -62,6 +62,12 @@ class MEM_MGR {
               std::int64_t last_column, std::int64_t last_row,
               const BASIC::TYPES::DataType& data_type, const COLOR_MAP& color_map = {});
 
+  /// Throws what the first `Create` would, as far as that can be told without touching a file:
+  /// ERROR_NOT_SUPPORTED_PIXEL_TYPE, ERROR_ARGUMENT and ERROR_CAN_NOT_CREATE_FILE. Disk space is
+  /// not looked at.
+  static void CheckCreate(const char* path, std::int64_t first_column, std::int64_t first_row,
+                          std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type);
+
   /// Holds zero-filled memory as an image with the given bounds.
   ///
   /// Throws ERROR_NOT_SUPPORTED_PIXEL_TYPE, ERROR_ARGUMENT for impossible bounds, ERROR_NO_MEMORY.

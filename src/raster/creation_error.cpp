@@ -1,0 +1,50 @@
+#include "raster/creation_error.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "raster/file_descriptor.h"
+
+namespace {
+
+/// The file that a new one of this name would be: symbolic links may lead to none so far.
+std::filesystem::path BehindLinks(std::filesystem::path path) {
+  constexpr int most_links = 40;
+  std::error_code no_link;
+  for (int i = 0; i < most_links && std::filesystem::is_symlink(path, no_link); ++i) {
+    path = path.parent_path() / std::filesystem::read_symlink(path, no_link);
+  }
+  return path;
+}
+
+int ErrorOfNewFile(const std::filesystem::path& path) {
+  if (path.filename().empty()) {
+    return path.empty() ? ENOENT : EISDIR;
+  }
+  const std::filesystem::path directory = path.has_parent_path() ? path.parent_path() : ".";
+  return ::faccessat(AT_FDCWD, directory.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+int CreationError(const char* path) noexcept {
+  try {
+    // Without O_NONBLOCK a FIFO would be waited for.
+    const FILE_DESCRIPTOR file(path, O_RDWR | O_NONBLOCK);
+    if (!file.IsOpen()) {
+      const int error = errno;
+      return error == ENOENT ? ErrorOfNewFile(BehindLinks(path)) : error;
+    }
+    struct stat status {};
+    if (::fstat(file.Get(), &status) != 0) {
+      return errno;
+    }
+    return S_ISREG(status.st_mode) ? 0 : EINVAL;
+  } catch (...) {
+    return ENOMEM;
+  }
+}
