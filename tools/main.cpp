@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "base/error_exception.h"
+#include "check_run/check_run_command.h"
 #include "compare/compare_command.h"
 #include "info/info_command.h"
 #include "logging/logging.h"
@@ -17,7 +18,7 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
-                                               AddInfoCommand};
+                                               AddInfoCommand, AddCheckRunCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, measures and shows rasters around a run of resample."};

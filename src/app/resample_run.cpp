@@ -166,7 +166,9 @@ void RESAMPLE_RUN::SetupMapping() {
       SetupMatrixMapping();
       break;
     case MappingFormatType::POLYNOMIAL:
-      mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_, steps_);
+      if (insar_pool_) {
+        mapping_ = std::make_unique<MAPPING_POLYNOMIAL>(*insar_pool_, steps_);
+      }
       break;
     default:
       steps_.Take([&] {
@@ -180,7 +182,9 @@ void RESAMPLE_RUN::SetupMapping() {
 void RESAMPLE_RUN::SetupMatrixMapping() {
   // What the files are looked at with, should the entries fail.
   SUBSAMPLING subsampling{1, 1};
-  ReadSubsampling(*insar_pool_, steps_, subsampling);
+  if (insar_pool_) {
+    ReadSubsampling(*insar_pool_, steps_, subsampling);
+  }
   if (parameters_.rg_mapping_file && parameters_.az_mapping_file) {
     mapping_ = std::make_unique<MAPPING_MATRIX>(parameters_.rg_mapping_file->c_str(),
                                                 parameters_.az_mapping_file->c_str(),
@@ -189,13 +193,11 @@ void RESAMPLE_RUN::SetupMatrixMapping() {
 }
 
 void RESAMPLE_RUN::CheckOutputPaths() const {
-  std::vector<std::string> taken = {parameters_.slave_in.value_or(""),
-                                    parameters_.mask_in.value_or(""),
-                                    parameters_.rg_mapping_file.value_or(""),
-                                    parameters_.az_mapping_file.value_or(""),
-                                    parameters_.slave_pool.value_or(""),
-                                    insar_pool_name_.value_or(""),
-                                    log_pool_ ? log_pool_->FileName() : ""};
+  std::vector<std::string> taken = {
+      parameters_.slave_in.value_or(""),        parameters_.mask_in.value_or(""),
+      parameters_.rg_mapping_file.value_or(""), parameters_.az_mapping_file.value_or(""),
+      parameters_.slave_pool.value_or(""),      insar_pool_name_.value_or(""),
+      log_pool_ ? log_pool_->FileName() : ""};
   const std::string slave_out = parameters_.slave_out.value_or("");
   steps_.Take([&] { RefuseOverwriting(slave_out, taken); });
   taken.push_back(slave_out);

@@ -37,19 +37,23 @@ const char* MappingFormatKey(PARAMETER_POOL& pool) {
   return !pool.Exists(key) && pool.Exists(upper_case_key) ? upper_case_key : key;
 }
 
-MappingFormatType ReadMappingFormat(CONTROLLER_IFC& controller,
-                                    PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
+std::optional<MappingFormatType> ReadMappingFormat(CONTROLLER_IFC& controller,
+                                                   PARAMETER_POOL_READ_WRITE_CHANGE* insar_pool) {
   MappingFormatType format;
-  const char* key = MappingFormatKey(insar_pool);
   if (const auto forced = OptionalParameter(controller, "MAPPING_FORMAT")) {
     format.Assign(forced->c_str());
-    insar_pool.WriteEnumeration(key, format);
+    if (insar_pool != nullptr) {
+      insar_pool->WriteEnumeration(MappingFormatKey(*insar_pool), format);
+    }
     Log().Message(INFO,
                   "  - Mapping type has been forced by PCF value. It has been written to pool");
-  } else {
-    insar_pool.ReadEnumeration(key, format);
-    Log().Message(INFO, "  - Mapping type has been read from pool");
+    return format;
   }
+  if (insar_pool == nullptr) {
+    return std::nullopt;
+  }
+  insar_pool->ReadEnumeration(MappingFormatKey(*insar_pool), format);
+  Log().Message(INFO, "  - Mapping type has been read from pool");
   return format;
 }
 
@@ -122,9 +126,7 @@ RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
   read("SLAVE_PARAMETER_POOL", parameters.slave_pool);
   read("SlaveIn", parameters.slave_in);
   parameters.mask_in = OptionalParameter(controller, "MaskIn");
-  if (insar_pool != nullptr) {
-    steps.Take([&] { parameters.mapping_format = ReadMappingFormat(controller, *insar_pool); });
-  }
+  steps.Take([&] { parameters.mapping_format = ReadMappingFormat(controller, insar_pool); });
   if (parameters.mapping_format && parameters.mapping_format->Id() == MappingFormatType::MATRIX) {
     read("RG_MAPPING_FILE", parameters.rg_mapping_file);
     read("AZ_MAPPING_FILE", parameters.az_mapping_file);

@@ -32,9 +32,9 @@ class CONTROLLER_IFC {
 
   /// For one who only wants to know what a run with these arguments would find: opens the
   /// configuration file, and nothing else happens. No file is written, no signal handled, the log
-  /// stays where it is. Lookups then go to the same places as those of a run, but nobody is asked: a
-  /// parameter that is given nowhere is an ALARM line and a `const char*`. An existing STOP file is
-  /// the same.
+  /// stays where it is. Lookups then go to the same places as those of a run, but nobody is asked:
+  /// a parameter that is given nowhere is an ALARM line and a `const char*`. An existing STOP file
+  /// is the same.
   void InitLookups(int argc, char** argv);
 
   /// Looks a parameter up in the argument list ("-NAME value", the last one wins), the

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "logging/execution_time.h"
 
@@ -233,6 +234,11 @@ void LOGGING::WriteTrailer() {
   WriteLocked(INFO, "execution time:" + ExecutionTime(end_time - start_time_));
 }
 
+void LOGGING::SetReceiver(RECEIVER receiver) {
+  const std::lock_guard lock(mutex_);
+  receiver_ = std::move(receiver);
+}
+
 std::string LOGGING::FileName() const {
   const std::lock_guard lock(mutex_);
   return file_name_;
@@ -256,6 +262,9 @@ void LOGGING::Write(LOGGING_LEVEL_T level, std::string_view text) {
 void LOGGING::WriteLocked(LOGGING_LEVEL_T level, std::string_view text) {
   if (level == QA_WARNING) {
     qa_warning_logged_ = true;
+  }
+  if (receiver_) {
+    receiver_(level, WithoutFinalLineFeed(text));
   }
   const bool to_screen = level >= screen_level_;
   const bool to_file = file_ >= 0 && level >= file_level_;

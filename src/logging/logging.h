@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -83,6 +84,11 @@ class LOGGING {
   /// The end block: end time and execution time in days, hours, minutes and seconds.
   void WriteTrailer();
 
+  /// Hands the text of every message, whatever its level, to the receiver besides; an empty one
+  /// ends that. It is called under the log's lock and must not log.
+  using RECEIVER = std::function<void(LOGGING_LEVEL_T level, std::string_view text)>;
+  void SetReceiver(RECEIVER receiver);
+
   std::string FileName() const;
   std::time_t StartTime() const noexcept { return start_time_; }
   bool QaWarningLogged() const noexcept { return qa_warning_logged_; }
@@ -123,6 +129,7 @@ class LOGGING {
   std::atomic<bool> supervisor_version_known_ = false;
   bool keep_messages_ = false;
   std::string kept_message_;
+  RECEIVER receiver_;
 };
 
 /// A share in the one log of the process: the first user creates it with its own settings, each

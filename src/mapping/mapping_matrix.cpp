@@ -41,8 +41,7 @@ void MAPPING_MATRIX::Open(const char* rg_file, const char* az_file, int rg_subsa
                           int az_subsampling, const SETUP_STEPS& steps) {
   rg_interpolation_ = {};
   az_interpolation_ = {};
-  const bool is_subsampled =
-      steps.Take([&] { CheckSubsampling(rg_subsampling, az_subsampling); });
+  const bool is_subsampled = steps.Take([&] { CheckSubsampling(rg_subsampling, az_subsampling); });
   rg_subsampling_ = rg_subsampling;
   az_subsampling_ = az_subsampling;
   const bool is_mapped =

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/setup_steps.h"
+#include "logging/logging_level.h"
+
+/// Everything that is wrong with a run: takes the steps of its set-up, notes the errors in place of
+/// ending with the first, and listens to the log meanwhile, because the log tells the details.
+class FINDINGS : public SETUP_STEPS {
+ public:
+  /// What a run's log would say at ALARM, line by line; the last line is the kind of the error.
+  using FAILURE = std::vector<std::string>;
+
+  FINDINGS();
+  FINDINGS(const FINDINGS&) = delete;
+  FINDINGS& operator=(const FINDINGS&) = delete;
+  ~FINDINGS() override;
+
+  bool Take(const STEP& step) const override;
+  /// For what a run would not say itself.
+  void AddFailure(FAILURE failure) { failures_.push_back(std::move(failure)); }
+  void AddWarning(std::string warning) { warnings_.push_back(std::move(warning)); }
+
+  const std::vector<FAILURE>& Failures() const noexcept { return failures_; }
+  const std::vector<std::string>& Warnings() const noexcept { return warnings_; }
+
+ private:
+  mutable std::vector<std::string> alarms_;  ///< of the step that is being taken
+  mutable std::vector<FAILURE> failures_;
+  std::vector<std::string> warnings_;
+};
