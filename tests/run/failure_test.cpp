@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "run_folder.h"
+#include "run_checks.h"
 
 namespace {
 
@@ -75,6 +75,7 @@ void ExpectFailures(const std::vector<FAILURE>& failures) {
     RUN_FOLDER folder(OrdinaryScene());
     folder.Write("OK.run", "0");
     failure.cause(folder);
+    ExpectCheckSays(folder, failure.alarms);
     const PROCESS_END end = folder.Run();
     ExpectFailure(folder, end);
     EXPECT_EQ(Alarms(folder), failure.alarms + "\n" + supervisor_line + "\n");
@@ -246,6 +247,8 @@ TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
     std::filesystem::create_hard_link(folder.Path("az.map"), folder.Path("hard"));
     const std::string before = folder.Exists(input) ? folder.Content(input) : "";
     folder.parameters[parameter] = output;
+    ExpectCheckSays(folder, "output would overwrite another file of the run: " +
+                                std::string(output) + " is " + input + wrong_argument);
     ExpectFailure(folder, folder.Run());
     EXPECT_EQ(Alarms(folder),
               "output would overwrite another file of the run: " + std::string(output) + " is " +

@@ -24,7 +24,8 @@ class FINDINGS : public SETUP_STEPS {
   void AddWarning(std::string warning) { warnings_.push_back(std::move(warning)); }
 
   const std::vector<FAILURE>& Failures() const noexcept { return failures_; }
-  const std::vector<std::string>& Warnings() const noexcept { return warnings_; }
+  /// Those that differ but in a number at their end, as for each row of a table, are one.
+  std::vector<std::string> Warnings() const;
 
  private:
   mutable std::vector<std::string> alarms_;  ///< of the step that is being taken

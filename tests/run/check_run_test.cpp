@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "run_checks.h"
+
+namespace {
+
+bool Says(const PROCESS_END& end, const std::string& text) {
+  return end.screen.find(text) != std::string::npos;
+}
+
+TEST(CheckRun, TellsTheShareOfPixelsThatAreComputed) {
+  // Of many kernels and mappings, some of which lead far outside.
+  for (unsigned seed = 0; seed < 16; ++seed) {
+    SCENE scene = seed == 0 ? OrdinaryScene() : RandomScene(seed);
+    scene.mask.reset();  // so that the output mask tells which pixels were computed
+    const RUN_FOLDER folder(scene);
+    const PROCESS_END check = CheckRun(folder);
+    EXPECT_EQ(check.exit_status, 0) << check.screen;
+    EXPECT_TRUE(Says(check, "\nresample would succeed\n")) << check.screen;
+    ExpectSuccess(folder, folder.Run());
+    const auto mask = ReadRaster<std::uint8_t>(folder.Path("out_mask.ras"), scene.n_samples,
+                                               scene.n_lines, RASTER_BYTE);
+    const auto computed = std::count(mask.values.begin(), mask.values.end(), 1);
+    EXPECT_TRUE(Says(check, "(" + std::to_string(computed) + " of " +
+                                std::to_string(mask.values.size()) + " pixels, all looked at)"))
+        << "seed " << seed << ", computed " << computed << "\n"
+        << check.screen;
+  }
+}
+
+TEST(CheckRun, ListsAllFailuresAtOnce) {
+  RUN_FOLDER folder(OrdinaryScene());
+  folder.parameters.erase("KERNEL_LENGTH");
+  folder.parameters["MaskOut"] = "missing/mask.ras";
+  POOL_TEXT pool = SlavePool(OrdinaryScene());
+  pool.Remove("prf");
+  pool.Set("fdc_poly_coeff", "INT_32 1");
+  folder.Write("slave.pool", pool.Text());
+  std::filesystem::remove(folder.Path("rg.map"));
+  std::filesystem::remove(folder.Path("az.map"));
+  folder.Write("STOP.run", "");
+  const PROCESS_END end = CheckRun(folder);
+  EXPECT_EQ(end.exit_status, 1);
+  for (const char* text :
+       {"no value for parameter KERNEL_LENGTH", "can not create: missing/mask.ras", ">> prf <<",
+        ">> fdc_poly_coeff <<", "can not open: rg.map", "can not open: az.map",
+        "STOP file was found: STOP.run", "resample would fail: 7 reasons"}) {
+    EXPECT_TRUE(Says(end, text)) << text << "\n" << end.screen;
+  }
+}
+
+TEST(CheckRun, FindsWhatFailsAtTheEndOfARun) {
+  RUN_FOLDER folder(OrdinaryScene());
+  POOL_TEXT pool = InsarPool(OrdinaryScene());
+  pool.Set("software_names", "STR_V 0 1\n{\n\"Other\"\n}");
+  folder.Write("insar.pool", pool.Text());
+  folder.parameters["MAPPING_FORMAT"] = "matrix";  // would be written into the pool
+  ExpectCheckSays(folder, "parameter pool: parameter key >> software_versions << not found");
+}
+
+TEST(CheckRun, LooksAtAGridOfAHugeOutputAndFindsTheDiskTooSmall) {
+  SCENE scene = OrdinaryScene();
+  // Every output pixel lies in the middle of the slave.
+  scene.mapping = POLYNOMIAL_MAPPING_DATA{{36, 0, -1, 0, 0, 0}, {30, -1, 0, 0, 0, 0}};
+  scene.n_samples = 4000000;
+  scene.n_lines = 3000000;
+  const PROCESS_END end = CheckRun(RUN_FOLDER(scene));
+  EXPECT_EQ(end.exit_status, 1);
+  EXPECT_TRUE(Says(end, "computed share: 1.000000 (")) << end.screen;
+  EXPECT_TRUE(Says(end, "th sample and line looked at)")) << end.screen;
+  EXPECT_TRUE(Says(end, "not enough disk space")) << end.screen;
+}
+
+TEST(CheckRun, WarnsOfWhatARunAccepts) {
+  RUN_FOLDER folder(OrdinaryScene());
+  folder.parameters["n_samples"] = "100";
+  folder.parameters["n_lines"] = "60";
+  folder.parameters["KERNEL_LENGTH"] = "2";
+  const PROCESS_END end = CheckRun(folder);
+  EXPECT_EQ(end.exit_status, 0);
+  // One tap in each row of the tables, told once.
+  EXPECT_TRUE(Says(end, "more of the kind)\n")) << end.screen;
+  EXPECT_LE(std::count(end.screen.begin(), end.screen.end(), '\n'), 8) << end.screen;
+  // Eleven nodes 8 pixels apart.
+  EXPECT_TRUE(Says(end, "warning: the mapping matrices cover 80 x 60 pixels")) << end.screen;
+  EXPECT_TRUE(Says(end, "Length is reset to 6\n")) << end.screen;
+}
+
+}  // namespace
