@@ -152,7 +152,7 @@ bool CONTROLLER_IFC::GetParameter(const char* name, std::string& value, bool no_
       Log() << ALARM << "no value for parameter " << name;
       throw "missing parameter";
     }
-    found = AskAtKeyboard(name);
+    found = AskAtKeyboard(name, hint_(name));
   }
   value = std::move(*found);
   return true;

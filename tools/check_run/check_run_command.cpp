@@ -3,9 +3,12 @@
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "app/program_version.h"
 #include "base/data_type.h"
 #include "check_run/run_check.h"
 #include "control/controller_ifc.h"
@@ -75,15 +78,7 @@ void CheckRun(const std::vector<std::string>& words) {
   FINDINGS findings;
   RUN_CHECK check(controller, findings);
   findings.Take([&] { controller.InitLookups(arguments.Count(), arguments.Pointers()); });
-  // Nothing of it is written.
-  findings.Take([&] {
-    check.Execute({.display_name = "Resample",
-                   .version = "",
-                   .compiled_by = "",
-                   .compile_date = "",
-                   .configuration_file = "",
-                   .full_version = ""});
-  });
+  findings.Take([&] { check.Execute(ProgramVersion()); });
   Print(findings);
   if (check.Figures()) {
     Print(*check.Figures());
