@@ -9,6 +9,7 @@
 #include "info/info_command.h"
 #include "logging/logging.h"
 #include "png/png_command.h"
+#include "report/report_command.h"
 #include "scene/scene_command.h"
 
 namespace {
@@ -18,7 +19,7 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
-                                               AddInfoCommand, AddCheckRunCommand};
+                                               AddInfoCommand, AddCheckRunCommand, AddReportCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, measures and shows rasters around a run of resample."};

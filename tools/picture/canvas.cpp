@@ -121,15 +121,19 @@ void CANVAS::TextUp(int x, int y, ALIGN align, FONT font, const std::string& tex
                   y + Lead(align, TextWidth(font, text)), Bytes(drawable), Packed(colour));
 }
 
-void CANVAS::WritePng(const std::string& path) const {
+std::string CANVAS::Png() const {
   int size = 0;
   const std::unique_ptr<void, FREER> png(gdImagePngPtr(image_.get(), &size));
   if (!png) {
     throw std::bad_alloc();
   }
+  return {static_cast<const char*>(png.get()), static_cast<std::size_t>(size)};
+}
+
+void CANVAS::WritePng(const std::string& path) const {
+  const std::string png = Png();
   std::unique_ptr<std::FILE, CLOSER> file(std::fopen(path.c_str(), "wb"));
-  if (!file || std::fwrite(png.get(), 1, static_cast<std::size_t>(size), file.get()) !=
-                   static_cast<std::size_t>(size)) {
+  if (!file || std::fwrite(png.data(), 1, png.size(), file.get()) != png.size()) {
     ThrowCanNotWrite(path);
   }
   if (std::fclose(file.release()) != 0) {

@@ -35,6 +35,8 @@ class CANVAS {
   /// A text that reads upwards, whose middle height is x.
   void TextUp(int x, int y, ALIGN align, FONT font, const std::string& text, COLOUR colour);
 
+  /// The bytes of a PNG file. Throws std::bad_alloc.
+  std::string Png() const;
   /// Throws std::runtime_error, which names the path, when the file cannot be written.
   void WritePng(const std::string& path) const;
 

@@ -1,6 +1,7 @@
 #include "png/line_sums.h"
 
 #include <algorithm>
+#include <cmath>
 #include <complex>
 #include <vector>
 
@@ -34,6 +35,13 @@ LINE_SUMS SumsOf(const RASTER_READER& a, const RASTER_READER& b) {
     std::transform(values_a.begin(), values_a.end(), values_b.begin(), pixels.begin(),
                    PAIR_SUMS::Of);
   };
+}
+
+LINE_SUMS ValuesOf(const RASTER_READER& image) {
+  return LineSums(image, [](std::complex<double> value) {
+    return std::isfinite(value.real()) ? PAIR_SUMS{.cross = value.real(), .weight = 1.0}
+                                       : PAIR_SUMS{};
+  });
 }
 
 LINE_SUMS GapsOf(const RASTER_READER& mask) {

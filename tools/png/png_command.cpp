@@ -69,5 +69,6 @@ void AddPngCommand(CLI::App& app) {
   AddKind(png, "phase", "Phase of a complex raster", PhaseFigure);
   AddKind(png, "interferogram", "Phase difference of two complex rasters", InterferogramFigure);
   AddKind(png, "coherence", "Coherence of two complex rasters", CoherenceFigure);
+  AddKind(png, "values", "Values of a real raster, such as shifts", ValueFigure);
   AddKind(png, "mask", "Valid pixels of a mask", MaskFigure);
 }

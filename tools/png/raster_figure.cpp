@@ -82,7 +82,13 @@ double ValidityOf(const PAIR_SUMS& gaps) {
   return gaps.weight > 0.0 ? 0.0 : 1.0;
 }
 
-COLOUR_SCALE DecibelScale(std::vector<double> values) {
+double MeanOf(const PAIR_SUMS& sums) {
+  return sums.weight > 0.0 ? sums.cross.real() / sums.weight : no_value;
+}
+
+/// From the 1st to the 99th percentile, at least so far from end to end.
+COLOUR_SCALE PercentileScale(std::vector<double> values, double smallest_range, COLOUR_MAP map,
+                             const char* name) {
   std::erase_if(values, [](double value) { return std::isnan(value); });
   double low = 0.0;
   double high = 0.0;
@@ -92,11 +98,10 @@ COLOUR_SCALE DecibelScale(std::vector<double> values) {
     low = values[static_cast<std::size_t>(0.01 * last)];
     high = values[static_cast<std::size_t>(std::ceil(0.99 * last))];
   }
-  constexpr double smallest_range = 1.0;
   const double widening = std::max(0.0, smallest_range - (high - low)) / 2.0;
   low -= widening;
   high += widening;
-  return {low, high, GreyMap, "amplitude [dB]", RoundTicks(low, high, (high - low) / 8.0)};
+  return {low, high, map, name, RoundTicks(low, high, (high - low) / 8.0)};
 }
 
 COLOUR_SCALE PhaseScale() {
@@ -122,7 +127,7 @@ FIGURE AmplitudeFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted) {
   FIGURE figure = MultilookedFigure(image, SumsOf(image), wanted, 1, DecibelsOf);
   figure.title = "Amplitude";
   figure.subtitle = Subtitle(FileName(image), figure);
-  figure.scale = DecibelScale(figure.values.Cells());
+  figure.scale = PercentileScale(figure.values.Cells(), 1.0, GreyMap, "amplitude [dB]");
   return figure;
 }
 
@@ -152,6 +157,17 @@ FIGURE CoherenceFigure(const RASTER_READER& a, const RASTER_READER& b, const PIC
   figure.title = "Coherence";
   figure.subtitle = Subtitle(FileName(a) + " and " + FileName(b), figure);
   figure.scale = CoherenceScale();
+  return figure;
+}
+
+FIGURE ValueFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted) {
+  if (image.IsComplex()) {
+    throw std::invalid_argument("pixels are complex in " + image.Path());
+  }
+  FIGURE figure = MultilookedFigure(image, ValuesOf(image), wanted, 1, MeanOf);
+  figure.title = "Values";
+  figure.subtitle = Subtitle(FileName(image), figure);
+  figure.scale = PercentileScale(figure.values.Cells(), 1e-3, SequentialMap, "value");
   return figure;
 }
 

@@ -17,6 +17,8 @@ FIGURE InterferogramFigure(const RASTER_READER& a, const RASTER_READER& b,
                            const PICTURE_SIZE& wanted);
 /// Coherence within boxes of at least 5 x 5 pixels, as far as the image has them.
 FIGURE CoherenceFigure(const RASTER_READER& a, const RASTER_READER& b, const PICTURE_SIZE& wanted);
+/// Mean of real pixels; the scale runs from the 1st to the 99th percentile.
+FIGURE ValueFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted);
 /// Where a mask of one byte a pixel is not 0. A box is shown as valid when all of its pixels
 /// are, so that single gaps can be seen.
 FIGURE MaskFigure(const RASTER_READER& mask, const PICTURE_SIZE& wanted);

@@ -1,0 +1,50 @@
+#include "report/report_command.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "logging/logging.h"
+#include "report/report_page.h"
+
+namespace {
+
+struct REPORT_OPTIONS {
+  std::string directory;
+  std::string log;
+  std::string master;
+  std::string page;
+};
+
+void WriteReport(const REPORT_OPTIONS& options) {
+  // A raster that is missing is told on the page.
+  Log().SetScreenLevel(LOGGING_LEVEL_T::NO_MESSAGE);
+  const RUN_RECORD run(options.directory, options.log);
+  const std::string path = options.page.empty() ? run.Resolved("report.html") : options.page;
+  const std::string page = MakeReportPage(run, options.master);
+  std::ofstream file(path, std::ios::binary);
+  file << page << std::flush;
+  if (!file) {
+    throw std::runtime_error("can not write " + path);
+  }
+  std::cout << path << "\n";
+}
+
+}  // namespace
+
+void AddReportCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("report", "Make an HTML page of how a run went");
+  const auto options = std::make_shared<REPORT_OPTIONS>();
+  command.add_option("directory", options->directory, "Directory that the run was started in")
+      ->required()
+      ->check(CLI::ExistingDirectory);
+  command.add_option("--master", options->master,
+                     "Master image: adds interferograms and coherence before and after");
+  command.add_option("--log", options->log,
+                     "Log file in the directory; usually log.resample or the only log.*");
+  command.add_option("--out", options->page, "Page to write; usually report.html in the directory");
+  command.callback([options] { WriteReport(*options); });
+}

@@ -1,0 +1,199 @@
+#include "report/report_page.h"
+
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "base/error_exception.h"
+#include "report/html.h"
+#include "report/quicklooks.h"
+
+namespace {
+
+constexpr const char* style = R"(
+:root { color-scheme: light dark; --ink: #1c2430; --soft: #5a6675; --paper: #f5f6f8;
+  --card: #ffffff; --edge: #d9dee5; --good: #11693a; --bad: #b3141f; --open: #8a5300; }
+@media (prefers-color-scheme: dark) {
+  :root { --ink: #e6eaf0; --soft: #a3afbd; --paper: #12161c; --card: #1b2129; --edge: #323b47;
+    --good: #5fd394; --bad: #ff7b80; --open: #f2b45c; } }
+* { box-sizing: border-box; }
+body { margin: 0 auto; padding: 1.5rem 1rem 3rem; max-width: 76rem; background: var(--paper);
+  color: var(--ink); font: 1rem/1.5 system-ui, sans-serif; }
+h1 { margin: 0; font-size: 1.6rem; line-height: 1.25; }
+h2 { margin: 2rem 0 .6rem; font-size: 1.15rem; }
+.soft, figcaption { color: var(--soft); }
+.soft { margin: .3rem 0 0; }
+.state { display: inline-block; padding: .1rem .7rem; border: 2px solid; border-radius: 1rem;
+  font-size: .95rem; font-weight: 600; vertical-align: .15em; margin-left: .4rem; }
+.succeeded { color: var(--good); } .failed { color: var(--bad); } .unfinished { color: var(--open); }
+.card { background: var(--card); border: 1px solid var(--edge); border-radius: .6rem; }
+dl { display: grid; grid-template-columns: repeat(auto-fit, minmax(9.5rem, 1fr)); gap: .75rem;
+  margin: 1.2rem 0 0; }
+dl div { padding: .6rem .9rem; }
+dt { color: var(--soft); font-size: .85rem; }
+dd { margin: 0; font-size: 1.2rem; font-weight: 600; overflow-wrap: anywhere; }
+.lines { margin: 0; padding: .7rem .9rem; font: .875rem/1.5 ui-monospace, monospace;
+  white-space: pre-wrap; overflow-wrap: anywhere; }
+.lines.alarm { color: var(--bad); border-color: var(--bad); }
+table { width: 100%; border-collapse: collapse; overflow: hidden; }
+th, td { padding: .4rem .9rem; text-align: left; vertical-align: top; overflow-wrap: anywhere;
+  border-bottom: 1px solid var(--edge); }
+tr:last-child td, tr:last-child th { border-bottom: 0; }
+tbody th { font-weight: 500; }
+td:last-child { color: var(--soft); }
+.pictures { display: grid; gap: 1rem;
+  grid-template-columns: repeat(auto-fill, minmax(min(100%, 21rem), 1fr)); }
+figure { margin: 0; padding: .6rem; }
+img { display: block; max-width: 100%; height: auto; margin: 0 auto; border-radius: .3rem; }
+figcaption { padding: .5rem .2rem 0; font-size: .875rem; overflow-wrap: anywhere; }
+summary { cursor: pointer; margin-top: 2rem; font-weight: 600; }
+details .lines { margin-top: .6rem; }
+@media (max-width: 34rem) {
+  th, td { padding: .35rem .5rem; font-size: .875rem; } h1 { font-size: 1.35rem; } }
+)";
+
+std::string Number(const char* format, double value) {
+  char text[64];
+  std::snprintf(text, sizeof text, format, value);
+  return text;
+}
+
+struct STATE_WORDS {
+  const char* word;  ///< also the class of its style
+  const char* sentence;
+};
+
+STATE_WORDS WordsOf(RUN_STATE state) {
+  switch (state) {
+    case RUN_STATE::SUCCEEDED:
+      return {"succeeded", "The run has come to its end; the outputs are complete."};
+    case RUN_STATE::FAILED:
+      return {"failed", "The run has failed; its outputs, if any, are incomplete."};
+    default:
+      return {"unfinished", "The run has not come to its end: it still goes on, or was killed."};
+  }
+}
+
+/// The page under construction, section by section.
+class PAGE {
+ public:
+  PAGE(const RUN_RECORD& run, const std::string& master) : run_(run), master_(master) {}
+
+  std::string Make() && {
+    AddHead();
+    AddFigures();
+    AddLines("ALARM", "Alarms", "lines card alarm");
+    AddLines("WARN", "Warnings", "lines card");
+    AddParameters();
+    for (const QUICKLOOK_GROUP& group : DrawQuicklooks(run_, master_)) {
+      AddPictures(group);
+    }
+    AddLog();
+    html_ += "</main>\n</body>\n</html>\n";
+    return std::move(html_);
+  }
+
+ private:
+  void AddHead() {
+    const STATE_WORDS words = WordsOf(run_.State());
+    const std::string title = Escaped(run_.Name()) + " " + words.word;
+    html_ +=
+        "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
+        title + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<main>\n<h1>" +
+        Escaped(run_.Name()) + " <span class=\"state " + words.word + "\">" + words.word +
+        "</span></h1>\n<p class=\"soft\">" + words.sentence + "</p>\n<p class=\"soft\">" +
+        Escaped(run_.Log().After("start time: ").value_or("")) + "</p>\n";
+  }
+
+  void AddFigure(const char* name, const std::string& value) {
+    html_ += std::string("<div class=\"card\"><dt>") + name + "</dt><dd>" + Escaped(value) +
+             "</dd></div>\n";
+  }
+
+  void AddFigures() {
+    html_ += "<dl>\n";
+    const double pixels = static_cast<double>(run_.Samples()) * static_cast<double>(run_.Lines());
+    if (pixels > 0.0) {
+      AddFigure("Output", std::to_string(run_.Samples()) + " \u00d7 " +
+                              std::to_string(run_.Lines()) + " pixels");
+    }
+    const auto seconds = run_.Seconds();
+    if (seconds) {
+      AddFigure("Duration", *seconds > 0.0 ? Number("%.3g s", *seconds) : "less than 1 s");
+    }
+    if (seconds && *seconds > 0.0 && pixels > 0.0) {
+      AddFigure("Throughput", Number("%.3g", pixels / *seconds / 1e6) + " Mpixel/s");
+    }
+    if (const auto mask = run_.Output("MaskOut")) {
+      AddValidShare(*mask);
+    }
+    html_ += "</dl>\n";
+  }
+
+  void AddValidShare(const std::string& mask) {
+    try {
+      AddFigure("Valid pixels", Number("%.2f %%", 100.0 * ValidShare(mask)));
+    } catch (const ERROR_EXCEPTION&) {  // the picture of the mask tells the reason
+    }
+  }
+
+  void AddLines(const char* level, const char* title, const char* css_class) {
+    const std::vector<std::string> lines = run_.Log().Texts(level);
+    if (lines.empty()) {
+      return;
+    }
+    html_ += std::string("<section><h2>") + title + "</h2>\n<pre class=\"" + css_class + "\">";
+    for (const std::string& line : lines) {
+      html_ += Escaped(line) + "\n";
+    }
+    html_ += "</pre></section>\n";
+  }
+
+  void AddParameters() {
+    html_ +=
+        "<section><h2>Parameters</h2>\n<table class=\"card\">\n<thead><tr><th "
+        "scope=\"col\">Name</th><th scope=\"col\">Value</th><th "
+        "scope=\"col\">From</th></tr></thead>\n<tbody>\n";
+    for (const LOGGED_PARAMETER& parameter : run_.Log().Parameters()) {
+      html_ += "<tr><th scope=\"row\">" + Escaped(parameter.name) + "</th><td>" +
+               Escaped(parameter.value) + "</td><td>" + Escaped(parameter.source) + "</td></tr>\n";
+    }
+    html_ += "</tbody>\n</table></section>\n";
+  }
+
+  void AddPictures(const QUICKLOOK_GROUP& group) {
+    html_ += "<section><h2>" + Escaped(group.title) + "</h2>\n<div class=\"pictures\">\n";
+    for (const QUICKLOOK& picture : group.pictures) {
+      const std::string title = Escaped(picture.title);
+      const std::string caption = Escaped(picture.caption);
+      if (picture.png.empty()) {
+        html_ += "<figure class=\"card\"><figcaption>" + title +
+                 " is not shown: " + Escaped(picture.reason) + "</figcaption></figure>\n";
+      } else {
+        html_ += "<figure class=\"card\"><img alt=\"" + title + ". " + caption +
+                 "\" src=\"data:image/png;base64," + Base64(picture.png) + "\"><figcaption>" +
+                 title + ". " + caption + "</figcaption></figure>\n";
+      }
+    }
+    html_ += "</div></section>\n";
+  }
+
+  void AddLog() {
+    html_ += "<details><summary>The whole log</summary>\n<pre class=\"lines card\">";
+    for (const RUN_LOG::LINE& line : run_.Log().Lines()) {
+      html_ += Escaped(line.level + " " + line.text) + "\n";
+    }
+    html_ += "</pre></details>\n";
+  }
+
+  const RUN_RECORD& run_;
+  const std::string& master_;
+  std::string html_;
+};
+
+}  // namespace
+
+std::string MakeReportPage(const RUN_RECORD& run, const std::string& master) {
+  return PAGE(run, master).Make();
+}
