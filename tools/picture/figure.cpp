@@ -48,7 +48,9 @@ class FIGURE_PAINTER {
         sample_ticks_(AxisTicks(figure.samples, figure.width, sample_tick_distance)),
         line_ticks_(AxisTicks(figure.lines, figure.height, line_tick_distance)),
         left_(edge + TextHeight(FONT::NORMAL) + gap + LabelWidth(line_ticks_) + gap + tick_length),
-        top_(edge + TextHeight(FONT::TITLE) + gap + TextHeight(FONT::SMALL) + 2 * gap),
+        top_(edge + (figure.title.empty()
+                         ? gap
+                         : TextHeight(FONT::TITLE) + gap + TextHeight(FONT::SMALL) + 2 * gap)),
         bar_left_(left_ + figure.width + bar_distance),
         bar_height_(std::max(figure.height, smallest_bar_height)),
         canvas_(PictureWidth(), PictureHeight()) {}

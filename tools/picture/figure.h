@@ -21,7 +21,7 @@ struct COLOUR_SCALE {
 
 /// An image of values with its axes and its colour bar.
 struct FIGURE {
-  std::string title;
+  std::string title;  ///< without one no room is left for it and the subtitle
   std::string subtitle;
   GRID<double> values;   ///< one a cell, NaN where there is none
   std::int64_t samples;  ///< what the columns of the grid stand for

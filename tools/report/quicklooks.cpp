@@ -31,9 +31,11 @@ QUICKLOOK Draw(const std::string& title, const std::function<FIGURE(QUICKLOOK&)>
   QUICKLOOK picture{.title = title, .caption = {}, .png = {}, .reason = {}};
   try {
     FIGURE figure = make(picture);
-    figure.title = title;
-    picture.png = Draw(figure).Png();
     picture.caption += (picture.caption.empty() ? "" : " ") + figure.subtitle + ".";
+    // The page tells them in letters that a phone can show.
+    figure.title.clear();
+    figure.subtitle.clear();
+    picture.png = Draw(figure).Png();
   } catch (const ERROR_EXCEPTION& error) {
     picture.reason = error.what();
   } catch (const std::exception& error) {

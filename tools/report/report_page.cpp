@@ -42,14 +42,23 @@ tr:last-child td, tr:last-child th { border-bottom: 0; }
 tbody th { font-weight: 500; }
 td:last-child { color: var(--soft); }
 .pictures { display: grid; gap: 1rem;
-  grid-template-columns: repeat(auto-fill, minmax(min(100%, 21rem), 1fr)); }
+  grid-template-columns: repeat(auto-fill, minmax(min(100%, 27rem), 1fr)); }
 figure { margin: 0; padding: .6rem; }
 img { display: block; max-width: 100%; height: auto; margin: 0 auto; border-radius: .3rem; }
 figcaption { padding: .5rem .2rem 0; font-size: .875rem; overflow-wrap: anywhere; }
 summary { cursor: pointer; margin-top: 2rem; font-weight: 600; }
 details .lines { margin-top: .6rem; }
+figcaption strong { color: var(--ink); }
 @media (max-width: 34rem) {
-  th, td { padding: .35rem .5rem; font-size: .875rem; } h1 { font-size: 1.35rem; } }
+  h1 { font-size: 1.35rem; }
+  dd { font-size: 1.05rem; }
+  thead { display: none; }
+  tbody tr { display: grid; grid-template-columns: 1fr auto; padding: .35rem .8rem;
+    border-bottom: 1px solid var(--edge); }
+  tbody tr:last-child { border-bottom: 0; }
+  tbody th, tbody td { padding: 0; border: 0; font-size: .875rem; }
+  tbody td:nth-child(2) { grid-column: 1 / -1; grid-row: 2; }
+  .pictures figure { padding: .35rem; } }
 )";
 
 std::string Number(const char* format, double value) {
@@ -103,7 +112,16 @@ class PAGE {
         title + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<main>\n<h1>" +
         Escaped(run_.Name()) + " <span class=\"state " + words.word + "\">" + words.word +
         "</span></h1>\n<p class=\"soft\">" + words.sentence + "</p>\n<p class=\"soft\">" +
-        Escaped(run_.Log().After("start time: ").value_or("")) + "</p>\n";
+        Escaped(StartText()) + "</p>\n";
+  }
+
+  std::string StartText() const {
+    constexpr std::string_view host_label = "  hostname: ";
+    std::string text = run_.Log().After("start time: ").value_or("");
+    if (const std::size_t host = text.find(host_label); host != std::string::npos) {
+      text.replace(host, host_label.size(), " on ");
+    }
+    return text.empty() ? text : "Started " + text;
   }
 
   void AddFigure(const char* name, const std::string& value) {
@@ -172,8 +190,9 @@ class PAGE {
                  " is not shown: " + Escaped(picture.reason) + "</figcaption></figure>\n";
       } else {
         html_ += "<figure class=\"card\"><img alt=\"" + title + ". " + caption +
-                 "\" src=\"data:image/png;base64," + Base64(picture.png) + "\"><figcaption>" +
-                 title + ". " + caption + "</figcaption></figure>\n";
+                 "\" src=\"data:image/png;base64," + Base64(picture.png) +
+                 "\"><figcaption><strong>" + title + ".</strong> " + caption +
+                 "</figcaption></figure>\n";
       }
     }
     html_ += "</div></section>\n";

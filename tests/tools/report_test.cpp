@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stack>
+
+#include "report/html.h"
+#include "report/report_page.h"
+#include "tools/image_test.h"
+
+namespace {
+
+std::size_t Count(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+/// The first element that is not closed where it must be, or a stray angle bracket; "" for none.
+std::string Fault(const std::string& html) {
+  std::stack<std::string> open;
+  std::size_t at = html.find("<html");
+  while ((at = html.find_first_of("<>", at)) != std::string::npos) {
+    const std::size_t end = html.find('>', at);
+    if (html[at] == '>' || end == std::string::npos) {
+      return html.substr(at, 40);
+    }
+    const bool closes = html[at + 1] == '/';
+    const std::size_t name_begin = at + (closes ? 2 : 1);
+    const std::string name =
+        html.substr(name_begin, html.find_first_of(" >", name_begin) - name_begin);
+    if (closes) {
+      if (open.empty() || open.top() != name) {
+        return "</" + name;
+      }
+      open.pop();
+    } else if (name != "meta" && name != "img") {
+      open.push(name);
+    }
+    at = end + 1;
+  }
+  return open.empty() ? "" : open.top();
+}
+
+/// A directory that a run has left, made by hand.
+class REPORT_TEST : public IMAGE_TEST {
+ protected:
+  REPORT_TEST() {
+    const auto signal = [](int sample, int line) { return VALUE(10.0 + sample, line - 20.0); };
+    Complex("master.ras", 40, 30, signal);
+    Complex("slave.ras", 40, 30, [](int sample, int line) { return VALUE(line - 3.5, sample); });
+    Complex("out.ras", 40, 30, signal);
+    Real("rg.map", 6, 5, [](int sample, int line) { return sample - line; });
+    Real(
+        "out_mask.ras", 40, 30, [](int sample, int) { return sample < 30 ? 1.0 : 0.0; },
+        PIXEL_TYPE::U_INT_8);
+  }
+
+  void Log(const std::string& lines) {
+    std::string log;
+    std::istringstream texts(lines);
+    for (std::string text; std::getline(texts, text);) {
+      log += text.substr(0, 5) + " : resample : " + text.substr(6) + "\n";
+    }
+    WriteFile(Path("log.run"), log);
+  }
+
+  std::string Page(const std::string& master = "") const {
+    const std::string page = MakeReportPage(RUN_RECORD(Path(""), ""), master);
+    EXPECT_EQ(Fault(page), "");
+    EXPECT_EQ(Count(page, "<img "), Count(page, "<img alt=\""));
+    EXPECT_EQ(Count(page, " src=\"") + Count(page, "href"),
+              Count(page, " src=\"data:image/png;base64,iVBORw0KGgo"))
+        << "the page refers to other files";
+    return page;
+  }
+
+  const std::string parameters =
+      "DEBUG Found parameter in argument list SlaveIn = slave.ras\n"
+      "DEBUG Found parameter RG_MAPPING_FILE=rg.map\n"
+      "INFO     - n_samples      : 40\n"
+      "INFO     - n_lines        : 30\n"
+      "INFO     - SlaveOut       : out.ras\n"
+      "INFO     - MaskOut        : out_mask.ras\n";
+  const std::string good_end =
+      "INFO  * Setup SLC parameters\n"
+      "INFO  execution time: 1 minute(s) 40 second(s)\n";
+};
+
+TEST_F(REPORT_TEST, TellsFiguresParametersAndPicturesOfARun) {
+  Log(parameters + good_end);
+  WriteFile(Path("OK.run"), "0");
+  const std::string page = Page(Path("master.ras"));
+  for (const char* text : {">succeeded</span>", "<dd>40 \u00d7 30 pixels</dd>", "<dd>100 s</dd>",
+                           "<dd>1.2e-05 Mpixel/s</dd>", "<dd>75.00 %</dd>",
+                           "<th scope=\"row\">SlaveIn</th><td>slave.ras</td><td>arguments</td>",
+                           "<th scope=\"row\">SlaveOut</th><td>out.ras</td><td></td>",
+                           "<strong>Coherence after.</strong> Mean coherence 1.000."}) {
+    EXPECT_NE(page.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(Count(page, "<img "), 9U);  // three amplitudes, two pairs, a shift and the mask
+  EXPECT_EQ(Count(Page(), "<img "), 4U) << "without a master";
+}
+
+TEST_F(REPORT_TEST, ShowsAFailedRunWithoutTheOutputsOfAnEarlierOne) {
+  Log(parameters +
+      "WARN  kernel corrected\n"
+      "ALARM MEM_MGR: can not open: az.map\n");
+  const std::string page = Page();
+  EXPECT_NE(page.find(">failed</span>"), std::string::npos);
+  EXPECT_NE(page.find("<pre class=\"lines card alarm\">MEM_MGR: can not open: az.map\n</pre>"),
+            std::string::npos);
+  EXPECT_NE(page.find("kernel corrected\n</pre>"), std::string::npos);
+  EXPECT_EQ(Count(page, "<img "), 2U);  // slave and shifts
+
+  Log(parameters);
+  EXPECT_NE(Page().find(">unfinished</span>"), std::string::npos);
+}
+
+TEST_F(REPORT_TEST, LetsNoTextOfTheRunBecomePartOfThePage) {
+  const std::string hostile = "\"><script>alert('1&2')</script>\x1b[7m\xff.ras";
+  Log("DEBUG Found parameter SlaveIn=" + hostile +
+      "\n"
+      "ALARM can not open: " +
+      hostile + "\n");
+  const std::string page = Page();
+  EXPECT_EQ(Count(page, "<script"), 0U);
+  EXPECT_EQ(page.find_first_of("\x1b\xff"), std::string::npos);
+  EXPECT_NE(page.find("&quot;&gt;&lt;script&gt;alert(&#39;1&amp;2&#39;)&lt;/script&gt;"
+                      "\ufffd[7m\ufffd.ras"),
+            std::string::npos);
+  EXPECT_NE(page.find("Slave before is not shown: can not open file"), std::string::npos);
+}
+
+TEST_F(REPORT_TEST, NeedsALog) {
+  EXPECT_THROW(RUN_RECORD(Path(""), ""), std::runtime_error);
+  WriteFile(Path("log.a"), "no line of a log\n");
+  EXPECT_THROW(RUN_RECORD(Path(""), ""), std::runtime_error);
+  Log(parameters);
+  EXPECT_THROW(RUN_RECORD(Path(""), ""), std::runtime_error) << "two logs";
+  EXPECT_EQ(RUN_RECORD(Path(""), "log.run").Samples(), 40);
+}
+
+TEST(Html, EncodesBytesInBase64AndKeepsUtf8) {
+  const std::pair<std::string_view, const char*> encoded[] = {{"", ""},
+                                                              {"M", "TQ=="},
+                                                              {"Ma", "TWE="},
+                                                              {"Man", "TWFu"},
+                                                              {"\xff\xef\xbe\xfb",
+                                                               "/+++"
+                                                               "+w=="}};
+  for (const auto& [bytes, text] : encoded) {
+    EXPECT_EQ(Base64(bytes), text);
+  }
+  EXPECT_EQ(Escaped("\u00e4\u20ac\U0001f6f0\ta"), "\u00e4\u20ac\U0001f6f0\ta");
+  for (const char* invalid : {"\xc0", "\xc3", "\x80", "\x7f", "\x01"}) {
+    EXPECT_EQ(Escaped(invalid), "\ufffd");
+  }
+  EXPECT_EQ(Escaped("\xed\xa0\x80"), "\ufffd\ufffd\ufffd");  // a surrogate
+}
+
+}  // namespace
