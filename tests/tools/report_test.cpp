@@ -95,7 +95,7 @@ TEST_F(REPORT_TEST, TellsFiguresParametersAndPicturesOfARun) {
   for (const char* text : {">succeeded</span>", "<dd>40 \u00d7 30 pixels</dd>", "<dd>100 s</dd>",
                            "<dd>1.2e-05 Mpixel/s</dd>", "<dd>75.00 %</dd>",
                            "<th scope=\"row\">SlaveIn</th><td>slave.ras</td><td>arguments</td>",
-                           "<th scope=\"row\">SlaveOut</th><td>out.ras</td><td></td>",
+                           "<th scope=\"row\">n_lines</th><td>30</td><td>INSAR pool</td>",
                            "<strong>Coherence after.</strong> Mean coherence 1.000."}) {
     EXPECT_NE(page.find(text), std::string::npos) << text;
   }

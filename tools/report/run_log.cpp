@@ -102,9 +102,10 @@ RUN_LOG::RUN_LOG(const std::string& path) {
 
 void RUN_LOG::AddParameter(const LINE& line) {
   auto found = FromLookup(line.text);
-  if (!found) {
-    found = FromEcho(line.text);
+  if (!found && (found = FromEcho(line.text)) && has_lookups_) {
+    found->source = "INSAR pool";  // what no lookup has found before
   }
+  has_lookups_ = has_lookups_ || (found && !found->source.empty());
   if (found && !Parameter(found->name)) {
     parameters_.push_back(*std::move(found));
   }

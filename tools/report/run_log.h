@@ -9,7 +9,7 @@
 struct LOGGED_PARAMETER {
   std::string name;
   std::string value;
-  std::string source;  ///< "arguments", "configuration file", "environment", "keyboard", or unknown
+  std::string source;  ///< "arguments", "configuration file", ...; empty when unknown
 };
 
 /// The log file of a run, line by line: what a person would read out of it.
@@ -42,4 +42,5 @@ class RUN_LOG {
 
   std::vector<LINE> lines_;
   std::vector<LOGGED_PARAMETER> parameters_;
+  bool has_lookups_ = false;
 };
