@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "logging/execution_time.h"
+#include "logging/printable_text.h"
 
 namespace {
 
@@ -32,6 +33,17 @@ void WriteAll(int file, std::string_view bytes) {
     }
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
+}
+
+/// Creates or empties a log file. A FIFO that nobody reads is a failure and not a wait without end;
+/// one that is read takes every line in full.
+int OpenWaitingForNobody(const std::string& name) {
+  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
+  const int file = ::open(name.c_str(), flags | O_NONBLOCK, 0666);
+  if (file >= 0) {
+    ::fcntl(file, F_SETFL, O_APPEND);
+  }
+  return file;
 }
 
 std::string LocalTime(std::time_t time) {
@@ -191,8 +203,7 @@ bool LOGGING::SetFileLevel(std::string_view name) {
 
 void LOGGING::Open(const std::string& file_name) {
   const std::lock_guard lock(mutex_);
-  const int opened =
-      ::open(file_name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+  const int opened = OpenWaitingForNobody(file_name);
   if (opened < 0) {
     WriteLocked(ALARM, " can not open logging file: " + file_name);
     return;
@@ -265,7 +276,7 @@ void LOGGING::WriteLocked(LOGGING_LEVEL_T level, std::string_view text) {
   std::string line = LevelTag(level);
   line += " : ";
   line += prefix_;
-  line += WithoutFinalLineFeed(text);
+  line += PrintableText(WithoutFinalLineFeed(text));
   if (to_screen) {
     WriteAll(STDOUT_FILENO, ScreenHighlight(level) + line + ScreenReset(level) + "\n");
   }
