@@ -6,6 +6,7 @@
 #include "app/error_report.h"
 #include "app/resample_run.h"
 #include "control/controller_ifc.h"
+#include "control/standard_descriptors.h"
 #include "logging/logging.h"
 #include "logging/version_record.h"
 
@@ -14,6 +15,9 @@ namespace {
 using enum LOGGING_LEVEL_T;
 
 constexpr const char* program_name = "resample";
+
+/// Comes first, before the log opens its file.
+[[maybe_unused]] const bool standard_descriptors_are_open = OpenStandardDescriptors();
 
 /// Configures the log before the entry runs, so that everything from the first line on has its
 /// prefix and thresholds.
@@ -44,6 +48,8 @@ void RunDriver(int argc, char** argv) {
   std::optional<RESAMPLE_RUN> run;
   VERSION_RECORD version = FillVersionRecord();
   try {
+    controller.KeepFromLog({"INSAR_PARAMETER_POOL", "log_pp", "SLAVE_PARAMETER_POOL", "SlaveIn",
+                            "MaskIn", "RG_MAPPING_FILE", "AZ_MAPPING_FILE"});
     controller.init(argc, argv, 1);
     version.configuration_file = controller.ConfigurationFileName();
     // The header uses its record up; the end of the run still needs one.
