@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cfenv>
 #include <cstdlib>
 #include <cstring>
@@ -220,9 +221,9 @@ void CONTROLLER_IFC::WriteStatusFile(const std::string& path, int number) {
   }
 }
 
-void CONTROLLER_IFC::RemoveErrorFile() const noexcept {
-  if (status_files_) {
-    ::unlink(status_files_->ErrorFile().c_str());
+void CONTROLLER_IFC::RemoveErrorFile() const {
+  if (status_files_ && ::unlink(status_files_->ErrorFile().c_str()) != 0 && errno != ENOENT) {
+    Log() << WARNING << "Can not remove file " << status_files_->ErrorFile() << "!";
   }
 }
 

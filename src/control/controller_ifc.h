@@ -59,7 +59,8 @@ class CONTROLLER_IFC {
 
   /// Creates the file with the number as its text; a failure is only logged.
   static void WriteStatusFile(const std::string& path, int number);
-  void RemoveErrorFile() const noexcept;
+  /// A failure is only logged.
+  void RemoveErrorFile() const;
   void CloseConfigurationFile() noexcept { configuration_file_.Close(); }
 
   /// The two ends of a run: they leave the OK file with 0 or the ERROR file with 1, remove the

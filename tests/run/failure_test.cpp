@@ -8,16 +8,6 @@ namespace {
 
 using CAUSE = std::function<void(RUN_FOLDER&)>;
 
-const std::string supervisor_line = "KVT_MSG|ERROR|Resample terminated with error!";
-
-std::string Alarms(const RUN_FOLDER& folder) {
-  std::string alarms;
-  for (const std::string& line : folder.LogLines(alarm_begin)) {
-    alarms += line + "\n";
-  }
-  return alarms;
-}
-
 CAUSE Parameter(const std::string& name, const std::string& value) {
   return [=](RUN_FOLDER& folder) { folder.parameters[name] = value; };
 }
@@ -77,7 +67,7 @@ void ExpectFailures(const std::vector<FAILURE>& failures) {
     failure.cause(folder);
     const PROCESS_END end = folder.Run();
     ExpectFailure(folder, end);
-    EXPECT_EQ(Alarms(folder), failure.alarms + "\n" + supervisor_line + "\n");
+    EXPECT_EQ(folder.Alarms(), failure.alarms + "\n" + supervisor_line + "\n");
     EXPECT_NE(end.screen.find("\033[7m" + alarm_begin + supervisor_line + "\033[0m\n"),
               std::string::npos);
     EXPECT_EQ(folder.CountLogLines(info_begin + std::string(59, '*')), 2) << "a trailer stands";
@@ -247,7 +237,7 @@ TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
     const std::string before = folder.Exists(input) ? folder.Content(input) : "";
     folder.parameters[parameter] = output;
     ExpectFailure(folder, folder.Run());
-    EXPECT_EQ(Alarms(folder),
+    EXPECT_EQ(folder.Alarms(),
               "output would overwrite another file of the run: " + std::string(output) + " is " +
                   input + wrong_argument + "\n" + supervisor_line + "\n");
     EXPECT_FALSE(folder.Exists("out.ras"));
@@ -262,7 +252,7 @@ TEST(Failure, OfWorkersEndsTheRunOnce) {
   ExpectFailure(folder, folder.Run());
   EXPECT_EQ(
       folder.CountLogLines(alarm_begin + "ERROR : Non supported pixel type has been provided."), 3);
-  EXPECT_TRUE(Alarms(folder).ends_with("error in thread execution\n" + supervisor_line + "\n"));
+  EXPECT_TRUE(folder.Alarms().ends_with("error in thread execution\n" + supervisor_line + "\n"));
 }
 
 TEST(Failure, NoneForASlaveWithoutPixels) {
