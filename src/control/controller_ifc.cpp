@@ -50,23 +50,16 @@ void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
   if (argc > 0) {
     argument_binary_name_ = LastPathComponent(argv[0]);
   }
-  binary_name_ = argument_binary_name_;
   SetStatusFiles();
   // A signal that arrives right after the installation finds a controller with its paths.
   current_ = this;
   InstallFatalSignalHandler();
 
+  // Known already; these are for the log, which an early signal may interrupt.
   const std::optional<std::string> run_name = LookUp("pid");
-  if (run_name) {
-    binary_name_ = *run_name;
-  }
   Log() << TRACE << "binary name is " << *binary_name_;
-  status_path_ = LookUp("status").value_or("");
-  if (!status_path_.empty() && !status_path_.ends_with('/')) {
-    status_path_ += '/';
-  }
+  LookUp("status");
   Log() << TRACE << "status path is [" << status_path_ << "]";
-  SetStatusFiles();
 
   configuration_file_name_ = LookUp("pcf").value_or("pcf." + *binary_name_);
   // The log file can not be named in the configuration file, so its name is looked up first.
@@ -85,6 +78,11 @@ void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
 }
 
 void CONTROLLER_IFC::SetStatusFiles() {
+  binary_name_ = Peek("pid").value_or(argument_binary_name_);
+  status_path_ = Peek("status").value_or("");
+  if (!status_path_.empty() && !status_path_.ends_with('/')) {
+    status_path_ += '/';
+  }
   auto status_files = std::make_unique<const STATUS_FILES>(status_path_, *binary_name_);
   published_status_files_ = status_files.get();
   status_files_ = std::move(status_files);

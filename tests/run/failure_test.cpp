@@ -245,6 +245,51 @@ TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
   }
 }
 
+TEST(Failure, OfAnOutputThatIsAFileOfTheRunsControl) {
+  for (const std::string file : {"pcf.run", "log.run", "OK.run", "ERROR.run", "STOP.run",
+                                 "current_process.pid", "parent_process.pid"}) {
+    SCOPED_TRACE(file);
+    RUN_FOLDER folder(OrdinaryScene());
+    folder.parameters["MaskOut"] = "./" + file;
+    ExpectFailure(folder, folder.Run());
+    EXPECT_EQ(folder.Alarms(), "output would overwrite another file of the run: ./" + file +
+                                   " is " + file + wrong_argument + "\n" + supervisor_line + "\n");
+    EXPECT_TRUE(folder.Content("pcf.run").starts_with("AZ_MAPPING_FILE"));
+    EXPECT_FALSE(folder.Exists("out.ras"));
+  }
+}
+
+TEST(Failure, NoneForALogThatIsAnInputWhichStaysAsItIs) {
+  struct {
+    const char* log;
+    const char* input;
+  } const cases[] = {{"./slave.ras", "slave.ras"}, {"symbolic", "mask.ras"},
+                     {"hard", "rg.map"},           {"az.map", "az.map"},
+                     {"pcf.run", "pcf.run"},       {"slave.pool", "slave.pool"},
+                     {"insar.pool", "insar.pool"}, {"log.pool", "log.pool"}};
+  for (const auto& [log, input] : cases) {
+    SCOPED_TRACE(input);
+    RUN_FOLDER folder(OrdinaryScene());
+    std::filesystem::create_symlink("mask.ras", folder.Path("symbolic"));
+    std::filesystem::create_hard_link(folder.Path("rg.map"), folder.Path("hard"));
+    folder.Write("log.pool", "# kept\n");
+    folder.parameters["log_pp"] = "log.pool";
+    folder.parameters.erase("SlaveIn");
+    folder.parameters.erase("MaskIn");
+    folder.environment["MaskIn"] = "mask.ras";
+    folder.arguments.insert(folder.arguments.end(), {"-SlaveIn", "slave.ras", "-lfn", log});
+    folder.Settings();  // writes the configuration file
+    const std::string before = folder.Content(input);
+    const PROCESS_END end = folder.Run();
+    ExpectSuccess(folder, end);
+    EXPECT_TRUE(folder.Content(input).starts_with(before));
+    EXPECT_NE(end.screen.find(alarm_begin +
+                              "logging would overwrite another file of the run: " + input + "\033"),
+              std::string::npos)
+        << end.screen;
+  }
+}
+
 TEST(Failure, OfWorkersEndsTheRunOnce) {
   RUN_FOLDER folder(OrdinaryScene());
   Raster<float>("slave.ras", 72, 60, RASTER_FLOAT)(folder);
