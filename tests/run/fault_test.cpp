@@ -148,6 +148,11 @@ TEST(Fault, OfADiskThatIsFullUnderAnOutputIsReported) {
       GTEST_SKIP() << no_disk;
     }
     ExpectReported(folder, end, SIGBUS);
+    const std::vector<std::string> warnings = folder.LogLines("WARN  : resample : MEM_MGR: ");
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_TRUE(
+        warnings[0].starts_with("disk/out.ras may need 560000 bytes, its disk has room for "))
+        << warnings[0];
   }
 }
 
