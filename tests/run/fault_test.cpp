@@ -103,7 +103,7 @@ class FAULT : public testing::Test {
 
 constexpr const char* no_disk = "no disk of its own can be mounted here without privileges";
 
-TEST(Fault, OfAnInputThatShrinksDuringTheRunIsReported) {
+TEST_F(FAULT, OfAnInputThatShrinksDuringTheRunIsReported) {
   for (const char* workers : {"1", "3"}) {
     for (const char* input : {"slave.ras", "mask.ras", "rg.map"}) {
       SCOPED_TRACE(input);
@@ -121,7 +121,7 @@ TEST(Fault, OfAnInputThatShrinksDuringTheRunIsReported) {
   }
 }
 
-TEST(Fault, OfAnOutputThatMayNotGrowIsReported) {
+TEST_F(FAULT, OfAnOutputThatMayNotGrowIsReported) {
   RUN_FOLDER folder(OrdinaryScene());
   PROCESS_SETTINGS settings = folder.Settings();
   settings.prepare = [] {
@@ -131,7 +131,7 @@ TEST(Fault, OfAnOutputThatMayNotGrowIsReported) {
   ExpectReported(folder, PROCESS(settings).Wait(), SIGXFSZ);
 }
 
-TEST(Fault, OfADiskThatIsFullUnderAnOutputIsReported) {
+TEST_F(FAULT, OfADiskThatIsFullUnderAnOutputIsReported) {
   RUN_FOLDER folder(OrdinaryScene());
   folder.parameters["n_samples"] = "70";
   folder.parameters["n_lines"] = "2000";
