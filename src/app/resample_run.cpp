@@ -11,13 +11,13 @@
 #include "app/resample_thread.h"
 #include "app/threads.h"
 #include "base/error_exception.h"
+#include "base/same_file.h"
 #include "control/processing_history.h"
 #include "control/processors.h"
 #include "core/core_variant.h"
 #include "logging/logging.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
-#include "raster/same_file.h"
 
 namespace {
 
@@ -200,6 +200,9 @@ void RESAMPLE_RUN::CheckOutputPaths() const {
       parameters_.rg_mapping_file.value_or(""), parameters_.az_mapping_file.value_or(""),
       parameters_.slave_pool.value_or(""),      insar_pool_name_.value_or(""),
       log_pool_ ? log_pool_->FileName() : ""};
+  for (std::string& file : controller_.OwnFiles()) {
+    taken.push_back(std::move(file));
+  }
   const std::string slave_out = parameters_.slave_out.value_or("");
   steps_.Take([&] { RefuseOverwriting(slave_out, taken); });
   taken.push_back(slave_out);

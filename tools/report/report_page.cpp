@@ -61,9 +61,16 @@ figcaption strong { color: var(--ink); }
   .pictures figure { padding: .35rem; } }
 )";
 
-std::string Number(const char* format, double value) {
+/// With three significant digits.
+std::string Number(double value) {
   char text[64];
-  std::snprintf(text, sizeof text, format, value);
+  std::snprintf(text, sizeof text, "%.3g", value);
+  return text;
+}
+
+std::string Percent(double share) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.2f %%", 100.0 * share);
   return text;
 }
 
@@ -138,10 +145,10 @@ class PAGE {
     }
     const auto seconds = run_.Seconds();
     if (seconds) {
-      AddFigure("Duration", *seconds > 0.0 ? Number("%.3g s", *seconds) : "less than 1 s");
+      AddFigure("Duration", *seconds > 0.0 ? Number(*seconds) + " s" : "less than 1 s");
     }
     if (seconds && *seconds > 0.0 && pixels > 0.0) {
-      AddFigure("Throughput", Number("%.3g", pixels / *seconds / 1e6) + " Mpixel/s");
+      AddFigure("Throughput", Number(pixels / *seconds / 1e6) + " Mpixel/s");
     }
     if (const auto mask = run_.Output("MaskOut")) {
       AddValidShare(*mask);
@@ -151,7 +158,7 @@ class PAGE {
 
   void AddValidShare(const std::string& mask) {
     try {
-      AddFigure("Valid pixels", Number("%.2f %%", 100.0 * ValidShare(mask)));
+      AddFigure("Valid pixels", Percent(ValidShare(mask)));
     } catch (const ERROR_EXCEPTION&) {  // the picture of the mask tells the reason
     }
   }
