@@ -451,13 +451,13 @@ std::uint64_t Bits(double value) {
 }
 constexpr std::uint64_t too_large = std::uint64_t{1} << 62;
 
-/// Rounds half away from zero and saturates; for magnitudes below 2^30.
+/// Rounds half away from zero and saturates. NaN becomes anything.
 std::uint32_t EncodeInt16(double value) {
-  const double half = __builtin_copysign(0.5, value);
-  std::int32_t integer = static_cast<std::int32_t>(value + half);
-  integer = integer > 32767 ? 32767 : integer;
-  integer = integer < -32768 ? -32768 : integer;
-  return static_cast<std::uint32_t>(integer);
+  double rounded = value + __builtin_copysign(0.5, value);
+  // Before the conversion, which has no result for what does not fit; in this order for NaN, too.
+  rounded = rounded < 32767.0 ? rounded : 32767.0;
+  rounded = rounded > -32768.0 ? rounded : -32768.0;
+  return static_cast<std::uint32_t>(static_cast<std::int32_t>(rounded));
 }
 
 /// Works on the upper half of the double: sign, 11 bits of exponent, 20 bits of mantissa. Adding 1
