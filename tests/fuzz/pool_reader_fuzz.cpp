@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text = TextOf(data, size);
   file.Set(text);
   PARAMETER_POOL pool(file.Path());
-  constexpr std::size_t key_limit = 16;
+  constexpr std::size_t key_limit = 8;
   for (const std::string& name : KeysOf(text, key_limit)) {
     const STRING key(name.c_str());
     Require(VisitEntry(pool, key, [](const auto& value) { CheckRoundTrip(value); }) <=
