@@ -28,9 +28,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   constexpr std::size_t key_limit = 8;
   for (const std::string& name : KeysOf(text, key_limit)) {
     const STRING key(name.c_str());
-    Require(VisitEntry(pool, key, [](const auto& value) { CheckRoundTrip(value); }) <=
-                pool.Exists(key),
-            "an entry that does not exist was read");
+    Require(
+        VisitEntry(pool, key, [](const auto& value) { CheckRoundTrip(value); }) <= pool.Exists(key),
+        "an entry that does not exist was read");
     STRING word;
     Succeeds([&] { pool.Read(key, word); });
     int number = 0;

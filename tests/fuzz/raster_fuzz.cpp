@@ -65,9 +65,7 @@ void CheckImage(MEM_MGR& raster, std::string_view file) {
 void CheckBounds(MEM_MGR& raster, std::string_view file, PIXEL_TYPE type) {
   std::int64_t bounds[4] = {};
   std::memcpy(bounds, file.data(), sizeof(bounds));
-  if (Succeeds([&] {
-        raster.CreateInMemory(bounds[0], bounds[1], bounds[2], bounds[3], type);
-      })) {
+  if (Succeeds([&] { raster.CreateInMemory(bounds[0], bounds[1], bounds[2], bounds[3], type); })) {
     Require(raster.DataLength() == 0 || raster.Data()[raster.DataLength() - 1] == 0,
             "memory that is not zero");
   }

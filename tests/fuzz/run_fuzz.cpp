@@ -211,9 +211,9 @@ void CompareImages(const std::string& plain, const std::string& fast) {
     const double b = ToReal(CODEC(), bits[1]);
     const double tolerance = is_integer ? 1.0 : 1.3e-4 + std::abs(a) * 0x1p-10;
     const bool are_equal = (std::isnan(a) && std::isnan(b)) || a == b;
-    Require(are_equal || std::abs(a - b) <= tolerance,
-            "component " + std::to_string(i / 2) + ": " + std::to_string(a) +
-                " != " + std::to_string(b));
+    Require(are_equal || std::abs(a - b) <= tolerance, "component " + std::to_string(i / 2) + ": " +
+                                                           std::to_string(a) +
+                                                           " != " + std::to_string(b));
   }
 }
 

@@ -37,8 +37,9 @@ void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::P
   unsigned reported = argument.block.First();
   for (unsigned line = argument.block.First(); line < end_line; line += chunk_lines) {
     const unsigned chunk_end = std::min(line + chunk_lines, end_line);
-    for (int column = 0; column < job.output_width; column += strip_columns) {
-      strip.Resample(column, line, chunk_end - 1);
+    // Wider than an int: the one behind the last strip need not fit into it.
+    for (std::int64_t column = 0; column < job.output_width; column += strip_columns) {
+      strip.Resample(static_cast<int>(column), line, chunk_end - 1);
     }
     for (; reported < chunk_end; ++reported) {
       LogProgress(argument, reported);
