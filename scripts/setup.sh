@@ -3,6 +3,8 @@
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev)
 test_packages=(libgtest-dev libbenchmark-dev)
+# The fuzzers: clang with its libFuzzer and sanitizers.
+fuzz_packages=(clang libclang-rt-dev)
 # The presets configure the tests and benchmarks as well.
 demo_packages=("${build_packages[@]}" "${test_packages[@]}")
 
@@ -15,6 +17,7 @@ is_present() {
     libgd-dev) pkg-config --exists gdlib ;;
     libgtest-dev) pkg-config --exists gtest ;;
     libbenchmark-dev) pkg-config --exists benchmark ;;
+    libclang-rt-dev) [ -e "$(clang++ -print-file-name=libclang_rt.fuzzer-x86_64.a)" ] ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
 }

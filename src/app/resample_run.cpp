@@ -1,6 +1,7 @@
 #include "app/resample_run.h"
 
 #include <atomic>
+#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -67,6 +68,18 @@ SUBSAMPLING ReadSubsampling(PARAMETER_POOL& pool) {
     subsampling.azimuth = subsampling.range;
   }
   return subsampling;
+}
+
+/// Throws ERROR_DATA for a NaN, with which the whole output would hold nothing; pools hold no
+/// infinities.
+double ReadTime(PARAMETER_POOL& pool, const char* key) {
+  double time = 0.0;
+  pool.Read(key, time);
+  if (std::isnan(time)) {
+    Log() << ALARM << "not a number: " << key;
+    throw ERROR_DATA();
+  }
+  return time;
 }
 
 }  // namespace
@@ -189,8 +202,8 @@ void RESAMPLE_RUN::SetupSlcParameters() {
   Log().Message(INFO, "* Setup SLC parameters");
   slave_pool_ = std::make_unique<PARAMETER_POOL>(parameters_.slave_pool.c_str());
   doppler_.Setup(*slave_pool_);
-  insar_pool_->Read("slave_first_rg_time", doppler_.range_start_time);
-  insar_pool_->Read("slave_first_az_time", doppler_.azimuth_start_time);
+  doppler_.range_start_time = ReadTime(*insar_pool_, "slave_first_rg_time");
+  doppler_.azimuth_start_time = ReadTime(*insar_pool_, "slave_first_az_time");
   Log().Message(PARAMETER, "fDC: t_rg_start = %f", doppler_.range_start_time);
   Log().Message(PARAMETER, "fDC: t_az_start = %f", doppler_.azimuth_start_time);
   slave_pool_->ReadEnumeration("imaging_mode", imaging_mode_);

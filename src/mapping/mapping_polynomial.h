@@ -17,7 +17,7 @@ class MAPPING_POLYNOMIAL : public MAPPING_BASE {
   static constexpr int coefficient_count = 6;
 
   /// Reads "respl_poly_az", "respl_poly_rg", "n_samples" and "n_lines" from a pool. Throws the
-  /// pool's errors, and ERROR_DATA for too few coefficients.
+  /// pool's errors, and ERROR_DATA for too few coefficients and for those that are no numbers.
   explicit MAPPING_POLYNOMIAL(PARAMETER_POOL& pool);
   /// The same from a pool file, which is closed again.
   explicit MAPPING_POLYNOMIAL(const char* pool_file);

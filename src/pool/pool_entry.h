@@ -62,6 +62,9 @@ class POOL_ENTRY {
   template <class T>
   void Read(ARRAY<T>& vector) {
     const RANGE<int> range = ReadRange();
+    if (range.First() > largest_first_index) {
+      Refuse<INVALID_PARAMETER_VALUE>(" << no correct range for VECTOR or MATRIX");
+    }
     const RANGE<int> result(0, range.First() + range.Count());
     const bool fits = lines_.CanHold(LinesOfBlock(range));
     if (fits && vector.Create(result) != CONTAINER_OK) {
