@@ -5,10 +5,13 @@
 
 #include "base/error_exception.h"
 #include "compare/compare_command.h"
+#include "export/export_command.h"
+#include "import/import_command.h"
 #include "info/info_command.h"
 #include "logging/logging.h"
 #include "png/png_command.h"
 #include "scene/scene_command.h"
+#include "vrt/vrt_command.h"
 
 namespace {
 
@@ -17,7 +20,8 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
-                                               AddInfoCommand};
+                                               AddInfoCommand,  AddImportCommand,  AddExportCommand,
+                                               AddVrtCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, measures and shows rasters around a run of resample."};
