@@ -139,6 +139,12 @@ CPLStringList CreationOptions(const std::vector<std::string>& options, const GDA
   return list;
 }
 
+/// Some drivers store other pixels than they were given, and call that a success.
+bool HasSameType(GDALDataset& copy, GDALDataset& source) {
+  return copy.GetRasterCount() > 0 &&
+         copy.GetRasterBand(1)->GetRasterDataType() == source.GetRasterBand(1)->GetRasterDataType();
+}
+
 int Report(double part, const char*, void* progress) {
   (*static_cast<const PROGRESS*>(progress))(part);
   return TRUE;
@@ -154,14 +160,17 @@ void WriteGdalCopy(const RASTER_READER& raster, const std::string& path, const s
   LINE_DATASET source(raster);
   const GDAL_ERRORS errors;
   constexpr int strict = TRUE;
-  const GDALDatasetUniquePtr copy(writer.CreateCopy(path.c_str(), &source, strict,
-                                                    creation_options.List(), Report,
-                                                    const_cast<PROGRESS*>(&progress)));
-  if (!copy) {
-    errors.Throw("can not write " + path);
-  }
-  // A full disk may show only when the last blocks are written.
-  if (copy->FlushCache(true), CPLGetLastErrorType() == CE_Failure) {
+  GDALDatasetUniquePtr copy(writer.CreateCopy(path.c_str(), &source, strict,
+                                              creation_options.List(), Report,
+                                              const_cast<PROGRESS*>(&progress)));
+  const bool is_created = copy != nullptr;
+  const bool same_type = is_created && HasSameType(*copy, source);
+  // The last blocks are written here: a full disk may show only now.
+  copy.reset();
+  if (errors.HasFailure() || !same_type) {
+    if (is_created && std::filesystem::is_regular_file(path)) {
+      writer.QuietDelete(path.c_str());
+    }
     errors.Throw("can not write " + path);
   }
 }

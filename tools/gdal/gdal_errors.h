@@ -12,6 +12,7 @@ class GDAL_ERRORS {
   GDAL_ERRORS(const GDAL_ERRORS&) = delete;
   GDAL_ERRORS& operator=(const GDAL_ERRORS&) = delete;
 
+  bool HasFailure() const noexcept { return !failure_.empty(); }
   /// Throws std::runtime_error: "<what>: <the first failure>".
   [[noreturn]] void Throw(const std::string& what) const;
 

@@ -1,22 +1,28 @@
 #include "import/import_command.h"
 
 #include <iostream>
-#include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "common/progress_bar.h"
 #include "import/raster_import.h"
 
 namespace {
 
-/// All types that hold numbers, by their names.
-std::map<std::string, PIXEL_TYPE> NumberTypes() {
-  std::map<std::string, PIXEL_TYPE> types;
+/// All types that hold numbers.
+std::vector<std::string> NumberTypeNames() {
+  std::vector<std::string> names;
   for (int code = 1; code < static_cast<int>(PIXEL_TYPE::RGB); ++code) {
-    const auto type = static_cast<PIXEL_TYPE>(code);
-    types[DataTypeOf(type).Name()] = type;
+    names.emplace_back(DataTypeOf(static_cast<PIXEL_TYPE>(code)).Name());
   }
-  return types;
+  return names;
+}
+
+PIXEL_TYPE TypeNamed(const std::string& name) {
+  BASIC::TYPES::DataType type;
+  type.Assign(name.c_str());
+  return PixelTypeOf(type);
 }
 
 void Import(const IMPORT_OPTIONS& options) {
@@ -36,12 +42,12 @@ void Import(const IMPORT_OPTIONS& options) {
 void AddImportCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand("import", "Make a raster of any file that GDAL reads");
   const auto options = std::make_shared<IMPORT_OPTIONS>();
-  const auto type = std::make_shared<PIXEL_TYPE>();
+  const auto type = std::make_shared<std::string>();
   const auto window = std::make_shared<std::vector<int>>();
   command->add_option("SRC", options->source, "File or GDAL's name of a raster in it")->required();
   command->add_option("DST", options->target, "Raster file to make")->required();
   command->add_option("--type", *type, "Pixel type; without it one that holds all values of SRC")
-      ->transform(CLI::CheckedTransformer(NumberTypes()));
+      ->check(CLI::IsMember(NumberTypeNames()));
   command->add_option("--scale", options->scale, "Multiply all values by this");
   command
       ->add_option("--band", options->bands,
@@ -51,9 +57,9 @@ void AddImportCommand(CLI::App& app) {
   command->add_option("--window", *window, "Take this part alone: X,Y,WIDTH,HEIGHT")
       ->delimiter(',')
       ->expected(4);
-  command->callback([command, options, type, window] {
-    if (command->count("--type") > 0) {
-      options->type = *type;
+  command->callback([options, type, window] {
+    if (!type->empty()) {
+      options->type = TypeNamed(*type);
     }
     if (!window->empty()) {
       options->window = {(*window)[0], (*window)[1], (*window)[2], (*window)[3]};
