@@ -39,7 +39,9 @@ void AddExportCommand(CLI::App& app) {
       ->required();
   command->add_option("--driver", options->driver,
                       "GDAL's name of the format, in place of the ending");
-  command->add_option("--creation-option", options->creation_options,
-                      "NAME=VALUE for the GDAL driver; may be given more than once");
+  command
+      ->add_option("--creation-option", options->creation_options,
+                   "NAME=VALUE for the GDAL driver; may be given more than once")
+      ->allow_extra_args(false);
   command->callback([options] { Export(*options); });
 }

@@ -53,7 +53,8 @@ void AddImportCommand(CLI::App& app) {
       ->add_option("--band", options->bands,
                    "Band of SRC; two, as in 1,2, for real and imaginary part")
       ->delimiter(',')
-      ->expected(1, 2);
+      ->expected(1, 2)
+      ->allow_extra_args(false);
   command->add_option("--window", *window, "Take this part alone: X,Y,WIDTH,HEIGHT")
       ->delimiter(',')
       ->expected(4);
