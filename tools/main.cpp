@@ -9,6 +9,7 @@
 #include "import/import_command.h"
 #include "info/info_command.h"
 #include "logging/logging.h"
+#include "offsets/offsets_command.h"
 #include "png/png_command.h"
 #include "scene/scene_command.h"
 #include "vrt/vrt_command.h"
@@ -21,7 +22,7 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
                                                AddInfoCommand,  AddImportCommand,  AddExportCommand,
-                                               AddVrtCommand};
+                                               AddVrtCommand,   AddOffsetsCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, measures and shows rasters around a run of resample."};
