@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "gdal/gdal_errors.h"
+#include "raster/same_file.h"
 
 namespace {
 
@@ -55,6 +56,16 @@ GDAL_SOURCE::GDAL_SOURCE(const std::string& path) : path_(path) {
 
 GDAL_WINDOW GDAL_SOURCE::Whole() const {
   return {0, 0, dataset_->GetRasterXSize(), dataset_->GetRasterYSize()};
+}
+
+bool GDAL_SOURCE::IsMadeOf(const std::string& path) const {
+  const CPLStringList files(dataset_->GetFileList());
+  for (int i = 0; i < files.size(); ++i) {
+    if (IsSameFile(files[i], path.c_str())) {
+      return true;
+    }
+  }
+  return false;
 }
 
 bool GDAL_SOURCE::IsComplex(int band) const {

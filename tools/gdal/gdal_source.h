@@ -28,6 +28,8 @@ class GDAL_SOURCE {
 
   const std::string& Path() const noexcept { return path_; }
   GDAL_WINDOW Whole() const;
+  /// Whether writing to this path would change the raster: it names one of its files.
+  bool IsMadeOf(const std::string& path) const;
 
   bool IsComplex(int band) const;
   /// By its GDAL name, such as "CInt16".

@@ -24,6 +24,10 @@ GDAL_WINDOW GDAL_SOURCE::Whole() const {
   Refuse();
 }
 
+bool GDAL_SOURCE::IsMadeOf(const std::string&) const {
+  Refuse();
+}
+
 bool GDAL_SOURCE::IsComplex(int) const {
   Refuse();
 }

@@ -7,7 +7,6 @@
 
 #include "gdal/gdal_types.h"
 #include "raster/mem_mgr.h"
-#include "raster/same_file.h"
 
 namespace {
 
@@ -98,8 +97,8 @@ void CheckFits(const IMPORT_OPTIONS& options, const GDAL_SOURCE& source,
   if (options.bands.size() > 1 && !HoldsPairs(result.type)) {
     throw std::invalid_argument("two bands make a type that begins with c_");
   }
-  if (IsSameFile(options.source.c_str(), options.target.c_str())) {
-    throw std::invalid_argument(options.target + " is the source itself");
+  if (source.IsMadeOf(options.target)) {
+    throw std::invalid_argument(options.target + " belongs to the source");
   }
 }
 

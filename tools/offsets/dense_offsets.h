@@ -36,6 +36,11 @@ class DENSE_OFFSETS {
   /// those that GDAL can not open.
   explicit DENSE_OFFSETS(const DENSE_OFFSETS_OPTIONS& options);
 
+  /// Whether writing to this path would change the offsets.
+  bool AreMadeOf(const std::string& path) const {
+    return range_.IsMadeOf(path) || azimuth_.IsMadeOf(path);
+  }
+
   int Columns() const { return range_.Whole().width; }
   int Lines() const { return range_.Whole().height; }
 

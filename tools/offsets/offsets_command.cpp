@@ -112,7 +112,21 @@ void PrintShare(const char* name, std::int64_t nodes, std::int64_t all) {
             << 100.0 * static_cast<double>(nodes) / static_cast<double>(all) << " %)\n";
 }
 
-void WriteMatrices(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options) {
+void CheckMatrixPaths(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options) {
+  for (const std::string& path : {options.range_map, options.azimuth_map}) {
+    if (offsets.AreMadeOf(path)) {
+      throw std::invalid_argument(path + " belongs to the offsets; name the matrices otherwise");
+    }
+  }
+  if (options.range_map == options.azimuth_map) {
+    throw std::invalid_argument("both matrices have the name " + options.range_map);
+  }
+}
+
+using POOL = PARAMETER_POOL_READ_WRITE_CHANGE;
+
+void WriteMatrices(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options, POOL* pool) {
+  CheckMatrixPaths(offsets, options);
   const auto& [first, posting] = std::pair(options.offsets.first, options.offsets.posting);
   const std::int64_t width = MasterLength(options.size[0], first[0], posting[0], offsets.Columns());
   const std::int64_t height = MasterLength(options.size[1], first[1], posting[1], offsets.Lines());
@@ -140,12 +154,11 @@ void WriteMatrices(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options)
   PrintShare("filled in gaps", counts.in_gaps, counts.nodes);
   PrintShare("filled past the edges", counts.past_edges, counts.nodes);
 
-  if (!options.matrix_pool.empty()) {
-    PARAMETER_POOL_READ_WRITE_CHANGE pool(options.matrix_pool.c_str());
-    pool.Write("mapping_format", STRING("matrix"));
-    pool.Write("shift_matrices_subsampling_rg", options.subsampling[0]);
-    pool.Write("shift_matrices_subsampling_az", options.subsampling[1]);
-    pool.Update();
+  if (pool != nullptr) {
+    pool->Write("mapping_format", STRING("matrix"));
+    pool->Write("shift_matrices_subsampling_rg", options.subsampling[0]);
+    pool->Write("shift_matrices_subsampling_az", options.subsampling[1]);
+    pool->Update();
   }
 }
 
@@ -166,9 +179,7 @@ void PrintPolynomial(const char* name, const POLYNOMIAL& coefficients) {
   std::cout << "\n";
 }
 
-void WritePolynomials(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options) {
-  // Opened first: offsets are not read for a pool that can not be written.
-  PARAMETER_POOL_READ_WRITE_CHANGE pool(options.polynomial_pool.c_str());
+void WritePolynomials(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options, POOL& pool) {
   const TRENDS trends = FitTrends(offsets, options);
   PrintPolynomial("range", trends.range.coefficients);
   PrintPolynomial("azimuth", trends.azimuth.coefficients);
@@ -180,10 +191,14 @@ void WritePolynomials(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& optio
 
 void MakeMapping(const OFFSETS_OPTIONS& options) {
   const DENSE_OFFSETS offsets(options.offsets);
-  if (!options.polynomial_pool.empty()) {
-    WritePolynomials(offsets, options);
+  const bool polynomial = !options.polynomial_pool.empty();
+  const std::string& pool_path = polynomial ? options.polynomial_pool : options.matrix_pool;
+  // Opened first: offsets are not read for a pool that can not be written.
+  const auto pool = pool_path.empty() ? nullptr : std::make_unique<POOL>(pool_path.c_str());
+  if (polynomial) {
+    WritePolynomials(offsets, options, *pool);
   } else {
-    WriteMatrices(offsets, options);
+    WriteMatrices(offsets, options, pool.get());
   }
 }
 
