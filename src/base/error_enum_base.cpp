@@ -30,6 +30,8 @@ void ERROR_ENUM_BASE_INVALID_VALUE::Throw(const STRING& value, const STRING& cla
   const ERROR_ENUM_BASE_INVALID_VALUE thrown = scratch;
   // The handler takes the same mutex, so it is free before the error travels.
   lock.unlock();
+  // A copy on purpose: the scratch error is shared.
+  // NOLINTNEXTLINE(cert-err09-cpp,cert-err60-cpp,cert-err61-cpp)
   throw thrown;
 }
 

@@ -11,8 +11,9 @@ class SUB_ARRAY : public ARRAY<T> {
  public:
   SUB_ARRAY() = default;
   SUB_ARRAY(const SUB_ARRAY& other) : ARRAY<T>() { this->Adopt(other.storage(), other.Range()); }
-  /// Forbidden: always throws ERROR_NOT_IMPLEMENTED.
-  SUB_ARRAY& operator=(const SUB_ARRAY&) {  // NOLINT(bugprone-unhandled-self-assignment)
+  /// Forbidden: always throws ERROR_NOT_IMPLEMENTED, so that it need not know itself.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
+  SUB_ARRAY& operator=(const SUB_ARRAY&) {
     Log() << LOGGING_LEVEL_T::ALARM
           << "never call: SUB_ARRAY<T>::operator=( const SUB_ARRAY< T >& )\n";
     throw ERROR_NOT_IMPLEMENTED();

@@ -9,7 +9,7 @@ namespace {
 constexpr COLOUR ink{40, 40, 44};
 constexpr COLOUR faint_ink{110, 110, 118};
 constexpr COLOUR no_data_colour{226, 226, 232};
-const std::string no_data_label = "no data";
+constexpr const char* no_data_label = "no data";
 
 constexpr int edge = 14;  ///< free space along the edges of the picture
 constexpr int gap = 6;    ///< between things that belong together

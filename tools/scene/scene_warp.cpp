@@ -18,10 +18,10 @@ COEFFICIENTS InPixels(const COEFFICIENTS& q, double n_samples, double n_lines) {
 
 }  // namespace
 
-SCENE_WARP::SCENE_WARP(const SCENE_OPTIONS& options) {
-  const double w = options.warp;
-  range_ = InPixels({options.shift_range, 0.2 * w, 0.5 * w, 0.1 * w, 0.1 * w, 0.1 * w},
-                    options.n_samples, options.n_lines);
-  azimuth_ = InPixels({options.shift_azimuth, 0.5 * w, -0.2 * w, -0.1 * w, 0.1 * w, -0.1 * w},
-                      options.n_samples, options.n_lines);
-}
+SCENE_WARP::SCENE_WARP(const SCENE_OPTIONS& options)
+    : range_(InPixels({options.shift_range, 0.2 * options.warp, 0.5 * options.warp,
+                       0.1 * options.warp, 0.1 * options.warp, 0.1 * options.warp},
+                      options.n_samples, options.n_lines)),
+      azimuth_(InPixels({options.shift_azimuth, 0.5 * options.warp, -0.2 * options.warp,
+                         -0.1 * options.warp, 0.1 * options.warp, -0.1 * options.warp},
+                        options.n_samples, options.n_lines)) {}

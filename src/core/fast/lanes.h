@@ -11,7 +11,7 @@
 
 #include "base/complex.h"
 
-namespace {
+namespace {  // NOLINT(cert-dcl59-cpp)
 
 /// a * b + c, rounded once where the processor can. Contraction by the compiler is off, so that
 /// every sum of the fast core has the same rounding wherever it is computed.

@@ -20,7 +20,7 @@ class ROW_BUFFER {
     T* to = Row(0) + x;
 #pragma GCC unroll 8
     for (int i = 0; i < count; ++i) {
-      to[i * strip_columns] = values[i];
+      to[std::ptrdiff_t{i} * strip_columns] = values[i];
     }
   }
 
@@ -30,7 +30,8 @@ class ROW_BUFFER {
     T* to = Row(to_row) + x;
 #pragma GCC unroll 8
     for (int i = 0; i < count; ++i) {
-      to[i * strip_columns] = from[i * strip_columns];
+      const std::ptrdiff_t offset = std::ptrdiff_t{i} * strip_columns;
+      to[offset] = from[offset];
     }
   }
 

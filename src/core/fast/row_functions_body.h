@@ -8,7 +8,10 @@
 #include "core/fast/lanes.h"
 #include "core/fast/row_functions.h"
 
-namespace {
+namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
+
+// Offsets stay below longest_kernel * strip_columns.
+// NOLINTBEGIN(bugprone-implicit-widening-of-multiplication-result)
 
 // Positions. The order of operations is that of the mappings, so the results are the same bits.
 
@@ -533,5 +536,7 @@ constexpr ROW_FUNCTIONS all_row_functions = {
                       },
                   .encode = EncodeRowBinary16},
 };
+
+// NOLINTEND(bugprone-implicit-widening-of-multiplication-result)
 
 }  // namespace
