@@ -2,7 +2,7 @@
 # The packages that the other scripts need, by their Debian names. Sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev
-  libgdal-dev libeigen3-dev)
+  libgdal-dev libeigen3-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libbenchmark-dev gdal-bin)
 # The presets configure the tests and benchmarks as well.
 demo_packages=("${build_packages[@]}" "${test_packages[@]}")
@@ -14,7 +14,7 @@ is_present() {
     libcli11-dev) pkg-config --exists CLI11 ;;
     libfftw3-dev) pkg-config --exists fftw3 ;;
     libgd-dev) pkg-config --exists gdlib ;;
-    libgdal-dev libeigen3-dev) pkg-config --exists gdal ;;
+    libgdal-dev libeigen3-dev nlohmann-json3-dev) pkg-config --exists gdal ;;
     gdal-bin) command -v gdal_translate ;;
     libgtest-dev) pkg-config --exists gtest ;;
     libbenchmark-dev) pkg-config --exists benchmark ;;
