@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "logging/logging.h"
+#include "pool/pool_contents.h"
 #include "pool/pool_errors.h"
-#include "pool/pool_lines.h"
 #include "pool/pool_merge.h"
 
 namespace {
@@ -46,15 +46,6 @@ std::string DirectoryOf(const std::string& path) {
 [[noreturn]] void RefuseForPermission(const char* path, int error) {
   Log() << ALARM << "no permission to change pool file: " << path << ": " << std::strerror(error);
   throw NO_UPDATE_PERMISSION_FOR_POOL();
-}
-
-std::vector<POOL_LINE> ReadLines(const POOL_FILE& pool) {
-  std::vector<POOL_LINE> result;
-  POOL_LINES lines(pool);
-  for (POOL_LINE line; lines.Next(line);) {
-    result.push_back(line);
-  }
-  return result;
 }
 
 /// Best effort: keeps the new name in the directory through a power failure.
@@ -111,7 +102,7 @@ POOL_FILE UpdatePoolFile(const char* path, const PARAMETER_POOL_LIST& items) {
     // While the lock was awaited another file may have been put into the place of this one.
     if (pool.IsAtItsName()) {
       const HELD_SIGNALS held;
-      const std::string merged = MergeIntoPool(ReadLines(pool), items);
+      const std::string merged = MergeIntoPool(ReadPoolLines(pool), items);
       POOL_FILE temporary = WriteTemporary(path, merged);
       Overwrite(pool, merged, temporary);
       return pool;
