@@ -1,4 +1,10 @@
+import os
+import pathlib
+import pty
+import re
 import shutil
+import signal
+import tempfile
 import unittest
 
 import installed
@@ -10,16 +16,13 @@ source "$1"; shift
 COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1))
 _$1 "$1"; printf '%s\\n' "${COMPREPLY[@]}"
 """
-# Types the line $2 and a TAB into a shell that looks into the folder $1, and lists all that is offered.
-ZSH = """
-zmodload zsh/zpty
-zpty shell "PS1= TERM=dumb zsh -f -i"
-zpty -w shell "fpath=($1 \\$fpath); autoload -Uz compinit; compinit -u -d $HOME/.dump"
-zpty -w shell "zstyle ':completion:*' list-packed no; zstyle ':completion:*' menu no"
-zpty -w shell "LISTMAX=999 COLUMNS=300 LINES=200; print ready"
-zpty -r shell output '*ready*ready*'
-zpty -n -w shell "$2"$'\\t\\t'
-"""
+# The key ^X shows the line between << and >> and empties it.
+ZSHRC = """
+fpath=(%s $fpath)
+autoload -Uz compinit; compinit -u -D
+show() { zle -I; print -r -- "<<$BUFFER>>"; BUFFER= }
+zle -N show; bindkey '^X' show
+""" % (SHARE / "zsh/site-functions")
 
 
 def bash(*words):
@@ -44,9 +47,43 @@ class Bash(unittest.TestCase):
         self.assertEqual(bash("slctool", "info", ""), [])  # files
 
 
-@unittest.skipUnless(shutil.which("zsh"), "needs zsh")
+def zsh(lines):
+    """What a TAB makes of each line that is typed, in an empty folder but for ".zshrc"."""
+    with tempfile.TemporaryDirectory() as folder:
+        (pathlib.Path(folder) / ".zshrc").write_text(ZSHRC)
+        process, terminal = pty.fork()
+        if process == 0:
+            os.chdir(folder)
+            os.execvpe("zsh", ["zsh", "-i"],
+                       dict(installed.ENVIRONMENT, ZDOTDIR=folder, TERM="dumb"))
+        shown = []
+        for line in lines:
+            os.write(terminal, f"{line}\t\x18".encode())
+            output, found = "", None
+            while found is None:
+                output += os.read(terminal, 4096).decode()
+                found = re.search("<<(.*)>>", output)
+            shown.append(found[1].rstrip())
+        os.kill(process, signal.SIGKILL)
+        os.waitpid(process, 0)
+        os.close(terminal)
+        return shown
+
+
 class Zsh(unittest.TestCase):
-    pass
+    def test_knows_every_parameter_of_resample(self):
+        text = (SHARE / "zsh/site-functions/_resample").read_text()
+        known = re.findall(r"-(\w+)\[", text)
+        self.assertEqual([name for name in installed.parameters() if name not in known], [])
+
+    @unittest.skipUnless(shutil.which("zsh"), "needs zsh")
+    def test_completes(self):
+        ends = {"resample -KERNEL_T": "YPE", "resample -KERNEL_TYPE cub": "ic_convolution",
+                "resample -lsl NO": "_MESSAGE", "resample -pcf .zsh": "rc",
+                "slctool comp": "are", "slctool png inter": "ferogram",
+                "slctool compare a b --min": "-coherence",
+                "slctool scene --mapping-format p": "olynomial", "slctool info .zsh": "rc"}
+        self.assertEqual(zsh(ends), [line + end for line, end in ends.items()])
 
 
 if __name__ == "__main__":
