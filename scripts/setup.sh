@@ -2,7 +2,7 @@
 # The packages that the other scripts need, by their Debian names. Sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev)
-test_packages=(libgtest-dev libbenchmark-dev)
+test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh)
 # The presets configure the tests and benchmarks as well.
 demo_packages=("${build_packages[@]}" "${test_packages[@]}")
 
@@ -15,8 +15,19 @@ is_present() {
     libgd-dev) pkg-config --exists gdlib ;;
     libgtest-dev) pkg-config --exists gtest ;;
     libbenchmark-dev) pkg-config --exists benchmark ;;
+    python3-numpy) has_numpy ;;
+    dpkg-dev) command -v dpkg-shlibdeps ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
+}
+
+# Whether any Python on the path has numpy.
+has_numpy() {
+  local python
+  for python in $(type -ap python3); do
+    "$python" -c 'import numpy' && return
+  done
+  return 1
 }
 
 # install_packages NAME...: installs what is missing, without a question. Ends the script where
