@@ -4,29 +4,17 @@
 #include <optional>
 
 #include "app/error_report.h"
+#include "app/parameter_guide.h"
+#include "app/program_version.h"
 #include "app/resample_run.h"
 #include "control/controller_ifc.h"
 #include "logging/logging.h"
-#include "logging/version_record.h"
 
 namespace {
 
 using enum LOGGING_LEVEL_T;
 
 constexpr const char* program_name = "resample";
-
-/// Configures the log before the entry runs, so that everything from the first line on has its
-/// prefix and thresholds.
-const LOGGING_USER program_log("", program_name, INFO, DEBUG);
-
-VERSION_RECORD FillVersionRecord() {
-  return {.display_name = "Resample",
-          .version = "0.0.5",
-          .compiled_by = "gcc4.5.0_64b",
-          .compile_date = DateFromKeyword("$Date: 2020/02/06 13:09:23 $"),
-          .configuration_file = "",
-          .full_version = "resample.v0.0.5.linux.gcc4.5.0_64bit.default.20200206130923"};
-}
 
 /// The one handler of the program: every failure ends here.
 [[noreturn]] void EndWithFailure(CONTROLLER_IFC& controller, std::optional<RESAMPLE_RUN>& run,
@@ -40,10 +28,14 @@ VERSION_RECORD FillVersionRecord() {
 }  // namespace
 
 void RunDriver(int argc, char** argv) {
+  // Configures the log before anything else, so that everything from the first line on has its
+  // prefix and thresholds.
+  static const LOGGING_USER program_log("", program_name, INFO, DEBUG);
   CONTROLLER_IFC controller;
   std::optional<RESAMPLE_RUN> run;
-  VERSION_RECORD version = FillVersionRecord();
+  VERSION_RECORD version = ProgramVersion();
   try {
+    controller.ExplainParameters(ParameterHint);
     controller.init(argc, argv, 1);
     version.configuration_file = controller.ConfigurationFileName();
     // The header uses its record up; the end of the run still needs one.

@@ -1,10 +1,12 @@
 #include "app/resample_run.h"
 
+#include <atomic>
 #include <filesystem>
 #include <limits>
 #include <string>
 #include <vector>
 
+#include "app/progress_line.h"
 #include "app/resample_thread.h"
 #include "app/threads.h"
 #include "base/error_exception.h"
@@ -196,6 +198,7 @@ void RESAMPLE_RUN::PerformProcessing() {
   const URANGE<unsigned int> lines(0, static_cast<unsigned>(parameters_.n_lines));
 
   Log().Message(INFO, "  - Set thread argument");
+  std::atomic<std::int64_t> pixels_done = 0;
   RESAMPLE_THR_ARG record;
   record.Set({.input_slave = &input_slave_,
               .input_mask = parameters_.mask_in ? &input_mask_ : nullptr,
@@ -210,12 +213,15 @@ void RESAMPLE_RUN::PerformProcessing() {
               .kernel = kernel_.get(),
               .doppler = &doppler_,
               .imaging_mode = &imaging_mode_,
-              .ps_mode = parameters_.ps_mode});
+              .ps_mode = parameters_.ps_mode,
+              .pixels_done = &pixels_done});
 
   Log().Message(INFO, "  - Setup threads");
   THREADS<RESAMPLE_THR_ARG, unsigned int> workers;
   workers.Setup(record, lines, ResampleThread, NumberOfProcessors());
   Log().Message(INFO, "  - Run");
+  const PROGRESS_LINE progress(pixels_done,
+                               std::int64_t{parameters_.n_samples} * parameters_.n_lines);
   workers.Run();
   workers.Join();
 }

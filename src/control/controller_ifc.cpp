@@ -124,7 +124,7 @@ bool CONTROLLER_IFC::GetParameter(const char* name, std::string& value, bool no_
     if (no_prompt) {
       return false;
     }
-    found = AskAtKeyboard(name);
+    found = AskAtKeyboard(name, hint_(name));
   }
   value = std::move(*found);
   return true;

@@ -18,6 +18,9 @@
 /// configuration file too: "lfl" and "lsl" (level of the log file and of the screen).
 class CONTROLLER_IFC {
  public:
+  /// What a parameter means, in lines that end with a line feed; empty for an unknown one.
+  using PARAMETER_HINT = std::string (*)(const std::string& name);
+
   CONTROLLER_IFC() = default;
   ~CONTROLLER_IFC();
   CONTROLLER_IFC(const CONTROLLER_IFC&) = delete;
@@ -29,6 +32,9 @@ class CONTROLLER_IFC {
   /// outlive the controller. With a `supervisor_flag` other than 0 fatal signals are reported to
   /// the supervisor.
   void init(int argc, char** argv, int supervisor_flag);
+
+  /// Whom to ask for what a person at the keyboard is told about a parameter.
+  void ExplainParameters(PARAMETER_HINT hint) noexcept { hint_ = hint; }
 
   /// Looks a parameter up in the argument list ("-NAME value", the last one wins), the
   /// configuration file and the environment, and asks for it at the keyboard when it is in none
@@ -85,6 +91,7 @@ class CONTROLLER_IFC {
 
   static std::atomic<CONTROLLER_IFC*> current_;
 
+  PARAMETER_HINT hint_ = [](const std::string&) { return std::string(); };
   int argc_ = 0;
   char** argv_ = nullptr;
   std::optional<std::string> binary_name_;

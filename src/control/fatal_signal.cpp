@@ -115,6 +115,9 @@ void WriteAlarm(const LOGGING& log, std::string_view text) noexcept {
 
 void ReportSignal(int signal_number, const LOGGING& log,
                   const CONTROLLER_IFC* controller) noexcept {
+  if (log.CanShowStatus()) {
+    WriteSoon(STDERR_FILENO, "\r\033[K");
+  }
   SIGNAL_LINE message;
   message << "got fatal signal " << signal_number << ": " << Description(signal_number);
   WriteAlarm(log, message.Text());

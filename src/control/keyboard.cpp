@@ -72,24 +72,23 @@ std::string ReadWord() {
   return word;
 }
 
-void Prompt(const std::string& name) {
-  std::string text = name + " := ";
-  std::string_view rest = text;
-  while (!rest.empty()) {
-    const ssize_t written = ::write(STDOUT_FILENO, rest.data(), rest.size());
+/// Gives up on a failure: a question that cannot be shown can still be answered.
+void Show(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(file, text.data(), text.size());
     if (written < 0 && errno == EINTR) {
       continue;
     }
     if (written <= 0) {
       return;
     }
-    rest.remove_prefix(static_cast<std::size_t>(written));
+    text.remove_prefix(static_cast<std::size_t>(written));
   }
 }
 
 }  // namespace
 
-std::string AskAtKeyboard(const std::string& name) {
+std::string AskAtKeyboard(const std::string& name, const std::string& hint) {
   Log() << WARNING << "No configuration file or parameter not found!";
   Log() << WARNING << "\t  Please input value of parameter : <" << name << ">";
   const int seconds = SecondsToWait();
@@ -98,7 +97,10 @@ std::string AskAtKeyboard(const std::string& name) {
   std::string word;
   {
     const INPUT_ALARM alarm(seconds);
-    Prompt(name);
+    if (::isatty(STDERR_FILENO) != 0) {
+      Show(STDERR_FILENO, hint);
+    }
+    Show(STDOUT_FILENO, name + " := ");
     word = ReadWord();
   }
   if (word.empty()) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
+
 #include "annotation/image_mode.h"
 #include "core/doppler_centroid_model.h"
 #include "core/thread_argument.h"
@@ -26,6 +29,8 @@ struct RESAMPLE_JOB {
   const DOPPLER_CENTROID_MODEL* doppler = nullptr;
   const ZARVO::ImageMode* imaging_mode = nullptr;
   bool ps_mode = false;
+  /// Counts the pixels that the workers are done with; null when nobody watches.
+  std::atomic<std::int64_t>* pixels_done = nullptr;
 
   /// Whether the phase of the Doppler centroid has a quadratic term.
   bool HasRateTerm() const { return !ps_mode && !imaging_mode->IsStripmap(); }

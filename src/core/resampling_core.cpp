@@ -25,6 +25,7 @@ void ResampleBlock(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL
         output_mask[line][sample] = result.valid;
       }
     }
+    CountDone(job, job.output_width);
   }
 }
 

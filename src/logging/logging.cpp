@@ -125,7 +125,8 @@ LOGGING::LOGGING(std::string_view file_name, std::string_view program_name,
       file_name_(file_name),
       screen_level_(screen_level),
       file_level_(file_level),
-      start_time_(std::time(nullptr)) {
+      start_time_(std::time(nullptr)),
+      can_show_status_(::isatty(STDERR_FILENO) != 0) {
   OpenTemporary();
 }
 
@@ -238,6 +239,28 @@ std::string LOGGING::FileName() const {
   return file_name_;
 }
 
+void LOGGING::ShowStatus(std::string_view text) {
+  if (!can_show_status_) {
+    return;
+  }
+  const std::lock_guard lock(mutex_);
+  HideStatus();
+  status_ = text;
+  DrawStatus();
+}
+
+void LOGGING::HideStatus() const {
+  if (!status_.empty()) {
+    WriteAll(STDERR_FILENO, "\r\033[K");
+  }
+}
+
+void LOGGING::DrawStatus() const {
+  if (!status_.empty()) {
+    WriteAll(STDERR_FILENO, status_);
+  }
+}
+
 void LOGGING::KeepMessages(bool on) {
   const std::lock_guard lock(mutex_);
   keep_messages_ = on;
@@ -267,7 +290,9 @@ void LOGGING::WriteLocked(LOGGING_LEVEL_T level, std::string_view text) {
   line += prefix_;
   line += WithoutFinalLineFeed(text);
   if (to_screen) {
+    HideStatus();
     WriteAll(STDOUT_FILENO, ScreenHighlight(level) + line + ScreenReset(level) + "\n");
+    DrawStatus();
   }
   if (to_file) {
     WriteAll(file_, line + "\n");

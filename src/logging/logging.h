@@ -89,6 +89,12 @@ class LOGGING {
   /// Whether the environment told the supervisor's version when the header was written.
   bool SupervisorVersionKnown() const noexcept { return supervisor_version_known_; }
 
+  /// Whether standard error is a terminal, where a status line can be shown.
+  bool CanShowStatus() const noexcept { return can_show_status_; }
+  /// Keeps one line, rewritten in place, below the lines of the screen: on standard error, and only
+  /// when this is a terminal. An empty text takes the line away.
+  void ShowStatus(std::string_view text);
+
   /// While on, the text of each printf-style message that reaches the screen is kept, with a
   /// line feed, for a receiver that forwards it.
   void KeepMessages(bool on);
@@ -109,6 +115,8 @@ class LOGGING {
   void WriteLocked(LOGGING_LEVEL_T level, std::string_view text);
   void OpenTemporary();
   void CarryOver();
+  void HideStatus() const;
+  void DrawStatus() const;
   void RemoveTemporary();
 
   mutable std::mutex mutex_;
@@ -121,6 +129,8 @@ class LOGGING {
   const std::time_t start_time_;
   std::atomic<bool> qa_warning_logged_ = false;
   std::atomic<bool> supervisor_version_known_ = false;
+  const bool can_show_status_;
+  std::string status_;
   bool keep_messages_ = false;
   std::string kept_message_;
 };

@@ -16,7 +16,7 @@ TEST_F(KEYBOARD, TakesOneWordPerQuestionAndLeavesTheRest) {
       [] {
         std::string answers;
         for (const char* name : {"FIRST", "SECOND", "THIRD"}) {
-          answers += AskAtKeyboard(name) + "|";
+          answers += AskAtKeyboard(name, "") + "|";
         }
         std::array<char, 8> rest{};
         const ssize_t length = ::read(STDIN_FILENO, rest.data(), rest.size());
@@ -37,7 +37,7 @@ TEST_F(KEYBOARD, AlarmEndsTheProcessEvenWhenItWasIgnoredAndBlocked) {
     ::sigfillset(&all);
     ::pthread_sigmask(SIG_BLOCK, &all, nullptr);
     ::setenv("SECONDS_ON_PARAMETER_INPUT", "1", 1);
-    AskAtKeyboard("NAME");
+    AskAtKeyboard("NAME", "");
   });
   ::close(silent_pipe[0]);
   ::close(silent_pipe[1]);

@@ -39,6 +39,8 @@ void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::P
     const unsigned chunk_end = std::min(line + chunk_lines, end_line);
     for (int column = 0; column < job.output_width; column += strip_columns) {
       strip.Resample(column, line, chunk_end - 1);
+      const int columns = std::min(strip_columns, job.output_width - column);
+      CountDone(job, std::int64_t{columns} * (chunk_end - line));
     }
     for (; reported < chunk_end; ++reported) {
       LogProgress(argument, reported);
