@@ -87,7 +87,8 @@ def from_complex(values, dtype):
 INTEGERS = ("BYT", "INT_8", "INT_16", "INT_32", "INT_64")
 WORDS = {"BOL": [lambda word: word == "TRUE"], "FLT_6": [float], "FLT_15": [float]}
 WORDS.update({kind: [int] for kind in INTEGERS})
-WORDS.update({f"{kind}_{kind}": 2 * WORDS[kind] for kind in ("INT_32", "INT_64", "FLT_6", "FLT_15")})
+WORDS.update({f"{kind}_{kind}": 2 * WORDS[kind]
+              for kind in ("INT_32", "INT_64", "FLT_6", "FLT_15")})
 WORDS.update({f"IDX_{kind}": [int] + WORDS[kind] for kind in ("INT_32", "FLT_6", "FLT_15")})
 
 
@@ -185,6 +186,8 @@ def _block(kind, values, indent):
 
 def _words(kind, value):
     if kind == "STR":
+        if "\n" in value or "\r" in value:
+            raise ValueError("a text of a pool has no line ends")
         return '"' + re.sub(r'(["\\])', r"\\\1", value) + '"'
     if kind == "BOL":
         return "TRUE" if value else "FALSE"

@@ -10,7 +10,8 @@ class Library(installed.SceneTest):
         flags = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
         if os.environ["SANITIZE"]:
             flags += " -fsanitize=" + os.environ["SANITIZE"]
-        installed.run("cmake", "-S", installed.PREFIX / "share/doc/resample/examples/cpp", "-B", build,
+        source = installed.PREFIX / "share/doc/resample/examples/cpp"
+        installed.run("cmake", "-S", source, "-B", build,
                       f"-DCMAKE_PREFIX_PATH={installed.PREFIX}", f"-DCMAKE_CXX_FLAGS={flags}")
         installed.run("cmake", "--build", build)
         output = self.folder / "by_library.ras"

@@ -65,9 +65,10 @@ class Pools(installed.SceneTest):
     def test_that_are_written_are_read_by_resample(self):
         coefficients = [1.5, 0.0, 0.0, 0.0, 0.0, 0.0]
         path = self.folder / "insar.pool"
-        rasters.write_pool(path, {"n_samples": ("INT_32", 60), "mapping_format": ("STR", "polynomial"),
-                                  "respl_poly_rg": ("FLT_15_V", coefficients),
-                                  "respl_poly_az": ("FLT_15_V", coefficients)})
+        rasters.write_pool(path, {
+            "n_samples": ("INT_32", 60), "mapping_format": ("STR", "polynomial"),
+            "respl_poly_rg": ("FLT_15_V", coefficients),
+            "respl_poly_az": ("FLT_15_V", coefficients)})
         frequencies = np.full((1, 2), 100.0)
         rasters.write_pool(self.folder / "slave.pool", {
             "fdc_poly_az_time": ("FLT_15_V", [0.0]), "fdc_poly_rg_ref_time": ("FLT_15_V", [0.0]),
@@ -81,8 +82,8 @@ class Pools(installed.SceneTest):
 
     def test_hold_every_kind_of_value(self):
         path = self.folder / "kinds.pool"
-        path.write_bytes(b'# comment\r\ntext STR plain text \r\ntext STR "second"\r\noffset INT_32_V 2 1\r\n'
-                         b"{\r\n5\r\n}\r\nfrom STR_V 1 1\n  {\n    \"a\"\n  }\nlast FLT_6 2.5")
+        path.write_bytes(b'# comment\r\ntext STR plain text \r\ntext STR "second"\r\n'
+                         b"offset INT_32_V 2 1\r\n{\r\n5\r\n}\r\nfrom STR_V 1 1\n  {\n    \"a\"\n  }\nlast FLT_6 2.5")
         entries = {"quoted": ("STR", 'a "b" \\ c'), "flag": ("BOL", True),
                    "pair": ("IDX_FLT_6", (3, 0.25)), "wave": ("CPL_15", 1.5 - 2j),
                    "names": ("STR_M", [["a", "{"], ["", "d"]]), "last": ("INT_64", 2**40)}
@@ -96,6 +97,9 @@ class Pools(installed.SceneTest):
         self.assertEqual((pool["text"], pool["from"]), ("plain text ", ["", "a"]))
         self.assertEqual(pool["offset"].tolist(), [0, 0, 5])
         self.assertTrue(content.startswith(b"# comment\r\n"))
+        with self.assertRaises(ValueError):
+            rasters.write_pool(path, {"quoted": ("STR", "two\nlines")})
+        self.assertEqual(path.read_bytes(), content)
 
 
 if __name__ == "__main__":
