@@ -11,7 +11,7 @@ class Library(installed.SceneTest):
         if os.environ["SANITIZE"]:
             flags += " -fsanitize=" + os.environ["SANITIZE"]
         source = installed.PREFIX / "share/doc/resample/examples/cpp"
-        installed.run("cmake", "-S", source, "-B", build,
+        installed.run("cmake", "-G", "Ninja", "-S", source, "-B", build,
                       f"-DCMAKE_PREFIX_PATH={installed.PREFIX}", f"-DCMAKE_CXX_FLAGS={flags}")
         installed.run("cmake", "--build", build)
         output = self.folder / "by_library.ras"
