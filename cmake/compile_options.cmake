@@ -3,7 +3,7 @@ add_library(compile_options INTERFACE)
 target_compile_features(compile_options INTERFACE cxx_std_20)
 target_include_directories(compile_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(compile_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wformat=2
   # False alarms of g++ 12 on text + std::string (GCC bug 105651).
   -Wno-restrict
   $<$<BOOL:${RESAMPLE_WERROR}>:-Werror>

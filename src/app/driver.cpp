@@ -8,6 +8,7 @@
 #include "app/program_version.h"
 #include "app/resample_run.h"
 #include "control/controller_ifc.h"
+#include "control/standard_descriptors.h"
 #include "logging/logging.h"
 
 namespace {
@@ -28,13 +29,16 @@ constexpr const char* program_name = "resample";
 }  // namespace
 
 void RunDriver(int argc, char** argv) {
-  // Configures the log before anything else, so that everything from the first line on has its
-  // prefix and thresholds.
+  OpenStandardDescriptors();
+  // Configures the log before all that writes to it, so that everything from the first line on has
+  // its prefix and thresholds.
   static const LOGGING_USER program_log("", program_name, INFO, DEBUG);
   CONTROLLER_IFC controller;
   std::optional<RESAMPLE_RUN> run;
   VERSION_RECORD version = ProgramVersion();
   try {
+    controller.KeepFromLog({"INSAR_PARAMETER_POOL", "log_pp", "SLAVE_PARAMETER_POOL", "SlaveIn",
+                            "MaskIn", "RG_MAPPING_FILE", "AZ_MAPPING_FILE"});
     controller.ExplainParameters(ParameterHint);
     controller.init(argc, argv, 1);
     version.configuration_file = controller.ConfigurationFileName();

@@ -4,19 +4,20 @@
 #include <filesystem>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/progress_line.h"
 #include "app/resample_thread.h"
 #include "app/threads.h"
 #include "base/error_exception.h"
+#include "base/same_file.h"
 #include "control/processing_history.h"
 #include "control/processors.h"
 #include "core/core_variant.h"
 #include "logging/logging.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
-#include "raster/same_file.h"
 
 namespace {
 
@@ -163,6 +164,9 @@ void RESAMPLE_RUN::CheckOutputPaths() const {
                                     parameters_.slave_pool,
                                     insar_pool_->FileName(),
                                     log_pool_ ? log_pool_->FileName() : ""};
+  for (std::string& file : controller_.OwnFiles()) {
+    taken.push_back(std::move(file));
+  }
   RefuseOverwriting(parameters_.slave_out, taken);
   taken.push_back(parameters_.slave_out);
   RefuseOverwriting(parameters_.mask_out.value_or(""), taken);

@@ -32,17 +32,33 @@ std::optional<std::string> CONFIGURATION_FILE::Find(const std::string& name) {
   if (!IsOpen()) {
     return std::nullopt;
   }
+  std::optional<std::string> value = FindOnward(name);
+  if (!value) {
+    Log() << TRACE << "rewinding file position";
+    std::rewind(file_.get());
+    value = FindOnward(name);
+  }
+  return value;
+}
+
+std::optional<std::string> CONFIGURATION_FILE::FindFromStart(const std::string& name) {
+  const long position = IsOpen() ? std::ftell(file_.get()) : -1;
+  if (position < 0) {
+    return std::nullopt;
+  }
+  std::rewind(file_.get());
+  std::optional<std::string> value = FindOnward(name);
+  std::fseek(file_.get(), position, SEEK_SET);
+  return value;
+}
+
+std::optional<std::string> CONFIGURATION_FILE::FindOnward(const std::string& name) {
   std::string line;
-  for (int ends_of_file = 0; ends_of_file < 2;) {
-    if (ReadLine(line)) {
-      std::string_view rest = line;
-      const std::string_view first_word = TakeWord(rest);
-      if (!first_word.empty() && first_word == name) {
-        return std::string(TakeWord(rest));
-      }
-    } else if (++ends_of_file == 1) {
-      Log() << TRACE << "rewinding file position";
-      std::rewind(file_.get());
+  while (ReadLine(line)) {
+    std::string_view rest = line;
+    const std::string_view first_word = TakeWord(rest);
+    if (!first_word.empty() && first_word == name) {
+      return std::string(TakeWord(rest));
     }
   }
   return std::nullopt;

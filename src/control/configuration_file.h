@@ -21,12 +21,18 @@ class CONFIGURATION_FILE {
   /// file; empty for a line that holds only the name. A read error counts as end of file.
   std::optional<std::string> Find(const std::string& name);
 
+  /// The value of the first line with this name in the file. The next search goes on as if this one
+  /// had not been. Nothing is found in a pipe, which can be read but once.
+  std::optional<std::string> FindFromStart(const std::string& name);
+
  private:
   struct CLOSER {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
   };
 
   bool ReadLine(std::string& line);
+  /// Searches up to the end of the file.
+  std::optional<std::string> FindOnward(const std::string& name);
 
   std::unique_ptr<std::FILE, CLOSER> file_;
 };

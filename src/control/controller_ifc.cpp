@@ -2,11 +2,13 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cfenv>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
 
+#include "base/same_file.h"
 #include "control/fatal_signal.h"
 #include "control/keyboard.h"
 #include "control/number_file.h"
@@ -48,29 +50,22 @@ void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
   if (argc > 0) {
     argument_binary_name_ = LastPathComponent(argv[0]);
   }
-  binary_name_ = argument_binary_name_;
   SetStatusFiles();
   // A signal that arrives right after the installation finds a controller with its paths.
   current_ = this;
   InstallFatalSignalHandler();
 
+  // Known already; these are for the log, which an early signal may interrupt.
   const std::optional<std::string> run_name = LookUp("pid");
-  if (run_name) {
-    binary_name_ = *run_name;
-  }
   Log() << TRACE << "binary name is " << *binary_name_;
-  status_path_ = LookUp("status").value_or("");
-  if (!status_path_.empty() && !status_path_.ends_with('/')) {
-    status_path_ += '/';
-  }
+  LookUp("status");
   Log() << TRACE << "status path is [" << status_path_ << "]";
-  SetStatusFiles();
 
   configuration_file_name_ = LookUp("pcf").value_or("pcf." + *binary_name_);
   // The log file can not be named in the configuration file, so its name is looked up first.
   const std::string log_file_name = LookUpLogFileName(run_name.has_value());
   configuration_file_.Open(configuration_file_name_);
-  Log().Open(log_file_name);
+  OpenLog(log_file_name);
   if (!configuration_file_.IsOpen()) {
     Log() << WARNING << "Configuration file " << configuration_file_name_ << " does not exist!";
   }
@@ -83,6 +78,11 @@ void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
 }
 
 void CONTROLLER_IFC::SetStatusFiles() {
+  binary_name_ = Peek("pid").value_or(argument_binary_name_);
+  status_path_ = Peek("status").value_or("");
+  if (!status_path_.empty() && !status_path_.ends_with('/')) {
+    status_path_ += '/';
+  }
   auto status_files = std::make_unique<const STATUS_FILES>(status_path_, *binary_name_);
   published_status_files_ = status_files.get();
   status_files_ = std::move(status_files);
@@ -94,6 +94,27 @@ std::string CONTROLLER_IFC::LookUpLogFileName(bool run_is_named) {
   }
   std::string name_so_far = Log().FileName();
   return name_so_far.empty() || run_is_named ? "log." + *binary_name_ : name_so_far;
+}
+
+void CONTROLLER_IFC::OpenLog(const std::string& file_name) {
+  std::vector<std::string> kept = {configuration_file_name_};
+  for (const std::string& parameter : kept_from_log_) {
+    kept.push_back(Peek(parameter).value_or(""));
+  }
+  for (const std::string& file : kept) {
+    if (IsSameFile(file_name.c_str(), file.c_str())) {
+      Log() << ALARM << " can not open logging file: " << file_name;
+      Log() << ALARM << "logging would overwrite another file of the run: " << file;
+      return;
+    }
+  }
+  Log().Open(file_name);
+}
+
+std::vector<std::string> CONTROLLER_IFC::OwnFiles() const {
+  return {configuration_file_name_,   Log().FileName(),        status_files_->StopFile(),
+          status_files_->ErrorFile(), status_files_->OkFile(), current_process_file,
+          parent_process_file};
 }
 
 void CONTROLLER_IFC::SetLogLevels() {
@@ -145,16 +166,33 @@ std::optional<std::string> CONTROLLER_IFC::LookUp(const std::string& name) {
 }
 
 std::optional<std::string> CONTROLLER_IFC::LookUpArgument(const std::string& name) const {
-  const std::string option = "-" + name;
-  for (int i = argc_ - 2; i >= 1; --i) {
-    if (argv_[i] == option) {
-      const char* const value = argv_[i + 1];
-      Log() << DEBUG << "Found parameter in argument list " << name << " = " << value;
-      return value;
-    }
+  if (const char* const value = FindArgument(name)) {
+    Log() << DEBUG << "Found parameter in argument list " << name << " = " << value;
+    return value;
   }
   Log() << TRACE << "Parameter " << name << " not found in argument list!";
   return std::nullopt;
+}
+
+const char* CONTROLLER_IFC::FindArgument(const std::string& name) const {
+  const std::string option = "-" + name;
+  for (int i = argc_ - 2; i >= 1; --i) {
+    if (argv_[i] == option) {
+      return argv_[i + 1];
+    }
+  }
+  return nullptr;
+}
+
+std::optional<std::string> CONTROLLER_IFC::Peek(const std::string& name) {
+  if (const char* const value = FindArgument(name)) {
+    return value;
+  }
+  if (std::optional<std::string> value = configuration_file_.FindFromStart(name)) {
+    return value;
+  }
+  const char* const value = std::getenv(name.c_str());
+  return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
 }
 
 std::optional<std::string> CONTROLLER_IFC::LookUpConfigurationFile(const std::string& name) {
@@ -181,9 +219,9 @@ void CONTROLLER_IFC::WriteStatusFile(const std::string& path, int number) {
   }
 }
 
-void CONTROLLER_IFC::RemoveErrorFile() const noexcept {
-  if (status_files_) {
-    ::unlink(status_files_->ErrorFile().c_str());
+void CONTROLLER_IFC::RemoveErrorFile() const {
+  if (status_files_ && ::unlink(status_files_->ErrorFile().c_str()) != 0 && errno != ENOENT) {
+    Log() << WARNING << "Can not remove file " << status_files_->ErrorFile() << "!";
   }
 }
 

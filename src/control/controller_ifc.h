@@ -4,6 +4,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "control/configuration_file.h"
 #include "control/status_files.h"
@@ -25,6 +27,10 @@ class CONTROLLER_IFC {
   ~CONTROLLER_IFC();
   CONTROLLER_IFC(const CONTROLLER_IFC&) = delete;
   CONTROLLER_IFC& operator=(const CONTROLLER_IFC&) = delete;
+
+  /// Parameters that name files which the log must not empty, should it be given the same name; to
+  /// be told before `init`. The log then stays without a file of its own.
+  void KeepFromLog(std::vector<std::string> names) { kept_from_log_ = std::move(names); }
 
   /// Makes this the controller of the process, installs the fatal-signal handler, opens the
   /// configuration file and the log, and leaves the ERROR file, which only a successful end
@@ -52,12 +58,15 @@ class CONTROLLER_IFC {
   /// Ends with "/", or is empty for the current directory.
   const std::string& StatusPath() const noexcept { return status_path_; }
   const std::string& ConfigurationFileName() const noexcept { return configuration_file_name_; }
+  /// The files of the run's control: configuration file, log, marker and process identifier files.
+  std::vector<std::string> OwnFiles() const;
   int SupervisorFlag() const noexcept { return supervisor_flag_; }
   void SetSupervisorFlag() noexcept { supervisor_flag_ = 1; }
 
   /// Creates the file with the number as its text; a failure is only logged.
   static void WriteStatusFile(const std::string& path, int number);
-  void RemoveErrorFile() const noexcept;
+  /// A failure is only logged.
+  void RemoveErrorFile() const;
   void CloseConfigurationFile() noexcept { configuration_file_.Close(); }
 
   /// The two ends of a run: they leave the OK file with 0 or the ERROR file with 1, remove the
@@ -82,18 +91,24 @@ class CONTROLLER_IFC {
  private:
   void SetStatusFiles();
   std::string LookUpLogFileName(bool run_is_named);
+  void OpenLog(const std::string& file_name);
   void SetLogLevels();
   void StopWhenAsked() const;
 
   std::optional<std::string> LookUp(const std::string& name);
   std::optional<std::string> LookUpArgument(const std::string& name) const;
+  const char* FindArgument(const std::string& name) const;
   std::optional<std::string> LookUpConfigurationFile(const std::string& name);
+
+  /// A value, wherever it comes from but the keyboard, without a line in the log.
+  std::optional<std::string> Peek(const std::string& name);
 
   static std::atomic<CONTROLLER_IFC*> current_;
 
   PARAMETER_HINT hint_ = [](const std::string&) { return std::string(); };
   int argc_ = 0;
   char** argv_ = nullptr;
+  std::vector<std::string> kept_from_log_;
   std::optional<std::string> binary_name_;
   const char* argument_binary_name_ = "unknown";
   std::string status_path_;

@@ -14,6 +14,7 @@
 
 #include "control/controller_ifc.h"
 #include "logging/logging.h"
+#include "logging/printable_text.h"
 
 namespace {
 
@@ -66,6 +67,10 @@ std::string_view Description(int signal_number) noexcept {
 /// without mixing with the lines of other threads; an endless program name is cut.
 class SIGNAL_LINE {
  public:
+  /// Takes the sting out of control characters, as nothing can be allocated to spell them out.
+  void MakePrintable() noexcept {
+    std::replace_if(text_.begin(), text_.begin() + size_, IsControlByte, '?');
+  }
   SIGNAL_LINE& operator<<(std::string_view text) noexcept {
     const std::size_t length = std::min(text.size(), text_.size() - size_);
     std::copy_n(text.data(), length, text_.data() + size_);
@@ -125,6 +130,7 @@ void ReportSignal(int signal_number, const LOGGING& log,
     SIGNAL_LINE supervisor_message;
     supervisor_message << "KVT_MSG|ERROR|" << controller->ArgumentBinaryName() << " "
                        << message.Text();
+    supervisor_message.MakePrintable();
     WriteAlarm(log, supervisor_message.Text());
   }
 }

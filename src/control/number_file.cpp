@@ -12,7 +12,8 @@ bool WriteNumberFile(const char* path, int number) noexcept {
   const char* const end = std::to_chars(text.begin(), text.end(), number).ptr;
   const auto length = end - text.data();
 
-  const int file = ::open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+  // Without O_NONBLOCK a FIFO of this name would hang the run.
+  const int file = ::open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
   if (file < 0) {
     return false;
   }

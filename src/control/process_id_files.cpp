@@ -16,6 +16,6 @@ void WriteProcessIdFile(const char* name, pid_t id) {
 }  // namespace
 
 void WriteProcessIdFiles() {
-  WriteProcessIdFile("current_process.pid", ::getpid());
-  WriteProcessIdFile("parent_process.pid", ::getppid());
+  WriteProcessIdFile(current_process_file, ::getpid());
+  WriteProcessIdFile(parent_process_file, ::getppid());
 }

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "control/number_file.h"
 
 STATUS_FILES::STATUS_FILES(const std::string& directory, const std::string& run_name)
@@ -22,5 +24,13 @@ bool STATUS_FILES::StopFileExists() const noexcept {
 
 bool STATUS_FILES::MarkFailed() const noexcept {
   ::unlink(ok_file_.c_str());
+  if (WriteNumberFile(error_file_.c_str(), 1)) {
+    return true;
+  }
+  if (errno != EMFILE) {
+    return false;
+  }
+  // A run that ends so has no more use for its standard input, whose descriptor serves now.
+  ::close(STDIN_FILENO);
   return WriteNumberFile(error_file_.c_str(), 1);
 }

@@ -16,8 +16,8 @@ class STATUS_FILES {
 
   /// Whether the STOP file can be opened for reading; its content does not matter.
   bool StopFileExists() const noexcept;
-  /// Removes the OK file and writes 1 into the ERROR file; false when that cannot be written.
-  /// Async-signal-safe.
+  /// Removes the OK file and writes 1 into the ERROR file, if need be with the descriptor of
+  /// standard input; false when that cannot be written. Async-signal-safe.
   bool MarkFailed() const noexcept;
 
  private:

@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "logging/execution_time.h"
+#include "logging/printable_text.h"
 
 namespace {
 
@@ -34,6 +35,17 @@ void WriteAll(int file, std::string_view bytes) {
   }
 }
 
+/// Creates or empties a log file. A FIFO that nobody reads is a failure and not a wait without end;
+/// one that is read takes every line in full.
+int OpenWaitingForNobody(const std::string& name) {
+  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
+  const int file = ::open(name.c_str(), flags | O_NONBLOCK, 0666);
+  if (file >= 0) {
+    ::fcntl(file, F_SETFL, O_APPEND);
+  }
+  return file;
+}
+
 std::string LocalTime(std::time_t time) {
   std::array<char, 32> text{};  // ctime_r needs 26
   if (::ctime_r(&time, text.data()) == nullptr) {
@@ -51,7 +63,9 @@ std::string HostName() {
   return name.data();
 }
 
-std::string FormatText(const char* format, std::va_list arguments) {
+__attribute__((format(printf, 1, 0)))  // else the compiler can not check what it is handed
+std::string
+FormatText(const char* format, std::va_list arguments) {
   std::va_list measured;
   va_copy(measured, arguments);
   // The analyzer does not see that va_copy initialises its target.
@@ -192,8 +206,7 @@ bool LOGGING::SetFileLevel(std::string_view name) {
 
 void LOGGING::Open(const std::string& file_name) {
   const std::lock_guard lock(mutex_);
-  const int opened =
-      ::open(file_name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+  const int opened = OpenWaitingForNobody(file_name);
   if (opened < 0) {
     WriteLocked(ALARM, " can not open logging file: " + file_name);
     return;
@@ -288,7 +301,7 @@ void LOGGING::WriteLocked(LOGGING_LEVEL_T level, std::string_view text) {
   std::string line = LevelTag(level);
   line += " : ";
   line += prefix_;
-  line += WithoutFinalLineFeed(text);
+  line += PrintableText(WithoutFinalLineFeed(text));
   if (to_screen) {
     HideStatus();
     WriteAll(STDOUT_FILENO, ScreenHighlight(level) + line + ScreenReset(level) + "\n");

@@ -44,7 +44,7 @@ class LOG_LINE {
 
 /// The log of the process: every message goes to standard output when its level reaches the
 /// screen level, and to the log file when it reaches the file level. Each line is
-/// "<tag> : <program> : <text>".
+/// "<tag> : <program> : <text>", control characters in the text written as `PrintableText` does.
 ///
 /// Until `Open` names the real log file, lines go to a temporary one, whose content `Open`
 /// carries over. Trouble with log files is reported at ALARM and never stops the program.

@@ -13,7 +13,8 @@
 #include "logging/logging.h"
 
 POOL_FILE::POOL_FILE(const char* name, int flags)
-    : name_(name), descriptor_(::open(name, flags | O_CLOEXEC)) {}
+    // Without O_NONBLOCK a FIFO in place of the pool would hang the program.
+    : name_(name), descriptor_(::open(name, flags | O_CLOEXEC | O_NONBLOCK)) {}
 
 POOL_FILE POOL_FILE::CreateTemporary(const std::string& directory) {
   POOL_FILE file;

@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -32,6 +34,16 @@ std::optional<std::int64_t> FILE_DESCRIPTOR::Length() const noexcept {
     return std::nullopt;
   }
   return status.st_size;
+}
+
+std::optional<std::int64_t> FILE_DESCRIPTOR::FreeSpace() const noexcept {
+  struct statvfs disk {};
+  if (::fstatvfs(descriptor_, &disk) != 0 || disk.f_blocks == 0) {
+    return std::nullopt;
+  }
+  const double bytes = static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize);
+  constexpr double most = 9e18;
+  return static_cast<std::int64_t>(std::min(bytes, most));
 }
 
 bool FILE_DESCRIPTOR::IsFile(const char* path) const noexcept {

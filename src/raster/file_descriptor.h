@@ -23,6 +23,8 @@ class FILE_DESCRIPTOR {
 
   /// Length of the file in bytes.
   std::optional<std::int64_t> Length() const noexcept;
+  /// Bytes that the file may still take on its disk; none where the file system does not tell.
+  std::optional<std::int64_t> FreeSpace() const noexcept;
   /// Whether `path` names the open file, by whatever name.
   bool IsFile(const char* path) const noexcept;
 

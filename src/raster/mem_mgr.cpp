@@ -132,6 +132,15 @@ void CopyPlanes(const COLOR_MAP& from, unsigned char* planes) {
   }
 }
 
+/// A sparse file finds its disk full only as its pixels are written, which can be hours later.
+void WarnOfSmallDisk(const FILE_DESCRIPTOR& file, const char* path, std::int64_t length) {
+  const auto free_space = file.FreeSpace();
+  if (free_space && *free_space < length) {
+    Log() << WARNING << "MEM_MGR: " << path << " may need " << length
+          << " bytes, its disk has room for " << *free_space;
+  }
+}
+
 [[noreturn]] void ThrowNoImage() {
   Log() << ALARM << "MEM_MGR: no memory allocated for GetNumRecMatrix()";
   throw ERROR_ALGORITHM();
@@ -223,6 +232,7 @@ void MEM_MGR::CreateFile(const char* path, const IMAGE_BOUNDS& bounds, PIXEL_TYP
     LogSystemError(error);
     throw ERROR_CAN_NOT_WRITE_FILE();
   }
+  WarnOfSmallDisk(file, path, block_length);
   HoldFile(std::move(file), header.PixelOffset(), block_length, PROT_READ | PROT_WRITE,
            {0, 0, bounds.Width() - 1, bounds.Height() - 1}, pixel_type);
   if (color_map.entries > 0) {

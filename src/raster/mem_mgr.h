@@ -48,7 +48,8 @@ class MEM_MGR {
               std::int64_t last_column, std::int64_t last_row, int access_mode);
 
   /// Creates a raster file of zeros, replacing any file of that name, and maps it to read and
-  /// write. The file is sparse: it takes disk space as pixels are written. The bounds become
+  /// write. The file is sparse: it takes disk space as pixels are written; a disk without room for
+  /// all of them is a line at WARNING. The bounds become
   /// 0 .. width - 1 and 0 .. height - 1. `color_map` is copied into the file; its planes must not
   /// be this manager's, which lets go of them first.
   ///

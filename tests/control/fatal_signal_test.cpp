@@ -80,6 +80,11 @@ TEST_F(FATAL_SIGNAL, EndlessProgramNameIsCut) {
   EXPECT_TRUE(Content("log.run").ends_with("nnn\n"));
 }
 
+TEST_F(FATAL_SIGNAL, ProgramNameSteersNoTerminal) {
+  RunController({"t\033[2J\nool", "-pid", "run"}, [](CONTROLLER_IFC&) { ::raise(SIGINT); });
+  EXPECT_TRUE(Content("log.run").ends_with(Line("KVT_MSG|ERROR|t?[2J?ool " + interrupt)));
+}
+
 /// Uses 4 KiB of stack a level, in a way that no optimisation turns into a loop.
 int UseStack(int levels) {  // NOLINT(misc-no-recursion): that is the point
   std::array<char, 4096> block{};

@@ -2,6 +2,7 @@
 
 #include "logging/execution_time.h"
 #include "logging/logging_level.h"
+#include "logging/printable_text.h"
 #include "logging/version_record.h"
 
 namespace {
@@ -46,6 +47,24 @@ TEST(EXECUTION_TIME, NamesEveryPartThatIsNotZero) {
   EXPECT_EQ(ExecutionTime(3602), " 1 hour(s) 2 second(s)");
   EXPECT_EQ(ExecutionTime(86399), " 23 hour(s) 59 minute(s) 59 second(s)");
   EXPECT_EQ(ExecutionTime(40 * 86400 + 60), " 40 day(s) 1 minute(s)");
+}
+
+TEST(PRINTABLE_TEXT, SpellsOutControlCharactersAndNothingElse) {
+  const struct {
+    std::string_view text;
+    std::string_view printable;
+  } cases[] = {{"", ""},
+               {"a\tb ~\\ \xc3\x9b \xe2\x82\xac \xf0\x9f\x98\x80",
+                "a\tb ~\\ \xc3\x9b \xe2\x82\xac \xf0\x9f\x98\x80"},
+               {{"\0\033[2J\n\x7f", 7}, "\\x00\\x1b[2J\\x0a\\x7f"},
+               {"\xc2\x9b\xc2\xa0", "\\xc2\\x9b\xc2\xa0"},  // U+009B is a control character
+               {"\xe4\x9b", "\xe4\\x9b"},                   // no complete UTF-8: 8-bit characters
+               {"\xe0\x82\x9b", "\xe0\\x82\\x9b"},          // overlong forms of U+009B
+               {"\xf0\x80\x82\x9b", "\xf0\\x80\\x82\\x9b"},
+               {"\xc0\x9b\xff", "\xc0\\x9b\xff"}};
+  for (const auto& [text, printable] : cases) {
+    EXPECT_EQ(PrintableText(text), printable);
+  }
 }
 
 TEST(VERSION_RECORD, DateIsTakenFromTheRevisionKeywordAndTheVersionLineHasTheDayOnly) {

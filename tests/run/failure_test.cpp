@@ -8,16 +8,6 @@ namespace {
 
 using CAUSE = std::function<void(RUN_FOLDER&)>;
 
-const std::string supervisor_line = "KVT_MSG|ERROR|Resample terminated with error!";
-
-std::string Alarms(const RUN_FOLDER& folder) {
-  std::string alarms;
-  for (const std::string& line : folder.LogLines(alarm_begin)) {
-    alarms += line + "\n";
-  }
-  return alarms;
-}
-
 CAUSE Parameter(const std::string& name, const std::string& value) {
   return [=](RUN_FOLDER& folder) { folder.parameters[name] = value; };
 }
@@ -77,7 +67,7 @@ void ExpectFailures(const std::vector<FAILURE>& failures) {
     failure.cause(folder);
     const PROCESS_END end = folder.Run();
     ExpectFailure(folder, end);
-    EXPECT_EQ(Alarms(folder), failure.alarms + "\n" + supervisor_line + "\n");
+    EXPECT_EQ(folder.Alarms(), failure.alarms + "\n" + supervisor_line + "\n");
     EXPECT_NE(end.screen.find("\033[7m" + alarm_begin + supervisor_line + "\033[0m\n"),
               std::string::npos);
     EXPECT_EQ(folder.CountLogLines(info_begin + std::string(59, '*')), 2) << "a trailer stands";
@@ -247,11 +237,56 @@ TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
     const std::string before = folder.Exists(input) ? folder.Content(input) : "";
     folder.parameters[parameter] = output;
     ExpectFailure(folder, folder.Run());
-    EXPECT_EQ(Alarms(folder),
+    EXPECT_EQ(folder.Alarms(),
               "output would overwrite another file of the run: " + std::string(output) + " is " +
                   input + wrong_argument + "\n" + supervisor_line + "\n");
     EXPECT_FALSE(folder.Exists("out.ras"));
     EXPECT_EQ((folder.Exists(input) ? folder.Content(input) : "") == before, true);
+  }
+}
+
+TEST(Failure, OfAnOutputThatIsAFileOfTheRunsControl) {
+  for (const std::string file : {"pcf.run", "log.run", "OK.run", "ERROR.run", "STOP.run",
+                                 "current_process.pid", "parent_process.pid"}) {
+    SCOPED_TRACE(file);
+    RUN_FOLDER folder(OrdinaryScene());
+    folder.parameters["MaskOut"] = "./" + file;
+    ExpectFailure(folder, folder.Run());
+    EXPECT_EQ(folder.Alarms(), "output would overwrite another file of the run: ./" + file +
+                                   " is " + file + wrong_argument + "\n" + supervisor_line + "\n");
+    EXPECT_TRUE(folder.Content("pcf.run").starts_with("AZ_MAPPING_FILE"));
+    EXPECT_FALSE(folder.Exists("out.ras"));
+  }
+}
+
+TEST(Failure, NoneForALogThatIsAnInputWhichStaysAsItIs) {
+  struct {
+    const char* log;
+    const char* input;
+  } const cases[] = {{"./slave.ras", "slave.ras"}, {"symbolic", "mask.ras"},
+                     {"hard", "rg.map"},           {"az.map", "az.map"},
+                     {"pcf.run", "pcf.run"},       {"slave.pool", "slave.pool"},
+                     {"insar.pool", "insar.pool"}, {"log.pool", "log.pool"}};
+  for (const auto& [log, input] : cases) {
+    SCOPED_TRACE(input);
+    RUN_FOLDER folder(OrdinaryScene());
+    std::filesystem::create_symlink("mask.ras", folder.Path("symbolic"));
+    std::filesystem::create_hard_link(folder.Path("rg.map"), folder.Path("hard"));
+    folder.Write("log.pool", "# kept\n");
+    folder.parameters["log_pp"] = "log.pool";
+    folder.parameters.erase("SlaveIn");
+    folder.parameters.erase("MaskIn");
+    folder.environment["MaskIn"] = "mask.ras";
+    folder.arguments.insert(folder.arguments.end(), {"-SlaveIn", "slave.ras", "-lfn", log});
+    folder.Settings();  // writes the configuration file
+    const std::string before = folder.Content(input);
+    const PROCESS_END end = folder.Run();
+    ExpectSuccess(folder, end);
+    EXPECT_TRUE(folder.Content(input).starts_with(before));
+    EXPECT_NE(end.screen.find(alarm_begin +
+                              "logging would overwrite another file of the run: " + input + "\033"),
+              std::string::npos)
+        << end.screen;
   }
 }
 
@@ -262,7 +297,7 @@ TEST(Failure, OfWorkersEndsTheRunOnce) {
   ExpectFailure(folder, folder.Run());
   EXPECT_EQ(
       folder.CountLogLines(alarm_begin + "ERROR : Non supported pixel type has been provided."), 3);
-  EXPECT_TRUE(Alarms(folder).ends_with("error in thread execution\n" + supervisor_line + "\n"));
+  EXPECT_TRUE(folder.Alarms().ends_with("error in thread execution\n" + supervisor_line + "\n"));
 }
 
 TEST(Failure, NoneForASlaveWithoutPixels) {

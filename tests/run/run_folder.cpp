@@ -1,5 +1,7 @@
 #include "run_folder.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <sstream>
 
@@ -43,6 +45,11 @@ PROCESS_SETTINGS RUN_FOLDER::Settings() const {
   settings.environment = environment;
   settings.directory = Directory();
   settings.keyboard = keyboard;
+  // A run that hangs fails its test, by SIGALRM, and does not hold up all others.
+  settings.prepare = [] {
+    ::alarm(200);
+    return true;
+  };
   return settings;
 }
 
@@ -55,6 +62,14 @@ std::vector<std::string> RUN_FOLDER::LogLines(std::string_view begin) const {
     }
   }
   return lines;
+}
+
+std::string RUN_FOLDER::Alarms() const {
+  std::string alarms;
+  for (const std::string& line : LogLines(alarm_begin)) {
+    alarms += line + "\n";
+  }
+  return alarms;
 }
 
 long RUN_FOLDER::CountLogLines(std::string_view line) const {

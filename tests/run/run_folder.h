@@ -40,6 +40,8 @@ class RUN_FOLDER {
 
   /// The lines of the log that begin with a text, without this text.
   std::vector<std::string> LogLines(std::string_view begin = "") const;
+  /// The texts of the log's ALARM lines, one line each.
+  std::string Alarms() const;
   /// How many lines of the log equal this one.
   long CountLogLines(std::string_view line) const;
 };
@@ -57,3 +59,4 @@ void ExpectFailure(const RUN_FOLDER& folder, const PROCESS_END& end);
 
 inline const std::string alarm_begin = "ALARM : resample : ";
 inline const std::string info_begin = "INFO  : resample : ";
+inline const std::string supervisor_line = "KVT_MSG|ERROR|Resample terminated with error!";

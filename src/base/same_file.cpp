@@ -1,4 +1,4 @@
-#include "raster/same_file.h"
+#include "base/same_file.h"
 
 #include <sys/stat.h>
 
