@@ -3,7 +3,7 @@
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev
   libeigen3-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libbenchmark-dev)
+test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh)
 # Without GDAL some of the tool's commands are left out: the tests need them, the demo does not.
 gdal_packages=(libgdal-dev gdal-bin)
 # The fuzzers: clang with its libFuzzer and sanitizers.
@@ -25,8 +25,19 @@ is_present() {
     libgtest-dev) pkg-config --exists gtest ;;
     libbenchmark-dev) pkg-config --exists benchmark ;;
     libclang-rt-dev) [ -e "$(clang++ -print-file-name=libclang_rt.fuzzer-x86_64.a)" ] ;;
+    python3-numpy) has_numpy ;;
+    dpkg-dev) command -v dpkg-shlibdeps ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
+}
+
+# Whether any Python on the path has numpy.
+has_numpy() {
+  local python
+  for python in $(type -ap python3); do
+    "$python" -c 'import numpy' && return
+  done
+  return 1
 }
 
 # install_packages NAME...: installs what is missing, without a question. Ends the script where
