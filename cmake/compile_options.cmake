@@ -5,7 +5,7 @@ target_include_directories(compile_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(compile_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wformat=2
   # False alarms of g++ 12 on text + std::string (GCC bug 105651).
-  -Wno-restrict
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<BOOL:${RESAMPLE_WERROR}>:-Werror>
   # A fused multiply-add would change the documented order of operations, and with it
   # positions and table indices.
@@ -18,7 +18,7 @@ if(RESAMPLE_SANITIZE)
   target_compile_options(compile_options INTERFACE
     -fsanitize=${RESAMPLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
     # False alarms of g++ on instrumented library templates such as std::regex.
-    -Wno-maybe-uninitialized)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(compile_options INTERFACE -fsanitize=${RESAMPLE_SANITIZE})
 endif()
 

@@ -1,8 +1,13 @@
 # shellcheck shell=bash
 # The packages that the other scripts need, by their Debian names. Sourced, not run.
 
-build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev)
-test_packages=(libgtest-dev libbenchmark-dev)
+build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev
+  libeigen3-dev nlohmann-json3-dev)
+test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh)
+# Without GDAL some of the tool's commands are left out: the tests need them, the demo does not.
+gdal_packages=(libgdal-dev gdal-bin)
+# The fuzzers: clang with its libFuzzer and sanitizers.
+fuzz_packages=(clang libclang-rt-dev)
 # The presets configure the tests and benchmarks as well.
 demo_packages=("${build_packages[@]}" "${test_packages[@]}")
 
@@ -13,10 +18,26 @@ is_present() {
     libcli11-dev) pkg-config --exists CLI11 ;;
     libfftw3-dev) pkg-config --exists fftw3 ;;
     libgd-dev) pkg-config --exists gdlib ;;
+    libeigen3-dev) pkg-config --exists eigen3 ;;
+    nlohmann-json3-dev) pkg-config --exists nlohmann_json ;;
+    libgdal-dev) pkg-config --exists gdal ;;
+    gdal-bin) command -v gdal_translate ;;
     libgtest-dev) pkg-config --exists gtest ;;
     libbenchmark-dev) pkg-config --exists benchmark ;;
+    libclang-rt-dev) [ -e "$(clang++ -print-file-name=libclang_rt.fuzzer-x86_64.a)" ] ;;
+    python3-numpy) has_numpy ;;
+    dpkg-dev) command -v dpkg-shlibdeps ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
+}
+
+# Whether any Python on the path has numpy.
+has_numpy() {
+  local python
+  for python in $(type -ap python3); do
+    "$python" -c 'import numpy' && return
+  done
+  return 1
 }
 
 # install_packages NAME...: installs what is missing, without a question. Ends the script where

@@ -6,11 +6,16 @@
 #include "base/error_exception.h"
 #include "check_run/check_run_command.h"
 #include "compare/compare_command.h"
+#include "export/export_command.h"
+#include "import/import_command.h"
 #include "info/info_command.h"
 #include "logging/logging.h"
+#include "offsets/offsets_command.h"
 #include "png/png_command.h"
+#include "pools/pool_command.h"
 #include "report/report_command.h"
 #include "scene/scene_command.h"
+#include "vrt/vrt_command.h"
 
 namespace {
 
@@ -18,11 +23,13 @@ namespace {
 const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL_T::ALARM);
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
-constexpr void (*add_commands[])(CLI::App&) = {AddSceneCommand, AddCompareCommand, AddPngCommand,
-                                               AddInfoCommand, AddCheckRunCommand, AddReportCommand};
+constexpr void (*add_commands[])(CLI::App&) = {
+    AddSceneCommand,  AddCompareCommand,  AddPngCommand,   AddInfoCommand,
+    AddImportCommand, AddExportCommand,   AddVrtCommand,   AddOffsetsCommand,
+    AddPoolCommand,   AddCheckRunCommand, AddReportCommand};
 
 int Run(int argc, char** argv) {
-  CLI::App app{"Makes, measures and shows rasters around a run of resample."};
+  CLI::App app{"Makes, converts, measures and shows the files around a run of resample."};
   app.require_subcommand(1);
   for (const auto add_command : add_commands) {
     add_command(app);

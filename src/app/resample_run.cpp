@@ -1,6 +1,7 @@
 #include "app/resample_run.h"
 
 #include <atomic>
+#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -67,6 +68,18 @@ void ReadSubsampling(PARAMETER_POOL& pool, const SETUP_STEPS& steps, SUBSAMPLING
       subsampling.azimuth = subsampling.range;
     });
   }
+}
+
+/// Throws ERROR_DATA for a NaN, with which the whole output would hold nothing; pools hold no
+/// infinities.
+double ReadTime(PARAMETER_POOL& pool, const char* key) {
+  double time = 0.0;
+  pool.Read(key, time);
+  if (std::isnan(time)) {
+    Log() << ALARM << "not a number: " << key;
+    throw ERROR_DATA();
+  }
+  return time;
 }
 
 }  // namespace
@@ -232,8 +245,8 @@ void RESAMPLE_RUN::SetupSlcParameters() {
   }
   if (insar_pool_) {
     steps_.TakeAll(
-        {[&] { insar_pool_->Read("slave_first_rg_time", doppler_.range_start_time); },
-         [&] { insar_pool_->Read("slave_first_az_time", doppler_.azimuth_start_time); }});
+        {[&] { doppler_.range_start_time = ReadTime(*insar_pool_, "slave_first_rg_time"); },
+         [&] { doppler_.azimuth_start_time = ReadTime(*insar_pool_, "slave_first_az_time"); }});
   }
   Log().Message(PARAMETER, "fDC: t_rg_start = %f", doppler_.range_start_time);
   Log().Message(PARAMETER, "fDC: t_az_start = %f", doppler_.azimuth_start_time);

@@ -2,7 +2,9 @@
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <functional>
+#include <limits>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -70,7 +72,7 @@ void THREADS<ARG, INDEX_TYPE>::Setup(const ARG& record, const URANGE<INDEX_TYPE>
   int count = 1;
   if (!single_) {
     count = SplitRange(whole, processors, sub_ranges_);
-    ::pthread_setconcurrency(count + 1);
+    ::pthread_setconcurrency(std::min(count, std::numeric_limits<int>::max() - 1) + 1);
   }
   records_.assign(static_cast<std::size_t>(count), record);
   threads_.reserve(records_.size());

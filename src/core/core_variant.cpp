@@ -25,13 +25,25 @@ constexpr CORE_VARIANT FastVariant(const char* name, bool (*is_supported)()) {
           is_supported};
 }
 
+// What the row functions of each level are compiled for, and not the whole level: only some
+// compilers know the levels by name.
+
+bool HasFeaturesOfV3() {
+  return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0 &&
+         __builtin_cpu_supports("bmi2") != 0 && __builtin_cpu_supports("popcnt") != 0;
+}
+
+bool HasFeaturesOfV4() {
+  return HasFeaturesOfV3() && __builtin_cpu_supports("avx512f") != 0 &&
+         __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
+         __builtin_cpu_supports("avx512vl") != 0;
+}
+
 constexpr CORE_VARIANT variants[] = {
     {"plain", ResampleBlock<INT_16_CODEC>, ResampleBlock<BINARY_16_CODEC>, [] { return true; }},
     FastVariant<row_functions_x86_64>("x86-64", [] { return true; }),
-    FastVariant<row_functions_x86_64_v3>("x86-64-v3",
-                                         [] { return __builtin_cpu_supports("x86-64-v3") != 0; }),
-    FastVariant<row_functions_x86_64_v4>("x86-64-v4",
-                                         [] { return __builtin_cpu_supports("x86-64-v4") != 0; }),
+    FastVariant<row_functions_x86_64_v3>("x86-64-v3", HasFeaturesOfV3),
+    FastVariant<row_functions_x86_64_v4>("x86-64-v4", HasFeaturesOfV4),
 };
 
 const CORE_VARIANT& FastestVariant() {

@@ -1,5 +1,6 @@
 #include "core/doppler_centroid_model.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/error_exception.h"
@@ -20,6 +21,10 @@ bool IsPositiveNumber(double value) {
   return std::isfinite(value) && value > 0.0;
 }
 
+bool AreFinite(const double* values, int count) {
+  return std::all_of(values, values + count, [](double value) { return std::isfinite(value); });
+}
+
 /// The annotation as it stands in the pool.
 struct ANNOTATION {
   VECTOR<double> azimuth_times;
@@ -36,6 +41,21 @@ struct ANNOTATION {
   }
 };
 
+/// One NaN would turn every pixel of the result into nothing.
+void CheckNumbers(const ANNOTATION& annotation) {
+  const int count = annotation.PolynomialCount();
+  bool are_finite = AreFinite(annotation.azimuth_times.Pointer(0), count) &&
+                    AreFinite(annotation.reference_times.Pointer(0), count);
+  for (int i = 0; i < count; ++i) {
+    for (int degree = 0; degree < annotation.CoefficientCount(); ++degree) {
+      are_finite = are_finite && std::isfinite(annotation.Coefficient(i, degree));
+    }
+  }
+  if (!are_finite) {
+    RefuseAnnotation("the centroid's times and coefficients must be numbers");
+  }
+}
+
 void CheckAnnotation(const ANNOTATION& annotation) {
   const int count = annotation.PolynomialCount();
   if (count < 1) {
@@ -50,9 +70,9 @@ void CheckAnnotation(const ANNOTATION& annotation) {
   if (annotation.CoefficientCount() < 1) {
     RefuseAnnotation("fdc_poly_coeff holds no coefficient");
   }
+  CheckNumbers(annotation);
   for (int i = 1; i < count; ++i) {
-    // Written so that a NaN is refused too.
-    if (!(annotation.AzimuthTime(i - 1) < annotation.AzimuthTime(i))) {
+    if (annotation.AzimuthTime(i - 1) >= annotation.AzimuthTime(i)) {
       RefuseAnnotation("fdc_poly_az_time does not rise strictly");
     }
   }
@@ -90,9 +110,12 @@ void DOPPLER_CENTROID_MODEL::ReadRates(PARAMETER_POOL& slave_pool, const SETUP_S
 }
 
 void DOPPLER_CENTROID_MODEL::CheckRates() const {
-  if (!IsPositiveNumber(prf_) || !IsPositiveNumber(range_sampling_frequency_) ||
-      !IsPositiveNumber(oversampling_)) {
-    RefuseAnnotation("prf, range_sampling_frequency and oversampling must be positive numbers");
+  // With their products, by which the evaluation divides.
+  for (const double rate : {prf_, range_sampling_frequency_, oversampling_, prf_ * prf_,
+                            oversampling_ * prf_, oversampling_ * range_sampling_frequency_}) {
+    if (!IsPositiveNumber(rate)) {
+      RefuseAnnotation("prf, range_sampling_frequency and oversampling must be positive numbers");
+    }
   }
 }
 

@@ -28,8 +28,9 @@ class DOPPLER_CENTROID_MODEL {
   /// Reads "prf", "range_sampling_frequency", "oversampling", "fdc_poly_az_time",
   /// "fdc_poly_rg_ref_time" and "fdc_poly_coeff" (row i: coefficients of polynomial i, column k:
   /// degree k). Throws the pool's errors, and ERROR_DATA for an annotation that defines no
-  /// centroid: no polynomial or coefficient, lengths that differ, azimuth times that do not
-  /// rise, rates that are not positive numbers. Every entry is a step.
+  /// centroid: no polynomial or coefficient, lengths that differ, times or coefficients that are
+  /// no numbers, azimuth times that do not rise, rates that are not positive numbers. Every entry
+  /// is a step.
   void Setup(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps = SETUP_STEPS());
 
   double Prf() const noexcept { return prf_; }

@@ -59,6 +59,15 @@ double BesselI0(double z) {
   return sum;
 }
 
+/// The window is a quotient of two Bessel functions, which is no number once they are infinite.
+void RefuseEndlessWindow(float kaiser_weight) {
+  if (!std::isfinite(BesselI0(static_cast<double>(kaiser_weight) * pi))) {
+    Log().Message(ALARM, "INTERPOLATION_KERNEL: Kaiser weight is too large: %g",
+                  static_cast<double>(kaiser_weight));
+    throw ERROR_ARGUMENT();
+  }
+}
+
 [[noreturn]] void RefuseForMemory(int subpix_count, int length) {
   Log() << ALARM << "INTERPOLATION_KERNEL: no memory for " << subpix_count << " rows of " << length
         << " weights\n";
@@ -117,6 +126,7 @@ void INTERPOLATION_KERNEL::CorrectParameters() {
               << "Kaiser weight must be a non-negative number. Reset to zero (i.e. no weight)";
         coefficient_ = 0.0F;
       }
+      RefuseEndlessWindow(coefficient_);
       break;
     default:
       break;

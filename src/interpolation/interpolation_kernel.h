@@ -30,7 +30,8 @@ class INTERPOLATION_KERNEL {
   /// half of that length are outside of it: each is reported and weighs 0.
   ///
   /// A type without a kernel leaves the new rows 0. Throws ERROR_ARGUMENT for less than one
-  /// sub-pixel position and ERROR_NO_MEMORY for a table that cannot be allocated.
+  /// sub-pixel position and for a Kaiser weight whose window is no number, and ERROR_NO_MEMORY for
+  /// a table that cannot be allocated.
   void InitKernel(const BASIC::TYPES::KernelType& type, int length, int subpix_count,
                   float coefficient);
 

@@ -1,5 +1,8 @@
 #include "mapping/mapping_polynomial.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "base/error_exception.h"
 #include "logging/logging.h"
 
@@ -13,6 +16,12 @@ void ReadCoefficients(PARAMETER_POOL& pool, const char* key, VECTOR<double>& coe
     Log() << ALARM << "mapping polynomial \"" << key << "\" needs "
           << MAPPING_POLYNOMIAL::coefficient_count << " coefficients, it has "
           << coefficients.Size();
+    throw ERROR_DATA();
+  }
+  const double* const c = coefficients.Pointer(0);
+  if (std::any_of(c, c + MAPPING_POLYNOMIAL::coefficient_count,
+                  [](double coefficient) { return !std::isfinite(coefficient); })) {
+    Log() << ALARM << "mapping polynomial \"" << key << "\" has coefficients that are no numbers";
     throw ERROR_DATA();
   }
 }

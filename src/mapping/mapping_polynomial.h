@@ -18,7 +18,8 @@ class MAPPING_POLYNOMIAL : public MAPPING_BASE {
   static constexpr int coefficient_count = 6;
 
   /// Reads "respl_poly_az", "respl_poly_rg", "n_samples" and "n_lines" from a pool. Throws the
-  /// pool's errors, and ERROR_DATA for too few coefficients. Every entry is a step.
+  /// pool's errors, and ERROR_DATA for too few coefficients and for those that are no numbers.
+  /// Every entry is a step.
   explicit MAPPING_POLYNOMIAL(PARAMETER_POOL& pool, const SETUP_STEPS& steps = SETUP_STEPS());
   /// The same from a pool file, which is closed again.
   explicit MAPPING_POLYNOMIAL(const char* pool_file);

@@ -62,7 +62,7 @@ POOL_ENTRY::POOL_ENTRY(const POOL_FILE& file, const STRING& key, LOGGING_LEVEL_T
   type_ = PoolTypeOfWord(line_.NextWord());
 }
 
-void POOL_ENTRY::Expect(PoolValueType type) const {
+void POOL_ENTRY::Expect(PoolValueType type) {
   if (type_ != type) {
     Refuse<WRONG_PARAMETER_TYPE>(std::string(" << type ") + PoolTypeWord(type) + " expected");
   }
@@ -251,7 +251,8 @@ double POOL_ENTRY::ReadReal(double limit, const char* range_reason) {
   return value;
 }
 
-void POOL_ENTRY::LogReason(std::string_view reason) const {
+void POOL_ENTRY::LogReason(std::string_view reason) {
+  failure_reason_ = reason;
   Log() << LOGGING_LEVEL_T::ALARM << "parameter pool: parameter key >> " << key_.Text() << reason
         << "\n";
 }

@@ -22,7 +22,12 @@ class POOL_ENTRY {
   /// UNKNOWN when the type word is none of the format.
   PoolValueType Type() const noexcept { return type_; }
   /// Throws WRONG_PARAMETER_TYPE unless the entry has this type.
-  void Expect(PoolValueType type) const;
+  void Expect(PoolValueType type);
+
+  /// What was wrong, without the key, after a failure to read; and the number of the line, from 1,
+  /// that was read last.
+  const std::string& FailureReason() const noexcept { return failure_reason_; }
+  long long LineNumber() const noexcept { return lines_.Number(); }
 
   /// Each takes one value, one or two words, from the present line.
   void Read(bool& value);
@@ -62,6 +67,9 @@ class POOL_ENTRY {
   template <class T>
   void Read(ARRAY<T>& vector) {
     const RANGE<int> range = ReadRange();
+    if (range.First() > largest_first_index) {
+      Refuse<INVALID_PARAMETER_VALUE>(" << no correct range for VECTOR or MATRIX");
+    }
     const RANGE<int> result(0, range.First() + range.Count());
     const bool fits = lines_.CanHold(LinesOfBlock(range));
     if (fits && vector.Create(result) != CONTAINER_OK) {
@@ -137,14 +145,14 @@ class POOL_ENTRY {
   long long ReadInteger(const INTEGER_RULE& rule);
   double ReadReal(double limit, const char* range_reason);
 
-  void LogReason(std::string_view reason) const;
+  void LogReason(std::string_view reason);
   template <class ERROR>
-  [[noreturn]] void Refuse(std::string_view reason) const {
+  [[noreturn]] void Refuse(std::string_view reason) {
     LogReason(reason);
     throw ERROR();
   }
   template <class ERROR>
-  [[noreturn]] void RefuseValue(const std::string& word, const char* reason) const {
+  [[noreturn]] void RefuseValue(const std::string& word, const char* reason) {
     Refuse<ERROR>(" << read value is : " + word + reason);
   }
 
@@ -153,6 +161,7 @@ class POOL_ENTRY {
   POOL_LINES lines_;
   POOL_LINE line_;
   PoolValueType type_ = PoolValueType::UNKNOWN;
+  std::string failure_reason_;
 };
 
 /// Moves to the first key line of the key; false without one.

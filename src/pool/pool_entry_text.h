@@ -11,8 +11,9 @@
 /// Composes the lines of one entry as they stand in a pool file: key and type word in columns,
 /// the value behind them or in a block below, an empty line. What it composes reads back as the
 /// same value. A value that could not is refused with an ALARM line: texts with line ends and
-/// lines beyond the length that is read as one (INVALID_PARAMETER_VALUE), infinities and negative
-/// first indices (PARAMETER_OUT_OF_BOUNDS).
+/// lines beyond the length that is read as one (INVALID_PARAMETER_VALUE), infinities, and first
+/// indices that are negative or, of vectors, beyond `largest_first_index`
+/// (PARAMETER_OUT_OF_BOUNDS).
 class POOL_ENTRY_TEXT {
  public:
   /// Throws PARAMETER_KEY_TOO_LONG, and ERROR_ARGUMENT for a key that would not be found again.
@@ -48,6 +49,9 @@ class POOL_ENTRY_TEXT {
   void Write(const ARRAY<T>& vector) {
     const RANGE<int> range = vector.Range();
     const T* const elements = vector.Origin();
+    if (range.First() > largest_first_index) {
+      Refuse<PARAMETER_OUT_OF_BOUNDS>(" << a first index this large can not be written");
+    }
     WriteRange(range);
     OpenBlock();
     for (int index = range.First(); index <= range.Last(); ++index) {

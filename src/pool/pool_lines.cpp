@@ -72,7 +72,9 @@ bool POOL_LINES::Next(POOL_LINE& line) {
       ++position_;
     }
   }
+  number_ += in_long_line_ ? 0 : 1;
   line = POOL_LINE(std::move(raw), length);
+  in_long_line_ = !line.HasEnd();
   return true;
 }
 

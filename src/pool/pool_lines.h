@@ -54,6 +54,9 @@ class POOL_LINES {
   /// False at the end of the file. A read error is an ALARM line and ERROR_CAN_NOT_READ_FILE.
   bool Next(POOL_LINE& line);
 
+  /// Number of the line read last, from 1. The pieces of a long line share one.
+  long long Number() const noexcept { return number_; }
+
   /// Whether that many lines of at least one character can still follow.
   bool CanHold(long long lines) const noexcept;
 
@@ -67,4 +70,6 @@ class POOL_LINES {
   std::size_t position_ = 0;  ///< next character in the buffer
   std::size_t filled_ = 0;
   long long offset_ = 0;  ///< place in the file behind the buffer
+  long long number_ = 0;
+  bool in_long_line_ = false;
 };

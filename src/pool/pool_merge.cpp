@@ -3,7 +3,7 @@
 #include <set>
 #include <string_view>
 
-#include "pool/pool_value_type.h"
+#include "pool/pool_contents.h"
 
 namespace {
 
@@ -15,45 +15,9 @@ bool IsBlank(std::string_view text) {
   return text.find_first_not_of(" \t") == std::string_view::npos;
 }
 
-/// The type of the entry on a line; takes a copy for the sake of its cursor.
-PoolValueType TypeOnKeyLine(POOL_LINE line) {
-  line.NextWord();
-  return PoolTypeOfWord(line.NextWord());
-}
-
-/// How deep the blocks of an entry nest. A type of later programs may have any block.
-int BlockDepth(PoolValueType type) {
-  if (type == PoolValueType::UNKNOWN || IsMatrixType(type)) {
-    return 2;
-  }
-  return IsVectorType(type) ? 1 : 0;
-}
-
-/// The line behind the block that begins at line `begin`, which is `begin` itself when there is
-/// none or when the next entry or the end of the file comes before its end: what follows a
-/// damaged entry is kept.
-std::size_t EndOfBlock(const LINES& lines, std::size_t begin, int deepest) {
-  int depth = 0;
-  for (std::size_t i = begin; i < lines.size(); ++i) {
-    POOL_LINE line = lines[i];
-    const std::string_view word = line.NextWord();
-    if (word == "{" && depth < deepest) {
-      ++depth;
-      continue;
-    }
-    if (depth == 0 || (line.IsKeyLine() && TypeOnKeyLine(lines[i]) != PoolValueType::UNKNOWN)) {
-      return begin;
-    }
-    if (word == "}" && --depth == 0) {
-      return i + 1;
-    }
-  }
-  return begin;
-}
-
 /// The line behind the entry on line `begin`, its block and the blank lines after it.
 std::size_t EndOfEntry(const LINES& lines, std::size_t begin) {
-  std::size_t end = EndOfBlock(lines, begin + 1, BlockDepth(TypeOnKeyLine(lines[begin])));
+  std::size_t end = EndOfPoolBlock(lines, begin + 1, TypeOnKeyLine(lines[begin]));
   while (end < lines.size() && lines[end].HasEnd() && IsBlank(lines[end].Text())) {
     ++end;
   }

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "logging/logging.h"
+#include "pool/pool_contents.h"
 #include "pool/pool_errors.h"
-#include "pool/pool_lines.h"
 #include "pool/pool_merge.h"
 
 namespace {
@@ -52,15 +52,6 @@ std::string DirectoryOf(const std::string& path) {
 [[noreturn]] void RefuseTemporary(const char* path, int error) {
   Log() << ALARM << "can not update parameter pool: " << path;
   RefuseForPermission(path, error);
-}
-
-std::vector<POOL_LINE> ReadLines(const POOL_FILE& pool) {
-  std::vector<POOL_LINE> result;
-  POOL_LINES lines(pool);
-  for (POOL_LINE line; lines.Next(line);) {
-    result.push_back(line);
-  }
-  return result;
 }
 
 /// Best effort: keeps the new name in the directory through a power failure.
@@ -115,7 +106,7 @@ POOL_FILE UpdatePoolFile(const char* path, const PARAMETER_POOL_LIST& items) {
     // While the lock was awaited another file may have been put into the place of this one.
     if (pool.IsAtItsName()) {
       const HELD_SIGNALS held;
-      const std::string merged = MergeIntoPool(ReadLines(pool), items);
+      const std::string merged = MergeIntoPool(ReadPoolLines(pool), items);
       POOL_FILE temporary = WriteTemporary(path, merged);
       Overwrite(pool, merged, temporary);
       return pool;

@@ -65,6 +65,10 @@ enum class PoolValueType : int {
 
 inline constexpr int pool_value_type_count = 48;
 
+/// The largest first index of a vector. The elements in front of it take memory that no line of the
+/// file stands for, so there must be an end to them.
+inline constexpr int largest_first_index = 1 << 20;
+
 /// The word that stands for the type in a pool file.
 const char* PoolTypeWord(PoolValueType type) noexcept;
 /// The type of a word, UNKNOWN when it is none of them.

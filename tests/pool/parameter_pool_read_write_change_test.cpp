@@ -106,9 +106,11 @@ TEST_F(POOL_WRITE, RefusesWhatWouldNotReadBack) {
   ExpectRefusal<INVALID_PARAMETER_VALUE>("key", STRING(long_text.c_str()));
   ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", -HUGE_VAL);
   ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", HUGE_VALF);
-  ARRAY<int> negative;
-  negative.Create(RANGE<int>(-1, 1));
-  ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", negative);
+  for (const int first : {-1, largest_first_index + 1}) {
+    ARRAY<int> vector;
+    vector.Create(RANGE<int>(first, 1));
+    ExpectRefusal<PARAMETER_OUT_OF_BOUNDS>("key", vector);
+  }
   ExpectRefusal<PARAMETER_KEY_TOO_LONG>(std::string(101, 'k').c_str(), 1);
   for (const char* key : {"", "#key", " key", "two words", "two\tcolumns"}) {
     ExpectRefusal<ERROR_ARGUMENT>(key, 1);

@@ -133,7 +133,8 @@ TEST_F(PARAMETER_POOL_REFUSES, BadScalars) {
 TEST_F(PARAMETER_POOL_REFUSES, BadRanges) {
   const char* vector = "no correct range for VECTOR or MATRIX";
   const char* matrix = "no correct range for MATRIX";
-  for (const char* range : {"0\n", "-1 1\n", "0 -1\n", "2147483647 1\n"}) {
+  // The last one would put gigabytes of default elements in front of one element.
+  for (const char* range : {"0\n", "-1 1\n", "0 -1\n", "2147483647 1\n", "2147483646 1\n"}) {
     Invalid<ARRAY<int>>(std::string("INT_32_V ") + range + "{\n1\n}\n", vector);
   }
   Invalid<MATRIX<int>>("INT_32_M 0 1\n{\n{\n1\n}\n}\n", matrix);

@@ -32,6 +32,14 @@ CAUSE Entry(const std::string& file, const std::string& key, const std::string& 
   };
 }
 
+/// A polynomial mapping with this entry for azimuth.
+CAUSE Polynomial(const std::string& azimuth) {
+  return [=](RUN_FOLDER& folder) {
+    Entry("insar.pool", "respl_poly_az", azimuth)(folder);
+    folder.parameters["MAPPING_FORMAT"] = "polynomial";
+  };
+}
+
 CAUSE WithoutFile(const std::string& name) {
   return [=](RUN_FOLDER& folder) { std::filesystem::remove(folder.Path(name)); };
 }
@@ -111,6 +119,11 @@ TEST(Failure, OfAParameter) {
        "mapping type is neither matrix nor polynomial: -\ncase not handled in if or switch block"},
       {Size("0", "5"), "output without pixels: n_samples = 0, n_lines = 5" + wrong_argument},
       {Size("5", "many"), "output without pixels: n_samples = 5, n_lines = 0" + wrong_argument},
+      {Size("2147483647", "2147483647"),
+       "MEM_MGR: impossible image bounds: columns 0 .. 2147483646, rows 0 .. 2147483646" +
+           wrong_argument},
+      {Parameter("KERNEL_COEFFICIENT", "inf"),
+       "INTERPOLATION_KERNEL: Kaiser weight is too large: inf" + wrong_argument},
       {Parameter("KERNEL_SUBPIX_POS", "-3"),
        "INTERPOLATION_KERNEL: the number of sub-pixel positions must be at least 1, not -3" +
            wrong_argument},
@@ -142,6 +155,8 @@ TEST(Failure, OfAPool) {
       {Entry("insar.pool", "mapping_format", "STR foo"),
        NoValue("N5BASIC5TYPES17MappingFormatTypeE", "foo", "'matrix' 'polynomial' ")},
       {Entry("insar.pool", "slave_first_az_time"), NoKey("slave_first_az_time"), true},
+      {Entry("insar.pool", "slave_first_az_time", "FLT_15 nan"),
+       "not a number: slave_first_az_time" + data_error, true},
       {Entry("slave.pool", "prf"), NoKey("prf"), true},
       {Entry("slave.pool", "prf", "FLT_15 1e999"),
        PoolText("prf",
@@ -187,11 +202,10 @@ TEST(Failure, OfTheMapping) {
        "subsampling of the mapping files must be at least 1, not 0 in range and 0 in azimuth" +
            wrong_argument},
       {Parameter("MAPPING_FORMAT", "polynomial"), NoKey("respl_poly_az")},
-      {[](RUN_FOLDER& folder) {
-         Entry("insar.pool", "respl_poly_az", "FLT_15_V 0 1\n{\n1\n}")(folder);
-         folder.parameters["MAPPING_FORMAT"] = "polynomial";
-       },
+      {Polynomial("FLT_15_V 0 1\n{\n1\n}"),
        "mapping polynomial \"respl_poly_az\" needs 6 coefficients, it has 1" + data_error},
+      {Polynomial("FLT_15_V 0 6\n{\n1\n0\nnan\n0\n0\n0\n}"),
+       "mapping polynomial \"respl_poly_az\" has coefficients that are no numbers" + data_error},
   });
 }
 
@@ -199,6 +213,8 @@ TEST(Failure, OfTheSlavesAnnotation) {
   // The ordinary scene has two polynomials of two coefficients.
   const std::string not_positive =
       "fDC: prf, range_sampling_frequency and oversampling must be positive numbers" + data_error;
+  const std::string no_number =
+      "fDC: the centroid's times and coefficients must be numbers" + data_error;
   ExpectFailures({
       {Entry("slave.pool", "imaging_mode", "STR foo"),
        NoValue("N5ZARVO9ImageModeE", "foo",
@@ -217,6 +233,10 @@ TEST(Failure, OfTheSlavesAnnotation) {
       {Entry("slave.pool", "prf", "FLT_15 0"), not_positive, true},
       {Entry("slave.pool", "oversampling", "FLT_15 -1"), not_positive, true},
       {Entry("slave.pool", "range_sampling_frequency", "FLT_15 nan"), not_positive, true},
+      {Entry("slave.pool", "prf", "FLT_15 1e-200"), not_positive, true},  // its square is 0
+      {Entry("slave.pool", "fdc_poly_rg_ref_time", "FLT_15_V 0 2\n{\n1\nnan\n}"), no_number, true},
+      {Entry("slave.pool", "fdc_poly_coeff", "FLT_15_M 0 2 0 1\n{\n{\nnan\n}\n{\n1\n}\n}"),
+       no_number, true},
   });
 }
 

@@ -1,41 +1,22 @@
-#include <gtest/gtest.h>
-
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <stdexcept>
 
-#include "common/raster_reader.h"
 #include "compare/compare_command.h"
 #include "scene/scene_command.h"
-#include "support/temporary_directory.h"
+#include "tools/command_test.h"
 
 namespace {
 
-class COMMANDS : public testing::Test {
+class COMMANDS : public COMMAND_TEST {
  protected:
-  /// What a command line prints. Throws what the command throws.
-  std::string Run(const std::string& command_line) const {
-    CLI::App app;
-    AddCompareCommand(app);
-    AddSceneCommand(app);
-    testing::internal::CaptureStdout();
-    try {
-      app.parse(command_line);
-    } catch (...) {
-      testing::internal::GetCapturedStdout();
-      throw;
-    }
-    return testing::internal::GetCapturedStdout();
+  static std::string Compare(const std::string& arguments) {
+    return Run(AddCompareCommand, "compare " + arguments);
   }
 
   /// Makes a small scene in `Path("")`.
   void MakeScene(const std::string& options = "") const {
-    Run("scene " + Path("") + " --samples 80 --lines 60 " + options);
+    Run(AddSceneCommand, "scene " + Path("") + " --samples 80 --lines 60 " + options);
   }
-
-  std::string Path(const char* name) const { return directory_.File("scene/") + name; }
-
-  TEMPORARY_DIRECTORY directory_;
 };
 
 TEST_F(COMMANDS, SceneTakesItsOptions) {
@@ -67,13 +48,12 @@ TEST_F(COMMANDS, SceneRefusesImpossibleOptions) {
 
 TEST_F(COMMANDS, ComparePrintsFiguresOfTheRegionOrOfItsBlocks) {
   MakeScene();
-  const std::string pair =
-      "compare " + Path("slave.ras") + " " + Path("slave.ras") + " --margin 10";
-  const std::string whole = Run(pair);
+  const std::string pair = Path("slave.ras") + " " + Path("slave.ras") + " --margin 10";
+  const std::string whole = Compare(pair);
   EXPECT_EQ(whole.rfind("compared=", 0), 0U) << whole;
   EXPECT_NE(whole.find("\ncoherence=1.000000\n"), std::string::npos) << whole;
 
-  const std::string blocks = Run(pair + " --block 25");
+  const std::string blocks = Compare(pair + " --block 25");
   // 60 x 40 pixels in 3 x 2 blocks.
   EXPECT_EQ(std::count(blocks.begin(), blocks.end(), '\n'), 6);
   EXPECT_NE(blocks.find("first_sample=60 first_line=35 n_samples=10 n_lines=15 compared=150 "),
@@ -84,11 +64,11 @@ TEST_F(COMMANDS, ComparePrintsFiguresOfTheRegionOrOfItsBlocks) {
 TEST_F(COMMANDS, CompareRefusesWhatDoesNotFit) {
   MakeScene();
   const std::string map = Path("rg_map.ras");
-  const std::string pair = "compare " + Path("master.ras") + " " + Path("slave.ras");
-  EXPECT_THROW(Run("compare " + Path("master.ras") + " " + map), std::invalid_argument);
-  EXPECT_THROW(Run(pair + " --mask " + map), std::invalid_argument);
-  EXPECT_THROW(Run(pair + " --margin 30"), std::invalid_argument);
-  EXPECT_THROW(Run(pair + " --min-coherence 0.5"), std::runtime_error);
+  const std::string pair = Path("master.ras") + " " + Path("slave.ras");
+  EXPECT_THROW(Compare(Path("master.ras") + " " + map), std::invalid_argument);
+  EXPECT_THROW(Compare(pair + " --mask " + map), std::invalid_argument);
+  EXPECT_THROW(Compare(pair + " --margin 30"), std::invalid_argument);
+  EXPECT_THROW(Compare(pair + " --min-coherence 0.5"), std::runtime_error);
 }
 
 }  // namespace

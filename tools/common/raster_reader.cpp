@@ -45,19 +45,6 @@ RASTER_READER::RASTER_READER(const std::string& path) : path_(path) {
   type_ = raster_.PixelType();
 }
 
-bool RASTER_READER::IsComplex() const noexcept {
-  switch (type_) {
-    case PIXEL_TYPE::C_U_INT_8:
-    case PIXEL_TYPE::C_INT_16:
-    case PIXEL_TYPE::C_FLT_2:
-    case PIXEL_TYPE::C_FLT_6:
-    case PIXEL_TYPE::C_FLT_15:
-      return true;
-    default:
-      return false;
-  }
-}
-
 const std::byte* RASTER_READER::Pixels(std::int64_t line, std::int64_t first,
                                        std::size_t count) const {
   const auto n_pixels = static_cast<std::int64_t>(count);

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "common/pixel_encoder.h"
 #include "raster/mem_mgr.h"
 
 /// Read access to a raster of any pixel type but rgb, line by line and in place: nothing but the
@@ -18,7 +19,7 @@ class RASTER_READER {
   std::int64_t Width() const noexcept { return width_; }
   std::int64_t Height() const noexcept { return height_; }
   PIXEL_TYPE Type() const noexcept { return type_; }
-  bool IsComplex() const noexcept;
+  bool IsComplex() const noexcept { return HoldsPairs(type_); }
 
   /// Pixels first, first + 1, ... of a line, as many as `values` holds. Real pixels get the
   /// imaginary part 0. Throws std::out_of_range beyond the raster and std::invalid_argument for
@@ -26,9 +27,10 @@ class RASTER_READER {
   void ReadLine(std::int64_t line, std::int64_t first,
                 std::span<std::complex<double>> values) const;
 
- private:
+  /// The same pixels of any type as they stand in the file.
   const std::byte* Pixels(std::int64_t line, std::int64_t first, std::size_t count) const;
 
+ private:
   std::string path_;
   MEM_MGR raster_;
   std::int64_t width_ = 0;

@@ -13,10 +13,10 @@ using COMPLEX_LINE = std::function<void(std::int64_t line, std::span<std::comple
 using REAL_LINE = std::function<void(std::int64_t line, std::span<double> values)>;
 
 /// Creates a raster file and fills it line by line, in place: no image is ever held in memory.
-/// Integers are rounded to the nearest and saturated.
+/// Numbers are encoded as `EncodePixels` does.
 ///
-/// Complex types: C_INT_16, C_FLT_2 and C_FLT_6. Real types: U_INT_8 and FLT_6. Throw
-/// std::invalid_argument for others, and the errors of MEM_MGR::Create.
+/// Throw std::invalid_argument for a type that does not hold pairs or single numbers, and the
+/// errors of MEM_MGR::Create.
 void WriteRaster(const std::string& path, std::int64_t width, std::int64_t height, PIXEL_TYPE type,
                  const COMPLEX_LINE& fill);
 void WriteRealRaster(const std::string& path, std::int64_t width, std::int64_t height,

@@ -1,29 +1,17 @@
 #include "info/raster_report.h"
 
-#include <array>
 #include <cmath>
 #include <complex>
 #include <cstdint>
-#include <fstream>
 #include <iomanip>
-#include <stdexcept>
 #include <vector>
 
 #include "common/raster_reader.h"
+#include "common/read_raster_header.h"
 #include "info/amplitude_histogram.h"
 #include "info/value_statistics.h"
-#include "raster/raster_header.h"
 
 namespace {
-
-RASTER_HEADER ReadHeader(const std::string& path) {
-  RASTER_HEADER::BYTES bytes;
-  std::ifstream file(path, std::ios::binary);
-  if (!file.read(reinterpret_cast<char*>(bytes.data()), bytes.size())) {
-    throw std::runtime_error("can not read a raster header from " + path);
-  }
-  return RASTER_HEADER(bytes);
-}
 
 void WriteHeader(const RASTER_HEADER& header, std::ostream& report) {
   report << "magic: 0x" << std::hex << std::setw(8) << std::setfill('0') << header.magic << std::dec
@@ -91,7 +79,7 @@ void WritePercentiles(const AMPLITUDE_HISTOGRAM& amplitudes, std::ostream& repor
 
 void WriteRasterReport(const std::string& path, std::ostream& report) {
   report << "file: " << path << "\n";
-  WriteHeader(ReadHeader(path), report);
+  WriteHeader(ReadRasterHeader(path), report);
   report.flush();
   const RASTER_READER raster(path);
   if (raster.Type() == PIXEL_TYPE::RGB) {

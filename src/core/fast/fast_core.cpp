@@ -37,10 +37,11 @@ void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::P
   unsigned reported = argument.block.First();
   for (unsigned line = argument.block.First(); line < end_line; line += chunk_lines) {
     const unsigned chunk_end = std::min(line + chunk_lines, end_line);
-    for (int column = 0; column < job.output_width; column += strip_columns) {
-      strip.Resample(column, line, chunk_end - 1);
-      const int columns = std::min(strip_columns, job.output_width - column);
-      CountDone(job, std::int64_t{columns} * (chunk_end - line));
+    // A 64-bit count: the column behind the last strip need not fit into an int.
+    for (std::int64_t column = 0; column < job.output_width; column += strip_columns) {
+      strip.Resample(static_cast<int>(column), line, chunk_end - 1);
+      const std::int64_t columns = std::min<std::int64_t>(strip_columns, job.output_width - column);
+      CountDone(job, columns * (chunk_end - line));
     }
     for (; reported < chunk_end; ++reported) {
       LogProgress(argument, reported);

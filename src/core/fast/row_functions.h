@@ -113,7 +113,7 @@ struct PIXEL_FUNCTIONS {
   void (*decode)(const PIXEL* pixels, int count, COMPLEX_ROW decoded);
   FOOTPRINT_FILTER<PIXEL> (*footprint_filter)(int length);
   /// Encodes a row. Returns false when a component is no number or has a magnitude of 2^30 or
-  /// more; what was encoded is then of no use.
+  /// more; what was encoded for such components is then of no use.
   bool (*encode)(CONST_COMPLEX_ROW values, int count, PIXEL* encoded);
 };
 

@@ -454,6 +454,11 @@ std::uint64_t Bits(double value) {
 }
 constexpr std::uint64_t too_large = std::uint64_t{1} << 62;
 
+/// Any number of a magnitude below 2^30 in place of one for which `Bits` has bit 62 set.
+double Replaced(double value) {
+  return (Bits(value) & too_large) == 0 ? value : 0.0;
+}
+
 /// Rounds half away from zero and saturates; for magnitudes below 2^30.
 std::uint32_t EncodeInt16(double value) {
   const double half = __builtin_copysign(0.5, value);
@@ -476,17 +481,29 @@ std::uint32_t EncodeBinary16(double value) {
   return static_cast<std::uint32_t>(half & -static_cast<std::int32_t>(rounded >= smallest));
 }
 
+/// Looks at all values first: not every one fits into the integer that it may be converted to.
 template <class PIXEL, class ENCODE>
 bool EncodeRow(CONST_COMPLEX_ROW values, int count, PIXEL* encoded, ENCODE encode) {
   const double* __restrict re = values.re;
   const double* __restrict im = values.im;
+  const auto store = [encoded](int x, std::uint32_t real, std::uint32_t imaginary) {
+    const std::uint32_t word = (real & 0xFFFFU) | imaginary << 16;
+    __builtin_memcpy(static_cast<void*>(encoded + x), &word, sizeof(word));
+  };
   std::uint64_t all_bits = 0;
   for (int x = 0; x < count; ++x) {
     all_bits |= Bits(re[x]) | Bits(im[x]);
-    const std::uint32_t word = (encode(re[x]) & 0xFFFFU) | encode(im[x]) << 16;
-    __builtin_memcpy(static_cast<void*>(encoded + x), &word, sizeof(word));
   }
-  return (all_bits & too_large) == 0;
+  if ((all_bits & too_large) == 0) {
+    for (int x = 0; x < count; ++x) {
+      store(x, encode(re[x]), encode(im[x]));
+    }
+    return true;
+  }
+  for (int x = 0; x < count; ++x) {
+    store(x, encode(Replaced(re[x])), encode(Replaced(im[x])));
+  }
+  return false;
 }
 
 bool EncodeRowInt16(CONST_COMPLEX_ROW values, int count, INT_16* encoded) {

@@ -1,0 +1,46 @@
+"""What the tests of the installed files share."""
+import os
+import pathlib
+import re
+import subprocess
+import tempfile
+import unittest
+
+PREFIX = pathlib.Path(os.environ["PREFIX"])
+SOURCE = pathlib.Path(os.environ["SOURCE"])
+ENVIRONMENT = dict(os.environ, PATH=f"{PREFIX}/bin:{os.environ['PATH']}")
+
+
+def run(*command, **options):
+    """Standard output and errors of a command that has to succeed."""
+    done = subprocess.run(command, env=ENVIRONMENT, text=True, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{command}: status {done.returncode}\n{done.stdout}")
+    return done.stdout
+
+
+def parameters():
+    """The parameters of resample, from the tables of its documentation."""
+    text = (SOURCE / "docs/operation.md").read_text()
+    tables = text[text.index("### Parameters of the program"):text.index("### Environment")]
+    cells = re.findall(r"^\| (`.*?) \|", tables, re.MULTILINE)
+    return [name for cell in cells for name in re.findall(r"`(\w+)`", cell)]
+
+
+def subcommands(*command):
+    """The sub-commands of slctool, or of one of its sub-commands, from its help."""
+    text = run("slctool", *command, "--help")
+    return re.findall(r"^  ([a-z][a-z-]*)", text[text.index("Subcommands:"):], re.MULTILINE)
+
+
+class SceneTest(unittest.TestCase):
+    """Tests on a small scene of `slctool scene`, resampled."""
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name)
+        run("slctool", "scene", ".", "--samples", "100", "--lines", "80", cwd=cls.folder)
+        run("resample", cwd=cls.folder)

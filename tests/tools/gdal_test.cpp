@@ -1,0 +1,175 @@
+#include <cmath>
+#include <cstdint>
+#include <random>
+
+#include "export/export_command.h"
+#include "import/import_command.h"
+#include "raster/mem_mgr.h"
+#include "tools/command_test.h"
+#include "vrt/vrt_command.h"
+
+namespace {
+
+/// Makes rasters on both ways between our files and those of GDAL's own programs.
+class GDAL_TEST : public COMMAND_TEST {
+ protected:
+  std::string Import(const std::string& source, const std::string& options = "") const {
+    return Run(AddImportCommand,
+               "import " + Path(source.c_str()) + " " + Path("back.ras") + " " + options);
+  }
+  void Export(const std::string& raster, const std::string& target,
+              const std::string& options = "") const {
+    Run(AddExportCommand,
+        "export " + Path(raster.c_str()) + " " + Path(target.c_str()) + " " + options);
+  }
+  void Vrt(const std::string& raster) const { Run(AddVrtCommand, "vrt " + Path(raster.c_str())); }
+
+  void Translate(const std::string& source, const std::string& target,
+                 const std::string& options = "") const {
+    Shell("gdal_translate -q " + options + " " + Path(source.c_str()) + " " + Path(target.c_str()));
+  }
+  /// The values of all bands of a pixel, one a line.
+  std::string ValuesAt(const std::string& file, int sample, int line) const {
+    return Shell("gdallocationinfo -valonly " + Path(file.c_str()) + " " + std::to_string(sample) +
+                 " " + std::to_string(line));
+  }
+  std::string Bytes(const char* name) const { return ReadFile(Path(name)); }
+
+  /// A raster of random numbers over and beyond the range of the type.
+  void MakeRaster(const char* name, PIXEL_TYPE type, double range) const {
+    std::mt19937 random;
+    std::uniform_real_distribution<double> number(-range, range);
+    std::vector<std::complex<double>> values(width * height);
+    for (std::complex<double>& value : values) {
+      value = {number(random), number(random)};
+    }
+    const auto pixel = [&](int sample, int line) {
+      return values[static_cast<std::size_t>(line * width + sample)];
+    };
+    if (HoldsPairs(type)) {
+      Complex(name, width, height, pixel, type);
+    } else {
+      Real(
+          name, width, height, [&](int sample, int line) { return pixel(sample, line).real(); },
+          type);
+    }
+  }
+
+  static constexpr int width = 37;
+  static constexpr int height = 23;
+};
+
+struct TYPE_CASE {
+  PIXEL_TYPE type;
+  double range;
+};
+
+class GDAL_ROUND_TRIP : public GDAL_TEST, public testing::WithParamInterface<TYPE_CASE> {};
+
+TEST_P(GDAL_ROUND_TRIP, EveryBitComesBack) {
+  const auto [type, range] = GetParam();
+  const std::string type_option = std::string("--type ") + DataTypeOf(type).Name();
+  const bool is_binary16 = type == PIXEL_TYPE::FLT_2 || type == PIXEL_TYPE::C_FLT_2;
+  MakeRaster("a&b.ras", type, range);
+
+  Export("a&b.ras", "out.tif", "--creation-option COMPRESS=DEFLATE --creation-option TILED=YES");
+  EXPECT_NE(Shell("gdalinfo " + Path("out.tif")).find("COMPRESSION=DEFLATE"), std::string::npos);
+  Import("out.tif", type_option);
+  EXPECT_EQ(Bytes("back.ras"), Bytes("a&b.ras")) << "exported";
+
+  if (is_binary16) {
+    EXPECT_THROW(Vrt("a&b.ras"), std::invalid_argument);
+    return;
+  }
+  const std::string bands = type == PIXEL_TYPE::C_U_INT_8 ? " --band 1,2" : "";
+  Vrt("a&b.ras");
+  Translate("'a&b.ras.vrt'", "translated.tif");
+  const std::string report = Import("translated.tif", bands);
+  EXPECT_EQ(Bytes("back.ras"), Bytes("a&b.ras")) << "opened in place, type chosen";
+  EXPECT_NE(report.find("clipped: 0\nrounded: 0\n"), std::string::npos) << report;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, GDAL_ROUND_TRIP,
+    testing::Values(TYPE_CASE{PIXEL_TYPE::U_INT_8, 300}, TYPE_CASE{PIXEL_TYPE::INT_16, 4e4},
+                    TYPE_CASE{PIXEL_TYPE::INT_32, 3e9}, TYPE_CASE{PIXEL_TYPE::FLT_2, 7e4},
+                    TYPE_CASE{PIXEL_TYPE::FLT_6, 1e30}, TYPE_CASE{PIXEL_TYPE::FLT_15, 1e300},
+                    TYPE_CASE{PIXEL_TYPE::C_U_INT_8, 300}, TYPE_CASE{PIXEL_TYPE::C_INT_16, 4e4},
+                    TYPE_CASE{PIXEL_TYPE::C_FLT_2, 7e4}, TYPE_CASE{PIXEL_TYPE::C_FLT_6, 1e30},
+                    TYPE_CASE{PIXEL_TYPE::C_FLT_15, 1e300}),
+    [](const auto& tested) { return std::string(DataTypeOf(tested.param.type).Name()); });
+
+TEST_F(GDAL_TEST, PicturesAndColourMapsKeepTheirPlaces) {
+  MEM_MGR colours;
+  colours.Create(Path("rgb.ras").c_str(), 0, 0, 3, 1, PIXEL_TYPE::RGB);
+  for (int i = 0; i < 24; ++i) {
+    colours.Data()[i] = static_cast<unsigned char>(10 * i);
+  }
+  Vrt("rgb.ras");
+  Export("rgb.ras", "rgb.tif");
+  for (const char* file : {"rgb.ras.vrt", "rgb.tif"}) {
+    EXPECT_EQ(ValuesAt(file, 1, 1), "150\n160\n170\n") << file;
+  }
+
+  const std::string planes(12, '\x07');
+  MEM_MGR mapped;
+  mapped.Create(Path("mapped.ras").c_str(), 0, 0, 3, 1, PIXEL_TYPE::U_INT_8,
+                COLOR_MAP::FromPlanes(reinterpret_cast<const unsigned char*>(planes.data()), 4));
+  mapped.Data()[6] = 42;
+  Vrt("mapped.ras");
+  EXPECT_EQ(ValuesAt("mapped.ras.vrt", 2, 1), "42\n");
+}
+
+TEST_F(GDAL_TEST, ImportTakesAScaledWindowAndCountsWhatChanges) {
+  const double values[] = {NAN, 700.0, -2.0, 0.6, 512.0, 11.0};
+  Real("map.ras", 8, 5, [&](int sample, int line) {
+    return line == 2 && sample >= 1 && sample < 7 ? values[sample - 1] : 1e9;
+  });
+  Vrt("map.ras");
+  EXPECT_EQ(Import("map.ras.vrt", "--type u_int_8 --scale 0.5 --window 1,2,6,1"),
+            "pixel type: u_int_8\nwidth: 6\nheight: 1\n"
+            "clipped: 3\nrounded: 2\nrounded to zero: 1\nnot a number: 1\n");
+  EXPECT_EQ(Bytes("back.ras").substr(32), std::string("\0\xFF\0\0\xFF\x06", 6));
+  EXPECT_NE(Import("map.ras.vrt", "--type c_flt_2").find("clipped: 34\n"), std::string::npos);
+}
+
+TEST_F(GDAL_TEST, ImportReadsEnviAndPutsPartsTogether) {
+  MakeRaster("slc.ras", PIXEL_TYPE::C_INT_16, 4e4);
+  Vrt("slc.ras");
+  Translate("slc.ras.vrt", "slc.img", "-of ENVI -ot CFloat32");
+  Import("slc.img", "--type c_int_16");
+  EXPECT_EQ(Bytes("back.ras"), Bytes("slc.ras"));
+
+  MEM_MGR bytes;
+  bytes.Create(Path("rgb.ras").c_str(), 0, 0, 0, 0, PIXEL_TYPE::RGB);
+  std::copy_n("\x05\x06\x07", 3, bytes.Data());
+  Vrt("rgb.ras");
+  Import("rgb.ras.vrt", "--band 3,1 --type c_int_16");
+  EXPECT_EQ(Bytes("back.ras").substr(32), std::string("\7\0\5\0", 4));
+}
+
+TEST_F(GDAL_TEST, WhatCanNotBeDoneIsRefusedAndLeavesNothing) {
+  MakeRaster("slc.ras", PIXEL_TYPE::C_INT_16, 4e4);
+  Vrt("slc.ras");
+  for (const char* options : {"--type int_16", "--band 1,1", "--window 0,0,38,1",
+                              "--window 36,22,2,1", "--window 0,0,0,1", "--window -1,0,2,2"}) {
+    EXPECT_THROW(Import("slc.ras.vrt", options), std::invalid_argument) << options;
+  }
+  EXPECT_THROW(Import("slc.ras.vrt", "--band 2"), std::runtime_error);
+  EXPECT_THROW(Import("slc.ras.vrt", "--type rgb"), CLI::ValidationError);
+  EXPECT_THROW(Import("missing.tif"), std::runtime_error);
+  Export("slc.ras", "cut.tif");
+  std::filesystem::resize_file(Path("cut.tif"), 2000);
+  EXPECT_THROW(Import("cut.tif"), std::runtime_error);
+  EXPECT_FALSE(std::filesystem::exists(Path("back.ras")));
+
+  for (const char* target : {"slc.png", "slc.nothing", "missing/slc.tif"}) {
+    EXPECT_THROW(Export("slc.ras", target), std::runtime_error) << target;
+  }
+  // This driver knows no complex integers and would store bytes.
+  EXPECT_THROW(Export("slc.ras", "slc.img", "--driver ENVI"), std::runtime_error);
+  EXPECT_FALSE(std::filesystem::exists(Path("slc.img")));
+  EXPECT_THROW(Export("slc.ras", "slc.ras", "--driver GTiff"), std::invalid_argument);
+}
+
+}  // namespace

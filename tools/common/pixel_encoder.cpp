@@ -1,0 +1,117 @@
+#include "common/pixel_encoder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+
+#include "common/binary16.h"
+
+namespace {
+
+/// A stored number and the value that it stands for.
+template <class STORED>
+struct ENCODED {
+  STORED stored;
+  double value;
+};
+
+template <class INTEGER>
+struct INTEGER_ENCODER {
+  static ENCODED<INTEGER> Encode(double number) noexcept {
+    using LIMITS = std::numeric_limits<INTEGER>;
+    const double rounded = std::isnan(number) ? 0.0 : std::nearbyint(number);
+    const double value = std::clamp<double>(rounded, LIMITS::min(), LIMITS::max());
+    return {static_cast<INTEGER>(value), value};
+  }
+  /// Whether a stored value is the end of the range that the number lies beyond.
+  static bool IsClipped(double number, double value) noexcept {
+    return std::abs(number - value) > 0.5;
+  }
+};
+
+template <class REAL>
+struct REAL_ENCODER {
+  static ENCODED<REAL> Encode(double number) noexcept {
+    constexpr double largest = std::numeric_limits<REAL>::max();
+    const double value = std::isfinite(number) ? std::clamp(number, -largest, largest) : number;
+    const auto stored = static_cast<REAL>(value);
+    return {stored, static_cast<double>(stored)};
+  }
+  static bool IsClipped(double number, double value) noexcept {
+    return std::abs(value) == std::numeric_limits<REAL>::max() &&
+           std::abs(number) > std::abs(value);
+  }
+};
+
+struct BINARY_16_ENCODER {
+  static ENCODED<std::uint16_t> Encode(double number) noexcept {
+    const std::uint16_t bits = DoubleToBinary16(number);
+    return {bits, Binary16ToDouble(bits)};
+  }
+  static bool IsClipped(double number, double value) noexcept {
+    constexpr double largest = 65504.0;
+    return std::abs(value) == largest && std::abs(number) > largest;
+  }
+};
+
+template <class ENCODER>
+void Encode(std::span<const double> numbers, std::byte* pixels, ENCODING_COUNTS& counts) {
+  for (const double number : numbers) {
+    const auto encoded = ENCODER::Encode(number);
+    std::memcpy(pixels, &encoded.stored, sizeof encoded.stored);
+    pixels += sizeof encoded.stored;
+    if (encoded.value == number) {
+      continue;
+    }
+    if (std::isnan(number)) {
+      counts.not_a_number += std::isnan(encoded.value) ? 0 : 1;
+    } else if (ENCODER::IsClipped(number, encoded.value)) {
+      ++counts.clipped;
+    } else {
+      ++counts.rounded;
+      counts.vanished += encoded.value == 0.0 ? 1 : 0;
+    }
+  }
+}
+
+}  // namespace
+
+bool HoldsPairs(PIXEL_TYPE type) noexcept {
+  switch (type) {
+    case PIXEL_TYPE::C_U_INT_8:
+    case PIXEL_TYPE::C_INT_16:
+    case PIXEL_TYPE::C_FLT_2:
+    case PIXEL_TYPE::C_FLT_6:
+    case PIXEL_TYPE::C_FLT_15:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void EncodePixels(PIXEL_TYPE type, std::span<const double> numbers, std::byte* pixels,
+                  ENCODING_COUNTS& counts) {
+  switch (type) {
+    case PIXEL_TYPE::U_INT_8:
+    case PIXEL_TYPE::C_U_INT_8:
+      return Encode<INTEGER_ENCODER<std::uint8_t>>(numbers, pixels, counts);
+    case PIXEL_TYPE::INT_16:
+    case PIXEL_TYPE::C_INT_16:
+      return Encode<INTEGER_ENCODER<std::int16_t>>(numbers, pixels, counts);
+    case PIXEL_TYPE::INT_32:
+      return Encode<INTEGER_ENCODER<std::int32_t>>(numbers, pixels, counts);
+    case PIXEL_TYPE::FLT_2:
+    case PIXEL_TYPE::C_FLT_2:
+      return Encode<BINARY_16_ENCODER>(numbers, pixels, counts);
+    case PIXEL_TYPE::FLT_6:
+    case PIXEL_TYPE::C_FLT_6:
+      return Encode<REAL_ENCODER<float>>(numbers, pixels, counts);
+    case PIXEL_TYPE::FLT_15:
+    case PIXEL_TYPE::C_FLT_15:
+      return Encode<REAL_ENCODER<double>>(numbers, pixels, counts);
+    default:
+      throw std::invalid_argument("pixels of this type hold no numbers");
+  }
+}

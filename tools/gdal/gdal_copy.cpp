@@ -1,0 +1,176 @@
+#include "gdal/gdal_copy.h"
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+
+#include "gdal/gdal_errors.h"
+#include "gdal/gdal_types.h"
+
+namespace {
+
+/// The GDAL data type of a copy, and the number of bands.
+std::pair<GDALDataType, int> CopyLayout(PIXEL_TYPE type) {
+  switch (type) {
+    case PIXEL_TYPE::FLT_2:
+      return {GDT_Float32, 1};
+    case PIXEL_TYPE::C_FLT_2:
+      return {GDT_CFloat32, 1};
+    case PIXEL_TYPE::C_U_INT_8:
+      return {GDT_CInt16, 1};
+    default: {
+      const GDAL_LAYOUT layout = GdalLayoutOf(type);
+      return {GDALGetDataTypeByName(layout.data_type), layout.n_bands};
+    }
+  }
+}
+
+/// A band whose blocks are the lines of a raster.
+class LINE_BAND final : public GDALRasterBand {
+ public:
+  LINE_BAND(const RASTER_READER& raster, int band, GDALDataType type) : raster_(raster) {
+    nBand = band;
+    nRasterXSize = static_cast<int>(raster.Width());
+    nRasterYSize = static_cast<int>(raster.Height());
+    nBlockXSize = nRasterXSize;
+    nBlockYSize = 1;
+    eDataType = type;
+    eAccess = GA_ReadOnly;
+  }
+
+  GDALColorInterp GetColorInterpretation() override {
+    constexpr std::array colours = {GCI_RedBand, GCI_GreenBand, GCI_BlueBand};
+    return raster_.Type() == PIXEL_TYPE::RGB ? colours[static_cast<std::size_t>(nBand - 1)]
+                                             : GCI_GrayIndex;
+  }
+
+ protected:
+  CPLErr IReadBlock(int, int line, void* target) override {
+    const auto width = static_cast<std::size_t>(nBlockXSize);
+    const std::byte* pixels = raster_.Pixels(line, 0, width);
+    const int bytes = GDALGetDataTypeSizeBytes(eDataType);
+    if (raster_.Type() == PIXEL_TYPE::RGB) {
+      constexpr int colours = 3;
+      GDALCopyWords(pixels + nBand - 1, eDataType, colours, target, eDataType, 1, nBlockXSize);
+    } else if (bytes == BytesPerPixel(raster_.Type())) {
+      std::memcpy(target, pixels, width * static_cast<std::size_t>(bytes));
+    } else {
+      values_.resize(width);
+      raster_.ReadLine(line, 0, values_);
+      GDALCopyWords(values_.data(), GDT_CFloat64, sizeof values_[0], target, eDataType, bytes,
+                    nBlockXSize);
+    }
+    return CE_None;
+  }
+
+ private:
+  const RASTER_READER& raster_;
+  std::vector<std::complex<double>> values_;
+};
+
+class LINE_DATASET final : public GDALDataset {
+ public:
+  explicit LINE_DATASET(const RASTER_READER& raster) {
+    constexpr int most = std::numeric_limits<int>::max();
+    if (raster.Width() > most || raster.Height() > most) {
+      throw std::runtime_error(raster.Path() + " is larger than GDAL can take");
+    }
+    nRasterXSize = static_cast<int>(raster.Width());
+    nRasterYSize = static_cast<int>(raster.Height());
+    const auto [type, bands] = CopyLayout(raster.Type());
+    for (int band = 1; band <= bands; ++band) {
+      SetBand(band, std::make_unique<LINE_BAND>(raster, band, type).release());
+    }
+  }
+};
+
+bool HasExtension(GDALDriver& driver, const std::string& extension) {
+  const char* extensions = driver.GetMetadataItem(GDAL_DMD_EXTENSIONS);
+  const CPLStringList words(CSLTokenizeString2(extensions != nullptr ? extensions : "", " ", 0));
+  return words.FindString(extension.c_str()) >= 0;
+}
+
+bool CanCopyRasters(GDALDriver& driver) {
+  const auto has = [&](const char* item) { return driver.GetMetadataItem(item) != nullptr; };
+  return has(GDAL_DCAP_RASTER) && (has(GDAL_DCAP_CREATECOPY) || has(GDAL_DCAP_CREATE));
+}
+
+GDALDriver& DriverForExtension(const std::string& path) {
+  GDALDriverManager& drivers = *GetGDALDriverManager();
+  const std::string extension = std::filesystem::path(path).extension();
+  for (int i = 0; i < drivers.GetDriverCount(); ++i) {
+    GDALDriver& driver = *drivers.GetDriver(i);
+    if (extension.size() > 1 && CanCopyRasters(driver) &&
+        HasExtension(driver, extension.substr(1))) {
+      return driver;
+    }
+  }
+  throw std::runtime_error("no GDAL driver goes with the name " + path + "; name one by --driver");
+}
+
+GDALDriver& Driver(const std::string& name, const std::string& path) {
+  if (name.empty()) {
+    return DriverForExtension(path);
+  }
+  GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(name.c_str());
+  if (driver == nullptr || !CanCopyRasters(*driver)) {
+    throw std::runtime_error("GDAL has no driver " + name +
+                             " that writes rasters; gdalinfo --formats lists those that it has");
+  }
+  return *driver;
+}
+
+CPLStringList CreationOptions(const std::vector<std::string>& options, const GDALDriver& driver) {
+  CPLStringList list;
+  for (const std::string& option : options) {
+    list.AddString(option.c_str());
+  }
+  // Compressed files do not tell beforehand whether they will outgrow the 4 GiB of plain TIFF.
+  if (std::string_view(driver.GetDescription()) == "GTiff" &&
+      list.FetchNameValue("BIGTIFF") == nullptr) {
+    list.SetNameValue("BIGTIFF", "IF_SAFER");
+  }
+  return list;
+}
+
+/// Some drivers store other pixels than they were given, and call that a success.
+bool HasSameType(GDALDataset& copy, GDALDataset& source) {
+  return copy.GetRasterCount() > 0 &&
+         copy.GetRasterBand(1)->GetRasterDataType() == source.GetRasterBand(1)->GetRasterDataType();
+}
+
+int Report(double part, const char*, void* progress) {
+  (*static_cast<const PROGRESS*>(progress))(part);
+  return TRUE;
+}
+
+}  // namespace
+
+void WriteGdalCopy(const RASTER_READER& raster, const std::string& path, const std::string& driver,
+                   const std::vector<std::string>& options, const PROGRESS& progress) {
+  GDALAllRegister();
+  GDALDriver& writer = Driver(driver, path);
+  CPLStringList creation_options = CreationOptions(options, writer);
+  LINE_DATASET source(raster);
+  const GDAL_ERRORS errors;
+  constexpr int strict = TRUE;
+  GDALDatasetUniquePtr copy(writer.CreateCopy(path.c_str(), &source, strict,
+                                              creation_options.List(), Report,
+                                              const_cast<PROGRESS*>(&progress)));
+  const bool is_created = copy != nullptr;
+  const bool same_type = is_created && HasSameType(*copy, source);
+  // The last blocks are written here: a full disk may show only now.
+  copy.reset();
+  if (errors.HasFailure() || !same_type) {
+    if (is_created && std::filesystem::is_regular_file(path)) {
+      writer.QuietDelete(path.c_str());
+    }
+    errors.Throw("can not write " + path);
+  }
+}

@@ -1,0 +1,58 @@
+// The operations of this folder in a program that was built without GDAL.
+
+#include <stdexcept>
+
+#include "gdal/gdal_copy.h"
+#include "gdal/gdal_source.h"
+
+namespace {
+
+[[noreturn]] void Refuse() {
+  throw std::runtime_error(
+      "this slctool was built without GDAL, which this command needs (Debian: libgdal-dev)");
+}
+
+}  // namespace
+
+GDAL_SOURCE::GDAL_SOURCE(const std::string&) {
+  Refuse();
+}
+
+void GDAL_SOURCE::CLOSE::operator()(GDALDataset*) const noexcept {}
+
+GDAL_WINDOW GDAL_SOURCE::Whole() const {
+  Refuse();
+}
+
+bool GDAL_SOURCE::IsMadeOf(const std::string&) const {
+  Refuse();
+}
+
+bool GDAL_SOURCE::IsComplex(int) const {
+  Refuse();
+}
+
+std::string GDAL_SOURCE::DataType(int) const {
+  Refuse();
+}
+
+std::optional<double> GDAL_SOURCE::NoData(int) const {
+  Refuse();
+}
+
+void GDAL_SOURCE::Read(int, const GDAL_WINDOW&, std::span<double>) const {
+  Refuse();
+}
+
+void GDAL_SOURCE::Read(int, const GDAL_WINDOW&, std::span<std::complex<double>>) const {
+  Refuse();
+}
+
+int GDAL_SOURCE::LinesAtOnce(int, const GDAL_WINDOW&) const {
+  Refuse();
+}
+
+void WriteGdalCopy(const RASTER_READER&, const std::string&, const std::string&,
+                   const std::vector<std::string>&, const PROGRESS&) {
+  Refuse();
+}

@@ -1,0 +1,209 @@
+#include "pools/pool_command.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+
+#include "pools/pool_listing.h"
+#include "pools/pool_setting.h"
+#include "pools/resample_keys.h"
+
+namespace {
+
+using JSON = nlohmann::ordered_json;
+
+/// Bytes that are no UTF-8 are replaced.
+std::string Dump(const JSON& value, int indentation = -1) {
+  return value.dump(indentation, ' ', false, JSON::error_handler_t::replace);
+}
+
+std::string ScalarText(const JSON& value) {
+  if (value.is_string()) {
+    return value.get<std::string>();
+  }
+  return value.is_boolean() ? (value.get<bool>() ? "TRUE" : "FALSE") : Dump(value);
+}
+
+/// The scalars of an element or a row on one line, texts set apart by a TAB.
+std::string LineText(const JSON& value) {
+  if (!value.is_array()) {
+    return ScalarText(value);
+  }
+  std::string line;
+  for (const JSON& part : value) {
+    const bool is_text = part.is_string() && part != "nan";
+    line += (line.empty() && &part == &value.front() ? "" : is_text ? "\t" : " ") + LineText(part);
+  }
+  return line;
+}
+
+bool HasBlock(const std::string& type) {
+  return type.ends_with("_V") || type.ends_with("_M");
+}
+
+/// The value as far as it fits into the last column of a table.
+std::string ShortText(const LISTED_ENTRY& entry) {
+  constexpr std::size_t longest = 60;
+  if (entry.value.is_null()) {
+    return "(can not be read)";
+  }
+  std::string text = Dump(entry.value);
+  if (entry.type.ends_with("_M")) {
+    const std::size_t columns = entry.value.empty() ? 0 : entry.value.front().size();
+    text.insert(0, std::to_string(entry.value.size()) + " x " + std::to_string(columns) + " ");
+  }
+  return text.size() > longest ? text.substr(0, longest - 3) + "..." : text;
+}
+
+void PrintTable(const POOL_LISTING& listing) {
+  std::size_t key_width = 0;
+  std::size_t type_width = 0;
+  for (const LISTED_ENTRY& entry : listing.entries) {
+    key_width = std::max(key_width, entry.key.size());
+    type_width = std::max(type_width, entry.type.size());
+  }
+  for (const LISTED_ENTRY& entry : listing.entries) {
+    std::cout << std::left << std::setw(static_cast<int>(key_width)) << entry.key << "  "
+              << std::setw(static_cast<int>(type_width)) << entry.type << "  " << ShortText(entry)
+              << "\n";
+  }
+}
+
+void PrintJson(const POOL_LISTING& listing) {
+  JSON entries = JSON::array();
+  for (const LISTED_ENTRY& entry : listing.entries) {
+    entries.push_back(
+        {{"key", entry.key}, {"type", entry.type}, {"line", entry.line}, {"value", entry.value}});
+  }
+  std::cout << Dump(entries, 2) << "\n";
+}
+
+void PrintValue(const std::string& file, const std::string& key) {
+  const POOL_LISTING listing = ListPool(file);
+  const auto found = std::find_if(listing.entries.begin(), listing.entries.end(),
+                                  [&](const LISTED_ENTRY& entry) { return entry.key == key; });
+  if (found == listing.entries.end()) {
+    throw std::runtime_error(file + " has no entry " + key);
+  }
+  for (const POOL_FAULT& fault : listing.faults) {
+    if (fault.key == key && found->value.is_null()) {
+      throw std::runtime_error(file + ":" + std::to_string(fault.line) + ": " + key + ": " +
+                               fault.reason);
+    }
+  }
+  if (!HasBlock(found->type)) {
+    std::cout << LineText(found->value) << "\n";
+    return;
+  }
+  for (const JSON& element : found->value) {
+    std::cout << LineText(element) << "\n";
+  }
+}
+
+struct CHECK_OPTIONS {
+  std::string file;
+  std::string program;
+  std::string role;
+};
+
+std::vector<std::string> MissingKeys(const POOL_LISTING& listing, const CHECK_OPTIONS& options) {
+  if (options.program.empty()) {
+    return {};
+  }
+  const bool is_slave_pool =
+      options.role.empty() ? LooksLikeSlavePool(listing) : options.role == "slave";
+  const std::string role = is_slave_pool ? "slave pool" : "INSAR pool";
+  std::vector<std::string> missing = MissingForResample(listing, is_slave_pool);
+  for (std::string& text : missing) {
+    text.insert(0, "as " + role + ": ");
+  }
+  return missing;
+}
+
+void Check(const CHECK_OPTIONS& options) {
+  const POOL_LISTING listing = ListPool(options.file);
+  for (const POOL_FAULT& fault : listing.faults) {
+    std::cout << options.file << ":" << fault.line << ": " << fault.key << ": " << fault.reason
+              << "\n";
+  }
+  const std::vector<std::string> missing = MissingKeys(listing, options);
+  for (const std::string& text : missing) {
+    std::cout << options.file << ": " << text << "\n";
+  }
+  std::cout << "entries: " << listing.entries.size() << "\n"
+            << "faults: " << listing.faults.size() + missing.size() << "\n";
+  if (!listing.faults.empty() || !missing.empty()) {
+    throw std::runtime_error(options.file + " has faults");
+  }
+}
+
+void AddList(CLI::App& pool) {
+  CLI::App* command = pool.add_subcommand("list", "Show all entries as a table");
+  const auto file = std::make_shared<std::string>();
+  const auto as_json = std::make_shared<bool>(false);
+  command->add_option("FILE", *file, "Parameter pool")->required();
+  command->add_flag("--json", *as_json, "As JSON, with whole values and line numbers");
+  command->callback([file, as_json] {
+    const POOL_LISTING listing = ListPool(*file);
+    *as_json ? PrintJson(listing) : PrintTable(listing);
+  });
+}
+
+void AddGet(CLI::App& pool) {
+  CLI::App* command = pool.add_subcommand(
+      "get", "Print a value, of a vector one element and of a matrix one row a line");
+  const auto file = std::make_shared<std::string>();
+  const auto key = std::make_shared<std::string>();
+  command->add_option("FILE", *file, "Parameter pool")->required();
+  command->add_option("KEY", *key, "Its key")->required();
+  command->callback([file, key] { PrintValue(*file, *key); });
+}
+
+struct SET_OPTIONS {
+  std::string file;
+  std::string key;
+  std::string type;
+  std::vector<std::string> values;
+  int columns = 0;
+};
+
+void AddSet(CLI::App& pool) {
+  CLI::App* command = pool.add_subcommand("set", "Write an entry, new or in place of an old one");
+  const auto options = std::make_shared<SET_OPTIONS>();
+  command->add_option("FILE", options->file, "Parameter pool")->required();
+  command->add_option("KEY", options->key, "Its key")->required();
+  command->add_option("TYPE", options->type, "Its type word, such as INT_32 or FLT_15_V")
+      ->required();
+  command->add_option("VALUE", options->values, "The value, or all elements row by row");
+  command->add_option("--columns", options->columns, "Elements of a row, for a matrix");
+  command->callback([options] {
+    SetPoolEntry(options->file, options->key, options->type, options->values, options->columns);
+  });
+}
+
+void AddCheck(CLI::App& pool) {
+  CLI::App* command =
+      pool.add_subcommand("check", "Read every entry and tell what is wrong, on which line");
+  const auto options = std::make_shared<CHECK_OPTIONS>();
+  command->add_option("FILE", options->file, "Parameter pool")->required();
+  auto* program =
+      command->add_option("--for", options->program, "Tell also what a run of resample would miss")
+          ->check(CLI::IsMember({"resample"}));
+  command->add_option("--as", options->role, "Which pool it is to be; without it, as its keys tell")
+      ->check(CLI::IsMember({"insar", "slave"}))
+      ->needs(program);
+  command->callback([options] { Check(*options); });
+}
+
+}  // namespace
+
+void AddPoolCommand(CLI::App& app) {
+  CLI::App& pool = *app.add_subcommand("pool", "Show, change and check parameter pools");
+  pool.require_subcommand(1);
+  AddList(pool);
+  AddGet(pool);
+  AddSet(pool);
+  AddCheck(pool);
+}

@@ -1,0 +1,34 @@
+#include "vrt/vrt_command.h"
+
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <system_error>
+
+#include "vrt/vrt_text.h"
+
+namespace {
+
+void WriteVrt(const std::string& raster) {
+  const std::string text = VrtText(raster);
+  const std::string path = raster + ".vrt";
+  std::ofstream file(path);
+  file << text;
+  file.close();
+  if (!file) {
+    throw std::system_error(errno, std::generic_category(), path);
+  }
+  std::cout << path << "\n";
+}
+
+}  // namespace
+
+void AddVrtCommand(CLI::App& app) {
+  CLI::App* command = app.add_subcommand(
+      "vrt", "Write FILE.vrt, by which GDAL, QGIS and rasterio open a raster where it lies");
+  const auto raster = std::make_shared<std::string>();
+  command->add_option("FILE", *raster, "Raster file")->required();
+  command->callback([raster] { WriteVrt(*raster); });
+}
