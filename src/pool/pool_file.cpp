@@ -20,6 +20,7 @@ POOL_FILE POOL_FILE::CreateTemporary(const std::string& directory) {
   POOL_FILE file;
   file.name_ = directory + "/pool_XXXXXX";
   file.descriptor_ = ::mkostemp(file.name_.data(), O_CLOEXEC);
+  file.is_removed_at_end_ = file.IsOpen();
   return file;
 }
 
@@ -30,12 +31,16 @@ POOL_FILE::POOL_FILE(POOL_FILE&& other) noexcept {
 POOL_FILE& POOL_FILE::operator=(POOL_FILE&& other) noexcept {
   std::swap(name_, other.name_);
   std::swap(descriptor_, other.descriptor_);
+  std::swap(is_removed_at_end_, other.is_removed_at_end_);
   return *this;
 }
 
 POOL_FILE::~POOL_FILE() {
   if (IsOpen()) {
     ::close(descriptor_);
+  }
+  if (is_removed_at_end_) {
+    Remove();
   }
 }
 
@@ -82,6 +87,7 @@ bool POOL_FILE::Close() noexcept {
 }
 
 bool POOL_FILE::Remove() noexcept {
+  Keep();
   return ::unlink(Name()) == 0;
 }
 

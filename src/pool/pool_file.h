@@ -17,8 +17,10 @@ class POOL_FILE {
   POOL_FILE& operator=(const POOL_FILE&) = delete;
   ~POOL_FILE();
 
-  /// Creates a file of a unique name, "<directory>/pool_XXXXXX", open for writing.
+  /// Creates a file of a unique name, "<directory>/pool_XXXXXX", open for writing. It is removed at
+  /// the end unless `Keep` was called: a failure must not leave files that nobody names.
   static POOL_FILE CreateTemporary(const std::string& directory);
+  void Keep() noexcept { is_removed_at_end_ = false; }
 
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   bool IsDirectory() const noexcept;
@@ -37,6 +39,7 @@ class POOL_FILE {
  private:
   std::string name_ = "xxx.dat";
   int descriptor_ = -1;
+  bool is_removed_at_end_ = false;
 };
 
 /// An advisory lock on a pool file: shared by readers, exclusive for an update, so that nobody

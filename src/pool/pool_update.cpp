@@ -71,6 +71,7 @@ POOL_FILE WriteTemporary(const char* pool_name, std::string_view merged) {
   }
   if (!temporary.Write(merged) || !temporary.Sync() || !temporary.Close()) {
     const int error = errno;
+    temporary.Keep();
     Log() << ALARM << "can not update parameter pool: " << pool_name << ": "
           << std::strerror(error);
     Log() << ALARM << "the corrupted parameter pool is:" << temporary.Name();
@@ -83,6 +84,7 @@ POOL_FILE WriteTemporary(const char* pool_name, std::string_view merged) {
 
 void Overwrite(POOL_FILE& pool, std::string_view merged, POOL_FILE& temporary) {
   Log() << DEBUG << "copy " << temporary.Name() << " to " << pool.Name();
+  temporary.Keep();
   if (!pool.Truncate() || !pool.Write(merged) || !pool.Sync()) {
     const int error = errno;
     Log() << ALARM << "can not update pool " << pool.Name() << ": " << std::strerror(error);

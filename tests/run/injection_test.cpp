@@ -143,7 +143,7 @@ TEST_F(INJECTION, OfEachCallOfTheSystemEndsInSuccessOrReport) {
 }
 
 TEST_F(INJECTION, OfAnAllocationEndsInSuccessOrReport) {
-  constexpr int step = 13;  // there are some thousand allocations
+  constexpr int step = 5;  // there are some thousand allocations
   int failed = 0;
   int survived = 0;
   for (int number = 0; Strike("new", number, ENOMEM); number += step) {
