@@ -40,6 +40,7 @@ std::vector<DISK_NEED> DiskNeeds(const std::vector<NEW_FILE>& files) {
     need.written += file.written;
   }
   std::vector<DISK_NEED> result;
+  result.reserve(needs.size());
   for (auto& [device, need] : needs) {
     result.push_back(std::move(need));
   }

@@ -89,8 +89,9 @@ void PrintValue(const std::string& file, const std::string& key) {
   }
   for (const POOL_FAULT& fault : listing.faults) {
     if (fault.key == key && found->value.is_null()) {
-      throw std::runtime_error(file + ":" + std::to_string(fault.line) + ": " + key + ": " +
-                               fault.reason);
+      std::string message = file;
+      message.append(":").append(std::to_string(fault.line)).append(": ").append(key);
+      throw std::runtime_error(message.append(": ").append(fault.reason));
     }
   }
   if (!HasBlock(found->type)) {

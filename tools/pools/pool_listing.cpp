@@ -221,7 +221,7 @@ class LISTER {
 }  // namespace
 
 POOL_LISTING ListPool(const std::string& path) {
-  PARAMETER_POOL(path.c_str());  // for its refusals
+  const PARAMETER_POOL refuses_what_is_no_pool(path.c_str());
   const SILENT_SCREEN silence;
   const POOL_FILE file(path.c_str(), O_RDONLY);
   return LISTER(file).List();

@@ -192,15 +192,16 @@ class PAGE {
     for (const QUICKLOOK& picture : group.pictures) {
       const std::string title = Escaped(picture.title);
       const std::string caption = Escaped(picture.caption);
+      html_.append("<figure class=\"card\">");
       if (picture.png.empty()) {
-        html_ += "<figure class=\"card\"><figcaption>" + title +
-                 " is not shown: " + Escaped(picture.reason) + "</figcaption></figure>\n";
+        html_.append("<figcaption>").append(title).append(" is not shown: ");
+        html_.append(Escaped(picture.reason));
       } else {
-        html_ += "<figure class=\"card\"><img alt=\"" + title + ". " + caption +
-                 "\" src=\"data:image/png;base64," + Base64(picture.png) +
-                 "\"><figcaption><strong>" + title + ".</strong> " + caption +
-                 "</figcaption></figure>\n";
+        html_.append("<img alt=\"").append(title).append(". ").append(caption);
+        html_.append("\" src=\"data:image/png;base64,").append(Base64(picture.png));
+        html_.append("\"><figcaption><strong>").append(title).append(".</strong> ").append(caption);
       }
+      html_.append("</figcaption></figure>\n");
     }
     html_ += "</div></section>\n";
   }
