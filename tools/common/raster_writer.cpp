@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <stdexcept>
+#include <type_traits>
 #include <vector>
 
 #include "common/parallel_lines.h"
@@ -14,6 +15,7 @@ namespace {
 template <class VALUE, class FILL>
 void WritePixels(const std::string& path, std::int64_t width, std::int64_t height, PIXEL_TYPE type,
                  const FILL& fill) {
+  constexpr std::size_t numbers_a_value = std::is_same_v<VALUE, double> ? 1 : 2;
   MEM_MGR raster;
   raster.Create(path.c_str(), 0, 0, width - 1, height - 1, type);
   auto* const pixels = reinterpret_cast<std::byte*>(raster.Data());
@@ -23,8 +25,7 @@ void WritePixels(const std::string& path, std::int64_t width, std::int64_t heigh
     fill(line, values);
     ENCODING_COUNTS counts;
     EncodePixels(type,
-                 {reinterpret_cast<const double*>(values.data()),
-                  values.size() * (sizeof(VALUE) / sizeof(double))},
+                 {reinterpret_cast<const double*>(values.data()), values.size() * numbers_a_value},
                  pixels + line * line_length, counts);
   });
 }
