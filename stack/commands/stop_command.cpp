@@ -15,8 +15,8 @@ void StopStack(const std::string& name) {
   const STACK_FOLDER stack = FindStack(name);
   int stopped = 0;
   for (const std::string& slave : ReadStackStart(stack).slaves) {
-    const RUN_FOLDER run = stack.Run(slave);
-    if (ReadRunRecord(run).HasEnded()) {
+    const SLAVE_FOLDER run = stack.Run(slave);
+    if (ReadSlaveRecord(run).HasEnded()) {
       continue;
     }
     if (!std::ofstream(run.StopFile())) {

@@ -79,7 +79,7 @@ std::string StateOfPool(const std::string& path, bool has_forced_mapping) {
 
 }  // namespace
 
-nlohmann::json Fingerprint(const RUN_PLAN& plan) {
+nlohmann::json Fingerprint(const SLAVE_PLAN& plan) {
   const bool has_forced_mapping = plan.parameters.contains("MAPPING_FORMAT");
   nlohmann::json inputs = nlohmann::json::object();
   for (const std::string& path : ValuesOf(plan.parameters, raster_parameters)) {

@@ -15,8 +15,8 @@
 #include "run/file_lock.h"
 #include "run/fingerprint.h"
 #include "run/run_log_end.h"
-#include "run/run_plan.h"
 #include "run/signals.h"
+#include "run/slave_plan.h"
 
 namespace {
 
@@ -51,8 +51,8 @@ class SCREEN {
 
 class SLAVE_RUN {
  public:
-  explicit SLAVE_RUN(const RUN_FOLDER& folder)
-      : folder_(folder), plan_(ReadRunPlan(folder)), record_(ReadRunRecord(folder)) {}
+  explicit SLAVE_RUN(const SLAVE_FOLDER& folder)
+      : folder_(folder), plan_(ReadSlavePlan(folder)), record_(ReadSlaveRecord(folder)) {}
 
   RUN_STATE Run() {
     if (IsFinished(folder_, plan_)) {
@@ -88,7 +88,7 @@ class SLAVE_RUN {
   RUN_STATE End(RUN_STATE state, const std::string& reason) {
     record_.state = state;
     record_.reason = reason;
-    WriteRunRecord(folder_, record_);
+    WriteSlaveRecord(folder_, record_);
     return state;
   }
 
@@ -102,7 +102,7 @@ class SLAVE_RUN {
     record_.reason = "";
     record_.fingerprint = Fingerprint(plan_);
     record_.attempts.push_back({.begun = Now(), .host = HostName()});
-    WriteRunRecord(folder_, record_);
+    WriteSlaveRecord(folder_, record_);
   }
 
   CHILD_END Execute() {
@@ -168,16 +168,16 @@ class SLAVE_RUN {
     return RUN_STATE::SUCCEEDED;
   }
 
-  const RUN_FOLDER& folder_;
-  const RUN_PLAN plan_;
-  RUN_RECORD record_;
+  const SLAVE_FOLDER& folder_;
+  const SLAVE_PLAN plan_;
+  SLAVE_RECORD record_;
   SIGNALS signals_;
   std::string reason_;
 };
 
 }  // namespace
 
-RUN_STATE RunSlave(const RUN_FOLDER& folder) {
+RUN_STATE RunSlave(const SLAVE_FOLDER& folder) {
   // Two starts, or two machines after a lost connection, take turns.
   const FILE_LOCK lock(folder.LockFile(), FILE_LOCK::WAY::WAIT);
   return SLAVE_RUN(folder).Run();

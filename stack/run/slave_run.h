@@ -1,6 +1,6 @@
 #pragma once
 
-#include "run/run_record.h"
+#include "run/slave_record.h"
 #include "run/stack_folder.h"
 
 /// Resamples one slave as its plan says, on the machine and in the process where it is called, and
@@ -9,4 +9,4 @@
 /// attempt and cancel the run. Returns the state at the end.
 ///
 /// Throws std::exception when the plan cannot be read or the record not be written.
-RUN_STATE RunSlave(const RUN_FOLDER& folder);
+RUN_STATE RunSlave(const SLAVE_FOLDER& folder);

@@ -4,14 +4,14 @@
 #include <string>
 
 /// Where everything about one slave's run lies.
-class RUN_FOLDER {
+class SLAVE_FOLDER {
  public:
   /// `stack` is the directory of the stack.
-  RUN_FOLDER(const std::filesystem::path& stack, const std::string& name)
+  SLAVE_FOLDER(const std::filesystem::path& stack, const std::string& name)
       : name_(name), path_(stack / "runs" / name), status_(stack / "status") {}
   /// The run whose folder this is.
-  explicit RUN_FOLDER(const std::filesystem::path& path)
-      : RUN_FOLDER(path.parent_path().parent_path(), path.filename().string()) {}
+  explicit SLAVE_FOLDER(const std::filesystem::path& path)
+      : SLAVE_FOLDER(path.parent_path().parent_path(), path.filename().string()) {}
 
   const std::string& Name() const noexcept { return name_; }
   const std::filesystem::path& Path() const noexcept { return path_; }
@@ -40,7 +40,7 @@ class STACK_FOLDER {
   explicit STACK_FOLDER(std::filesystem::path path) : path_(std::move(path)) {}
 
   const std::filesystem::path& Path() const noexcept { return path_; }
-  RUN_FOLDER Run(const std::string& name) const { return {path_, name}; }
+  SLAVE_FOLDER Run(const std::string& name) const { return {path_, name}; }
   std::filesystem::path StatusDirectory() const { return path_ / "status"; }
   /// Job scripts, the slaves of each job array, and what its tasks print.
   std::filesystem::path SlurmDirectory() const { return path_ / "slurm"; }

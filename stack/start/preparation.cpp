@@ -10,7 +10,7 @@
 #include "check_run/run_check.h"
 #include "control/controller_ifc.h"
 #include "run/child_process.h"
-#include "run/run_record.h"
+#include "run/slave_record.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ struct SLAVE_FINDINGS {
   std::vector<NEW_FILE> outputs;
 };
 
-SLAVE_FINDINGS CheckSlave(const RUN_FOLDER& folder) {
+SLAVE_FINDINGS CheckSlave(const SLAVE_FOLDER& folder) {
   std::array arguments = {std::string("resample"),
                           std::string("-pid"),
                           folder.Name(),
@@ -81,11 +81,11 @@ class PREPARATION {
 
  private:
   void Prepare(const STACK_SLAVE& slave) {
-    const RUN_FOLDER run = folder_.Run(slave.name);
-    const RUN_PLAN plan = {.program = program_.path,
-                           .version = program_.version,
-                           .parameters = slave.parameters,
-                           .retries = retries_};
+    const SLAVE_FOLDER run = folder_.Run(slave.name);
+    const SLAVE_PLAN plan = {.program = program_.path,
+                             .version = program_.version,
+                             .parameters = slave.parameters,
+                             .retries = retries_};
     if (IsFinished(run, plan)) {
       ++work_.finished;
       return;
@@ -93,14 +93,14 @@ class PREPARATION {
     fs::create_directories(run.Path());
     fs::remove(run.StopFile());
     fs::remove(run.OkFile());
-    WriteRunPlan(run, plan);
+    WriteSlavePlan(run, plan);
     WriteConfigurationFile(run, plan);
     Check(run);
   }
 
-  void Check(const RUN_FOLDER& run) {
+  void Check(const SLAVE_FOLDER& run) {
     const SLAVE_FINDINGS found = CheckSlave(run);
-    RUN_RECORD record;
+    SLAVE_RECORD record;
     if (found.failure.empty()) {
       work_.to_run.push_back(run.Name());
       outputs_.insert(outputs_.end(), found.outputs.begin(), found.outputs.end());
@@ -113,10 +113,10 @@ class PREPARATION {
     for (const std::string& warning : found.warnings) {
       Remark(run, "warning: " + warning);
     }
-    WriteRunRecord(run, record);
+    WriteSlaveRecord(run, record);
   }
 
-  void Remark(const RUN_FOLDER& run, const std::string& text) {
+  void Remark(const SLAVE_FOLDER& run, const std::string& text) {
     work_.remarks.push_back(run.Name() + ": " + text);
   }
 

@@ -7,7 +7,7 @@
 
 #include "description/stack_description.h"
 #include "queue/run_queue.h"
-#include "run/run_plan.h"
+#include "run/slave_plan.h"
 #include "run/stack_folder.h"
 
 /// What a start finds to do.

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "run/run_record.h"
+#include "run/slave_record.h"
 
 void SUPERVISION::Accompany(std::set<std::string> names) {
   while (!names.empty() && signals_.EndAsked() == 0) {
@@ -23,8 +23,8 @@ void SUPERVISION::Accompany(std::set<std::string> names) {
 }
 
 bool SUPERVISION::HasEnded(const std::string& name) {
-  const RUN_FOLDER run = stack_.Run(name);
-  RUN_RECORD record = ReadRunRecord(run);
+  const SLAVE_FOLDER run = stack_.Run(name);
+  SLAVE_RECORD record = ReadSlaveRecord(run);
   if (record.HasEnded()) {
     return true;
   }
@@ -39,12 +39,12 @@ bool SUPERVISION::HasEnded(const std::string& name) {
     record.state = RUN_STATE::DIED;
     record.reason = "its machine, its job or its runner was lost";
   }
-  WriteRunRecord(run, record);
+  WriteSlaveRecord(run, record);
   return true;
 }
 
-bool SUPERVISION::MaySubmitAgain(const RUN_FOLDER& run, const RUN_RECORD& record) {
-  const RUN_PLAN plan = ReadRunPlan(run);
+bool SUPERVISION::MaySubmitAgain(const SLAVE_FOLDER& run, const SLAVE_RECORD& record) {
+  const SLAVE_PLAN plan = ReadSlavePlan(run);
   // A runner that cannot write its record counts no attempts.
   return record.MayRetry(plan) && submitted_again_[run.Name()]++ < plan.retries;
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "queue/run_queue.h"
-#include "run/run_record.h"
 #include "run/signals.h"
+#include "run/slave_record.h"
 #include "run/stack_folder.h"
 
 /// Accompanies slaves that a queue has until each has ended, and submits those again whose runner
@@ -25,7 +25,7 @@ class SUPERVISION {
  private:
   /// Whether the slave, which is not in the queue any more, has ended for good.
   bool HasEnded(const std::string& name);
-  bool MaySubmitAgain(const RUN_FOLDER& run, const RUN_RECORD& record);
+  bool MaySubmitAgain(const SLAVE_FOLDER& run, const SLAVE_RECORD& record);
 
   STACK_FOLDER stack_;
   RUN_QUEUE& queue_;

@@ -30,11 +30,11 @@ class STATUS_READER {
 
  private:
   SLAVE_STATUS Slave(const std::string& name) {
-    const RUN_FOLDER run = stack_.Run(name);
-    RUN_RECORD record = ReadRunRecord(run);
+    const SLAVE_FOLDER run = stack_.Run(name);
+    SLAVE_RECORD record = ReadSlaveRecord(run);
     if (record.state == RUN_STATE::RUNNING && !IsActive(run)) {
       // It may have ended meanwhile.
-      record = ReadRunRecord(run);
+      record = ReadSlaveRecord(run);
       if (record.state == RUN_STATE::RUNNING) {
         record.state = RUN_STATE::DIED;
         record.reason = "its machine, its job or its runner was lost";
@@ -51,7 +51,7 @@ class STATUS_READER {
     return slave;
   }
 
-  bool IsActive(const RUN_FOLDER& run) const {
+  bool IsActive(const SLAVE_FOLDER& run) const {
     return IsInQueue(run.Name()) || IsLocked(run.LockFile());
   }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "queue/run_queue.h"
-#include "run/run_record.h"
+#include "run/slave_record.h"
 #include "run/stack_folder.h"
 
 /// The last start of a stack, as its directory keeps it.

@@ -1,4 +1,4 @@
-#include "run/run_plan.h"
+#include "run/slave_plan.h"
 
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -6,7 +6,7 @@
 #include "description/slave_files.h"
 #include "run/text_file.h"
 
-std::map<std::string, std::string> RUN_PLAN::RunParameters() const {
+std::map<std::string, std::string> SLAVE_PLAN::RunParameters() const {
   std::map<std::string, std::string> result = parameters;
   for (const char* name : output_parameters) {
     if (const auto output = result.find(name); output != result.end()) {
@@ -16,12 +16,12 @@ std::map<std::string, std::string> RUN_PLAN::RunParameters() const {
   return result;
 }
 
-std::vector<std::filesystem::path> RUN_PLAN::Outputs() const {
+std::vector<std::filesystem::path> SLAVE_PLAN::Outputs() const {
   const std::vector<std::string> values = ValuesOf(parameters, output_parameters);
   return {values.begin(), values.end()};
 }
 
-void WriteRunPlan(const RUN_FOLDER& folder, const RUN_PLAN& plan) {
+void WriteSlavePlan(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
   const nlohmann::json json = {{"program", plan.program},
                                {"version", plan.version},
                                {"parameters", plan.parameters},
@@ -30,13 +30,13 @@ void WriteRunPlan(const RUN_FOLDER& folder, const RUN_PLAN& plan) {
   ReplaceTextFile(folder.PlanFile(), json.dump(indent) + "\n");
 }
 
-RUN_PLAN ReadRunPlan(const RUN_FOLDER& folder) {
+SLAVE_PLAN ReadSlavePlan(const SLAVE_FOLDER& folder) {
   const auto text = ReadTextFile(folder.PlanFile());
   if (!text) {
     throw std::runtime_error("can not read " + folder.PlanFile().string());
   }
   const auto json = nlohmann::json::parse(*text);
-  RUN_PLAN plan;
+  SLAVE_PLAN plan;
   json.at("program").get_to(plan.program);
   json.at("version").get_to(plan.version);
   json.at("parameters").get_to(plan.parameters);
@@ -44,7 +44,7 @@ RUN_PLAN ReadRunPlan(const RUN_FOLDER& folder) {
   return plan;
 }
 
-void WriteConfigurationFile(const RUN_FOLDER& folder, const RUN_PLAN& plan) {
+void WriteConfigurationFile(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
   std::string text;
   for (const auto& [name, value] : plan.RunParameters()) {
     text += name + " " + value + "\n";

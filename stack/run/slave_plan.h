@@ -9,7 +9,7 @@
 
 /// What one slave's run is, as its start has settled it: all that is needed on the machine where
 /// it happens.
-struct RUN_PLAN {
+struct SLAVE_PLAN {
   std::string program;  ///< absolute path of resample
   std::string version;  ///< what it said about itself
   std::map<std::string, std::string> parameters;
@@ -23,9 +23,9 @@ struct RUN_PLAN {
 };
 
 /// Throws std::system_error when a file cannot be written.
-void WriteRunPlan(const RUN_FOLDER& folder, const RUN_PLAN& plan);
+void WriteSlavePlan(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan);
 /// Throws std::runtime_error when there is no complete plan.
-RUN_PLAN ReadRunPlan(const RUN_FOLDER& folder);
+SLAVE_PLAN ReadSlavePlan(const SLAVE_FOLDER& folder);
 
 /// The configuration file of the run. Throws std::system_error.
-void WriteConfigurationFile(const RUN_FOLDER& folder, const RUN_PLAN& plan);
+void WriteConfigurationFile(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan);

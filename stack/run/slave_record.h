@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run/run_plan.h"
+#include "run/slave_plan.h"
 #include "run/stack_folder.h"
 
 /// Where a slave stands.
@@ -27,7 +27,7 @@ struct RUN_ATTEMPT {
 };
 
 /// How the run of one slave goes, kept in its folder.
-struct RUN_RECORD {
+struct SLAVE_RECORD {
   RUN_STATE state = RUN_STATE::WAITING;
   std::string reason;                 ///< for the state, for a person; empty where none is needed
   nlohmann::json fingerprint;         ///< of what the last attempt began with
@@ -37,7 +37,7 @@ struct RUN_RECORD {
     return state != RUN_STATE::WAITING && state != RUN_STATE::RUNNING;
   }
   /// Whether one more attempt may follow those that died.
-  bool MayRetry(const RUN_PLAN& plan) const noexcept {
+  bool MayRetry(const SLAVE_PLAN& plan) const noexcept {
     return static_cast<int>(attempts.size()) <= plan.retries;
   }
 };
@@ -49,14 +49,14 @@ nlohmann::json AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts);
 std::string NameOf(RUN_STATE state);
 
 /// A run of which nothing is known, or whose record cannot be read, is waiting.
-RUN_RECORD ReadRunRecord(const RUN_FOLDER& folder);
+SLAVE_RECORD ReadSlaveRecord(const SLAVE_FOLDER& folder);
 /// Throws std::system_error.
-void WriteRunRecord(const RUN_FOLDER& folder, const RUN_RECORD& record);
+void WriteSlaveRecord(const SLAVE_FOLDER& folder, const SLAVE_RECORD& record);
 
 /// Whether the slave has been resampled with what its plan says and its inputs are. Outputs that
 /// their successful run had no time to rename get their final names now.
-bool IsFinished(const RUN_FOLDER& folder, const RUN_PLAN& plan);
+bool IsFinished(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan);
 
 /// Gives the outputs of a successful run their final names. Throws
 /// std::filesystem::filesystem_error, also for one that is there under neither name.
-void PublishOutputs(const RUN_PLAN& plan);
+void PublishOutputs(const SLAVE_PLAN& plan);

@@ -1,4 +1,4 @@
-#include "run/run_record.h"
+#include "run/slave_record.h"
 
 #include <array>
 #include <system_error>
@@ -41,10 +41,10 @@ std::string NameOf(RUN_STATE state) {
   return "";
 }
 
-RUN_RECORD ReadRunRecord(const RUN_FOLDER& folder) {
+SLAVE_RECORD ReadSlaveRecord(const SLAVE_FOLDER& folder) {
   const auto text = ReadTextFile(folder.RecordFile());
   const JSON json = JSON::parse(text.value_or(""), nullptr, false);
-  RUN_RECORD record;
+  SLAVE_RECORD record;
   if (!json.is_object()) {
     return record;
   }
@@ -71,7 +71,7 @@ JSON AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts) {
   return json;
 }
 
-void WriteRunRecord(const RUN_FOLDER& folder, const RUN_RECORD& record) {
+void WriteSlaveRecord(const SLAVE_FOLDER& folder, const SLAVE_RECORD& record) {
   const JSON json = {{"state", NameOf(record.state)},
                      {"reason", record.reason},
                      {"fingerprint", record.fingerprint},
@@ -82,9 +82,9 @@ void WriteRunRecord(const RUN_FOLDER& folder, const RUN_RECORD& record) {
                   json.dump(indent, ' ', false, JSON::error_handler_t::replace) + "\n");
 }
 
-bool IsFinished(const RUN_FOLDER& folder, const RUN_PLAN& plan) {
+bool IsFinished(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
   if (!std::filesystem::exists(folder.OkFile()) ||
-      ReadRunRecord(folder).fingerprint != Fingerprint(plan)) {
+      ReadSlaveRecord(folder).fingerprint != Fingerprint(plan)) {
     return false;
   }
   try {
@@ -95,7 +95,7 @@ bool IsFinished(const RUN_FOLDER& folder, const RUN_PLAN& plan) {
   }
 }
 
-void PublishOutputs(const RUN_PLAN& plan) {
+void PublishOutputs(const SLAVE_PLAN& plan) {
   for (const std::filesystem::path& output : plan.Outputs()) {
     const std::filesystem::path partial = PartialOutput(output);
     if (std::filesystem::exists(partial) || !std::filesystem::exists(output)) {
