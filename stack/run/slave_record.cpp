@@ -1,6 +1,7 @@
 #include "run/slave_record.h"
 
 #include <array>
+#include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 
@@ -50,7 +51,7 @@ SLAVE_RECORD ReadSlaveRecord(const SLAVE_FOLDER& folder) {
   }
   record.state = StateNamed(json.value("state", ""));
   record.reason = json.value("reason", "");
-  record.fingerprint = json.value("fingerprint", JSON());
+  record.fingerprint = json.value("fingerprint", JSON()).dump();
   for (const JSON& attempt : json.value("attempts", JSON::array())) {
     record.attempts.push_back({.begun = attempt.value("begun", 0.0),
                                .ended = attempt.value("ended", 0.0),
@@ -74,7 +75,7 @@ JSON AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts) {
 void WriteSlaveRecord(const SLAVE_FOLDER& folder, const SLAVE_RECORD& record) {
   const JSON json = {{"state", NameOf(record.state)},
                      {"reason", record.reason},
-                     {"fingerprint", record.fingerprint},
+                     {"fingerprint", JSON::parse(record.fingerprint)},
                      {"attempts", AttemptsJson(record.attempts)}};
   constexpr int indent = 2;
   // What a message quotes may hold bytes of any encoding.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <nlohmann/json.hpp>
 
 #include "description/stack_description.h"
 #include "run/file_lock.h"
