@@ -31,6 +31,21 @@ RUN_STATE StateNamed(const std::string& name) {
   return RUN_STATE::WAITING;
 }
 
+/// Throws JSON::exception.
+SLAVE_RECORD RecordOf(const JSON& json) {
+  SLAVE_RECORD record;
+  record.state = StateNamed(json.value("state", ""));
+  record.reason = json.value("reason", "");
+  record.fingerprint = json.value("fingerprint", JSON()).dump();
+  for (const JSON& attempt : json.value("attempts", JSON::array())) {
+    record.attempts.push_back({.begun = attempt.value("begun", 0.0),
+                               .ended = attempt.value("ended", 0.0),
+                               .host = attempt.value("host", ""),
+                               .how = attempt.value("how", "")});
+  }
+  return record;
+}
+
 }  // namespace
 
 std::string NameOf(RUN_STATE state) {
@@ -43,22 +58,11 @@ std::string NameOf(RUN_STATE state) {
 }
 
 SLAVE_RECORD ReadSlaveRecord(const SLAVE_FOLDER& folder) {
-  const auto text = ReadTextFile(folder.RecordFile());
-  const JSON json = JSON::parse(text.value_or(""), nullptr, false);
-  SLAVE_RECORD record;
-  if (!json.is_object()) {
-    return record;
+  try {
+    return RecordOf(JSON::parse(ReadTextFile(folder.RecordFile()).value_or("{}")));
+  } catch (const JSON::exception&) {
+    return {};
   }
-  record.state = StateNamed(json.value("state", ""));
-  record.reason = json.value("reason", "");
-  record.fingerprint = json.value("fingerprint", JSON()).dump();
-  for (const JSON& attempt : json.value("attempts", JSON::array())) {
-    record.attempts.push_back({.begun = attempt.value("begun", 0.0),
-                               .ended = attempt.value("ended", 0.0),
-                               .host = attempt.value("host", ""),
-                               .how = attempt.value("how", "")});
-  }
-  return record;
 }
 
 JSON AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts) {
