@@ -112,6 +112,11 @@ class SlurmStack : public testing::Test {
       settings.arguments = std::move(arguments);
       settings.environment = stack.cluster->Environment();
       settings.directory = directory_.Path();
+      // One that hangs fails its test, by SIGALRM, and does not hold up all others.
+      settings.prepare = [] {
+        ::alarm(300);
+        return true;
+      };
       return settings;
     }
 
@@ -328,6 +333,11 @@ TEST_F(SlurmStack, ComesToItsEndThroughFaultsAndResumptions) {
   EXPECT_EQ(InState("failed"), bad);
   EXPECT_EQ(InState("succeeded"), Without(Slaves(1, 13), bad));
   EXPECT_EQ(InState("stopped"), Slaves(14, 24));
+  const JSON status = Status();
+  EXPECT_EQ(status.at("done"), 11);
+  EXPECT_EQ(status.at("failed"), 2);
+  EXPECT_EQ(status.at("waiting"), 11);
+  EXPECT_EQ(status.at("queued"), 0);
   EXPECT_EQ(Slave("s05").at("attempts").size(), 2U);
   EXPECT_EQ(Slave("s03").at("reason"),
             "MEM_MGR: file is shorter than its header declares: " + Path("s03.ras").string());
