@@ -16,9 +16,18 @@ void SUPERVISION::Accompany(std::set<std::string> names) {
       }
     }
     if (!names.empty()) {
-      show_();
+      ShowNowAndThen();
       queue_.Wait(signals_);
     }
+  }
+}
+
+void SUPERVISION::ShowNowAndThen() {
+  constexpr std::chrono::seconds interval(1);
+  const auto now = std::chrono::steady_clock::now();
+  if (now - shown_ >= interval) {
+    shown_ = now;
+    show_();
   }
 }
 
