@@ -108,3 +108,13 @@ void PublishOutputs(const SLAVE_PLAN& plan) {
     }
   }
 }
+
+void RemovePartialOutputs(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
+  if (std::filesystem::exists(folder.OkFile())) {
+    return;
+  }
+  for (const std::filesystem::path& output : plan.Outputs()) {
+    std::error_code ignored;
+    std::filesystem::remove(PartialOutput(output), ignored);
+  }
+}

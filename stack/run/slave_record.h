@@ -60,3 +60,6 @@ bool IsFinished(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan);
 /// Gives the outputs of a successful run their final names. Throws
 /// std::filesystem::filesystem_error, also for one that is there under neither name.
 void PublishOutputs(const SLAVE_PLAN& plan);
+
+/// Removes what a run that did not succeed has left of its outputs. What cannot be removed stays.
+void RemovePartialOutputs(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan);

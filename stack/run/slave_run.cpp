@@ -10,7 +10,6 @@
 #include <cstring>
 #include <system_error>
 
-#include "description/slave_files.h"
 #include "run/child_process.h"
 #include "run/file_lock.h"
 #include "run/fingerprint.h"
@@ -86,6 +85,7 @@ class SLAVE_RUN {
   }
 
   RUN_STATE End(RUN_STATE state, const std::string& reason) {
+    RemovePartialOutputs(folder_, plan_);
     record_.state = state;
     record_.reason = reason;
     WriteSlaveRecord(folder_, record_);
@@ -95,9 +95,7 @@ class SLAVE_RUN {
   /// What an earlier run left goes first, so that nothing of it can be taken for this one's.
   void BeginAttempt() {
     fs::remove(folder_.OkFile());
-    for (const fs::path& output : plan_.Outputs()) {
-      fs::remove(PartialOutput(output));
-    }
+    RemovePartialOutputs(folder_, plan_);
     record_.state = RUN_STATE::RUNNING;
     record_.reason = "";
     record_.fingerprint = Fingerprint(plan_);

@@ -45,6 +45,7 @@ bool SUPERVISION::HasEnded(const std::string& name) {
     died_.push_back(name);
     return false;
   } else {
+    RemovePartialOutputs(run, ReadSlavePlan(run));
     record.state = RUN_STATE::DIED;
     record.reason = "its machine, its job or its runner was lost";
   }
