@@ -111,14 +111,15 @@ CHILD_PROCESS::CHILD_PROCESS(CHILD_PROCESS&& other) noexcept
 
 CHILD_PROCESS::~CHILD_PROCESS() {
   if (id_ > 0 && !end_) {
-    Signal(SIGTERM);
+    Terminate();
     Wait();
   }
 }
 
-void CHILD_PROCESS::Signal(int number) const noexcept {
+void CHILD_PROCESS::Terminate() const noexcept {
   if (!end_) {
-    ::kill(id_, number);
+    ::kill(id_, SIGTERM);
+    ::kill(id_, SIGCONT);
   }
 }
 

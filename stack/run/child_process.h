@@ -37,7 +37,8 @@ class CHILD_PROCESS {
   CHILD_PROCESS& operator=(const CHILD_PROCESS&) = delete;
   ~CHILD_PROCESS();
 
-  void Signal(int number) const noexcept;
+  /// Sends SIGTERM, and wakes a process that was stopped.
+  void Terminate() const noexcept;
   /// Nothing as long as it runs.
   std::optional<CHILD_END> End();
   CHILD_END Wait();

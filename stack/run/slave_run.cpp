@@ -118,8 +118,7 @@ class SLAVE_RUN {
         return *end;
       }
       if (const int signal = signals_.EndAsked()) {
-        child.Signal(SIGTERM);
-        child.Signal(SIGCONT);
+        child.Terminate();
         child.Wait();
         return {.exit_status = -1, .signal = signal};
       }

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <exception>
 #include <fstream>
@@ -16,7 +15,8 @@
 #include <random>
 #include <sstream>
 #include <stdexcept>
-#include <thread>
+
+#include "support/wait_until.h"
 
 namespace {
 
@@ -124,17 +124,6 @@ std::vector<std::string> Lines(const std::string& text) {
 }
 
 }  // namespace
-
-bool WaitUntil(const std::function<bool()>& condition) {
-  constexpr int limit_in_steps = 1200;
-  for (int step = 0; step < limit_in_steps; ++step) {
-    if (condition()) {
-      return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  }
-  return false;
-}
 
 /// One daemon with all processes that come from it. They stay its descendants even when they are
 /// made orphans, as those of jobs are, and end with it.

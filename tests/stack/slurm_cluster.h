@@ -12,10 +12,6 @@
 #include "support/process.h"
 #include "support/temporary_directory.h"
 
-/// Waits until a condition holds; false when it did not within a time after which something must be
-/// wrong.
-bool WaitUntil(const std::function<bool()>& condition);
-
 /// The batch system Slurm on this machine alone, for one test: munged, slurmctld and a slurmd a
 /// node, on loopback, with keys, sockets, ports, state and logs of their own, run by the current
 /// user. Nodes are called n1, n2, ... and have two processors each.

@@ -4,6 +4,8 @@
 
 #include <set>
 
+#include "support/wait_until.h"
+
 namespace {
 
 /// Jobs are shell scripts here: each task leaves "began.TASK", waits for the file "go" and leaves
