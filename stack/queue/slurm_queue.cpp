@@ -84,7 +84,7 @@ void SLURM_QUEUE::Submit(const std::vector<std::string>& names) {
 std::filesystem::path SLURM_QUEUE::NewSlaveList() const {
   std::filesystem::create_directories(stack_.SlurmDirectory());
   for (int i = 1;; ++i) {
-    const std::filesystem::path list = stack_.SlurmDirectory() / ("slaves." + std::to_string(i));
+    std::filesystem::path list = stack_.SlurmDirectory() / ("slaves." + std::to_string(i));
     if (!std::filesystem::exists(list)) {
       return list;
     }

@@ -36,7 +36,7 @@ std::vector<std::string> EnvironmentOf(const CHILD_SETTINGS& settings) {
     }
   }
   for (const auto& [name, value] : settings.environment) {
-    variables.push_back(name + "=" + value);
+    variables.emplace_back(name).append("=").append(value);
   }
   return variables;
 }

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "base/error_exception.h"
@@ -79,7 +80,7 @@ std::string StateOfPool(const std::string& path, bool has_forced_mapping) {
 
 }  // namespace
 
-nlohmann::json Fingerprint(const SLAVE_PLAN& plan) {
+std::string Fingerprint(const SLAVE_PLAN& plan) {
   const bool has_forced_mapping = plan.parameters.contains("MAPPING_FORMAT");
   nlohmann::json inputs = nlohmann::json::object();
   for (const std::string& path : ValuesOf(plan.parameters, raster_parameters)) {
@@ -88,5 +89,7 @@ nlohmann::json Fingerprint(const SLAVE_PLAN& plan) {
   for (const std::string& path : ValuesOf(plan.parameters, pool_parameters)) {
     inputs[path] = StateOfPool(path, has_forced_mapping);
   }
-  return {{"version", plan.version}, {"parameters", plan.parameters}, {"inputs", inputs}};
+  const nlohmann::json json = {
+      {"version", plan.version}, {"parameters", plan.parameters}, {"inputs", inputs}};
+  return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }

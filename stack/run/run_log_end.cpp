@@ -23,6 +23,10 @@ std::optional<std::string_view> AlarmText(std::string_view line) {
   return line.substr(program_end + separator.size());
 }
 
+int NumberAt(const std::string& text, std::size_t begin) {
+  return static_cast<int>(std::strtol(text.c_str() + begin, nullptr, 10));
+}
+
 std::string LastLine(std::string text) {
   while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())) != 0) {
     text.pop_back();
@@ -40,7 +44,7 @@ std::optional<int> PercentDone(const std::filesystem::path& log) {
     return std::nullopt;
   }
   const std::size_t begin = text.find_last_not_of("0123456789", end == 0 ? 0 : end - 1) + 1;
-  return std::atoi(text.substr(begin, end - begin).c_str());
+  return NumberAt(text, begin);
 }
 
 std::string ReasonOfFailure(const std::filesystem::path& log, const std::filesystem::path& screen) {
@@ -57,5 +61,5 @@ int SignalInLog(const std::filesystem::path& log) {
   const std::string text = ReadEndOfFile(log, end_length);
   constexpr std::string_view announcement = " got fatal signal ";
   const std::size_t begin = text.rfind(announcement);
-  return begin == std::string::npos ? 0 : std::atoi(text.c_str() + begin + announcement.size());
+  return begin == std::string::npos ? 0 : NumberAt(text, begin + announcement.size());
 }

@@ -47,7 +47,7 @@ SLAVE_PLAN ReadSlavePlan(const SLAVE_FOLDER& folder) {
 void WriteConfigurationFile(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
   std::string text;
   for (const auto& [name, value] : plan.RunParameters()) {
-    text += name + " " + value + "\n";
+    text.append(name).append(" ").append(value).append("\n");
   }
   ReplaceTextFile(folder.ConfigurationFile(), text);
 }

@@ -1,6 +1,7 @@
 #include "run/slave_record.h"
 
 #include <array>
+#include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 
@@ -30,6 +31,21 @@ RUN_STATE StateNamed(const std::string& name) {
   return RUN_STATE::WAITING;
 }
 
+/// Throws JSON::exception.
+SLAVE_RECORD RecordOf(const JSON& json) {
+  SLAVE_RECORD record;
+  record.state = StateNamed(json.value("state", ""));
+  record.reason = json.value("reason", "");
+  record.fingerprint = json.value("fingerprint", JSON()).dump();
+  for (const JSON& attempt : json.value("attempts", JSON::array())) {
+    record.attempts.push_back({.begun = attempt.value("begun", 0.0),
+                               .ended = attempt.value("ended", 0.0),
+                               .host = attempt.value("host", ""),
+                               .how = attempt.value("how", "")});
+  }
+  return record;
+}
+
 }  // namespace
 
 std::string NameOf(RUN_STATE state) {
@@ -42,22 +58,11 @@ std::string NameOf(RUN_STATE state) {
 }
 
 SLAVE_RECORD ReadSlaveRecord(const SLAVE_FOLDER& folder) {
-  const auto text = ReadTextFile(folder.RecordFile());
-  const JSON json = JSON::parse(text.value_or(""), nullptr, false);
-  SLAVE_RECORD record;
-  if (!json.is_object()) {
-    return record;
+  try {
+    return RecordOf(JSON::parse(ReadTextFile(folder.RecordFile()).value_or("{}")));
+  } catch (const JSON::exception&) {
+    return {};
   }
-  record.state = StateNamed(json.value("state", ""));
-  record.reason = json.value("reason", "");
-  record.fingerprint = json.value("fingerprint", JSON());
-  for (const JSON& attempt : json.value("attempts", JSON::array())) {
-    record.attempts.push_back({.begun = attempt.value("begun", 0.0),
-                               .ended = attempt.value("ended", 0.0),
-                               .host = attempt.value("host", ""),
-                               .how = attempt.value("how", "")});
-  }
-  return record;
 }
 
 JSON AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts) {
@@ -74,7 +79,7 @@ JSON AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts) {
 void WriteSlaveRecord(const SLAVE_FOLDER& folder, const SLAVE_RECORD& record) {
   const JSON json = {{"state", NameOf(record.state)},
                      {"reason", record.reason},
-                     {"fingerprint", record.fingerprint},
+                     {"fingerprint", JSON::parse(record.fingerprint)},
                      {"attempts", AttemptsJson(record.attempts)}};
   constexpr int indent = 2;
   // What a message quotes may hold bytes of any encoding.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
@@ -30,7 +30,7 @@ struct RUN_ATTEMPT {
 struct SLAVE_RECORD {
   RUN_STATE state = RUN_STATE::WAITING;
   std::string reason;                 ///< for the state, for a person; empty where none is needed
-  nlohmann::json fingerprint;         ///< of what the last attempt began with
+  std::string fingerprint = "null";   ///< of what the last attempt began with
   std::vector<RUN_ATTEMPT> attempts;  ///< since the slave was started last
 
   bool HasEnded() const noexcept {

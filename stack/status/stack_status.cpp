@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <nlohmann/json.hpp>
 
 #include "description/stack_description.h"
 #include "run/file_lock.h"
@@ -112,13 +113,11 @@ void WriteStackStart(const STACK_FOLDER& stack, const STACK_START& start) {
 
 STACK_START ReadStackStart(const STACK_FOLDER& stack) {
   const auto text = ReadTextFile(stack.StartFile());
-  const JSON json = JSON::parse(text.value_or(""), nullptr, false);
-  if (!json.is_object()) {
+  if (!text) {
     throw STACK_ERROR("the stack was never started: no " + stack.StartFile().string());
   }
-  return {.name = json.value("name", ""),
-          .slaves = json.value("slaves", std::vector<std::string>()),
-          .begun = json.value("begun", 0.0)};
+  const JSON json = JSON::parse(*text);
+  return {.name = json.at("name"), .slaves = json.at("slaves"), .begun = json.at("begun")};
 }
 
 STACK_STATUS ReadStackStatus(const STACK_FOLDER& stack, const STACK_START& start,

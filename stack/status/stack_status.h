@@ -1,7 +1,7 @@
 #pragma once
 
 #include <map>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,7 +19,7 @@ struct STACK_START {
 
 /// Throws std::system_error.
 void WriteStackStart(const STACK_FOLDER& stack, const STACK_START& start);
-/// Throws STACK_ERROR when the stack was never started.
+/// Throws STACK_ERROR when the stack was never started, and std::exception for a file that is none.
 STACK_START ReadStackStart(const STACK_FOLDER& stack);
 
 /// How one slave stands.

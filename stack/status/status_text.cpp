@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "logging/printable_text.h"
