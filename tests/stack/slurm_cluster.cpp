@@ -30,7 +30,7 @@ const std::string key_server_name = "munged";
 /// The path of a program, empty when there is none. Ordinary users' PATH lacks folders of daemons.
 std::string FindProgram(const std::string& name) {
   for (const std::string& folder : program_folders) {
-    const std::string path = folder + "/" + name;
+    std::string path = fs::path(folder) / name;
     if (::access(path.c_str(), X_OK) == 0) {
       return path;
     }
