@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "commands/commands.h"
@@ -51,13 +52,14 @@ class STACK_STARTER {
     start_.begun =
         std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
     WriteStackStart(stack_, start_);
+    watch_.emplace(stack_, start_);
     Submit(work);
     if (options_.no_wait) {
       return work.to_run.size() + work.active.size() + static_cast<std::size_t>(work.finished) ==
              description_.slaves.size();
     }
     Accompany(work);
-    const STACK_STATUS status = Status();
+    const STACK_STATUS status = watch_->Look(queue_ ? queue_->Active() : std::nullopt);
     display_.ShowAtEnd(status);
     return status.IsComplete();
   }
@@ -108,8 +110,8 @@ class STACK_STARTER {
     std::set<std::string> names(work.to_run.begin(), work.to_run.end());
     names.insert(work.active.begin(), work.active.end());
     SIGNALS signals;
-    SUPERVISION(stack_, *queue_, signals, [this] {
-      display_.Show(Status());
+    SUPERVISION(stack_, *queue_, signals, [this](const ACTIVE_SLAVES& active) {
+      display_.Show(watch_->Look(active));
     }).Accompany(std::move(names));
     if (signals.EndAsked() != 0) {
       // What runs on this machine ends with its queue, what Slurm has goes on.
@@ -117,14 +119,11 @@ class STACK_STARTER {
     }
   }
 
-  STACK_STATUS Status() const {
-    return ReadStackStatus(stack_, start_, queue_ ? queue_->Active() : std::nullopt);
-  }
-
   const START_OPTIONS& options_;
   STACK_DESCRIPTION description_;
   STACK_FOLDER stack_;
   STACK_START start_;
+  std::optional<STACK_WATCH> watch_;
   std::unique_ptr<RUN_QUEUE> queue_;
   STATUS_DISPLAY display_;
 };

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "commands/commands.h"
 #include "commands/find_stack.h"
@@ -20,20 +21,20 @@ struct STATUS_OPTIONS {
   bool as_json = false;
 };
 
-STACK_STATUS CurrentStatus(const STACK_FOLDER& stack) {
-  const bool has_jobs = std::filesystem::exists(stack.SlurmDirectory());
-  return ReadStackStatus(stack, ReadStackStart(stack),
-                         has_jobs ? SLURM_QUEUE(stack, {}).Active() : std::nullopt);
+/// Slurm's queue is asked where the stack was ever submitted to it.
+ACTIVE_SLAVES ActiveSlaves(const STACK_FOLDER& stack) {
+  return std::filesystem::exists(stack.SlurmDirectory()) ? SLURM_QUEUE(stack, {}).Active()
+                                                         : std::nullopt;
 }
 
-STACK_STATUS Watch(const STACK_FOLDER& stack, STATUS_DISPLAY& display) {
+STACK_STATUS StatusAtEnd(const STACK_FOLDER& stack, STACK_WATCH& watch, STATUS_DISPLAY& display) {
   SIGNALS signals;
-  STACK_STATUS status = CurrentStatus(stack);
+  STACK_STATUS status = watch.Look(ActiveSlaves(stack));
   while (status.IsActive() && signals.EndAsked() == 0) {
     display.Show(status);
-    constexpr std::chrono::seconds interval(2);
+    constexpr std::chrono::seconds interval(3);
     signals.Wait(interval);
-    status = CurrentStatus(stack);
+    status = watch.Look(ActiveSlaves(stack));
   }
   return status;
 }
@@ -41,7 +42,9 @@ STACK_STATUS Watch(const STACK_FOLDER& stack, STATUS_DISPLAY& display) {
 void ShowStatus(const STATUS_OPTIONS& options) {
   const STACK_FOLDER stack = FindStack(options.stack);
   STATUS_DISPLAY display;
-  const STACK_STATUS status = options.watch ? Watch(stack, display) : CurrentStatus(stack);
+  STACK_WATCH watch(stack, ReadStackStart(stack));
+  const STACK_STATUS status =
+      options.watch ? StatusAtEnd(stack, watch, display) : watch.Look(ActiveSlaves(stack));
   if (options.as_json) {
     constexpr int indent = 2;
     std::cout << StatusJson(status).dump(indent, ' ', false,

@@ -7,7 +7,7 @@ void LOCAL_QUEUE::Submit(const std::vector<std::string>& names) {
   waiting_.insert(waiting_.end(), names.begin(), names.end());
 }
 
-std::optional<std::map<std::string, QUEUE_STATE>> LOCAL_QUEUE::Active() {
+ACTIVE_SLAVES LOCAL_QUEUE::Active() {
   for (auto run = running_.begin(); run != running_.end();) {
     run = run->second.End() ? running_.erase(run) : std::next(run);
   }

@@ -20,7 +20,7 @@ class LOCAL_QUEUE final : public RUN_QUEUE {
 
   void Submit(const std::vector<std::string>& names) override;
   /// Also notes who has ended, and lets others begin in their place.
-  std::optional<std::map<std::string, QUEUE_STATE>> Active() override;
+  ACTIVE_SLAVES Active() override;
   void CancelWaiting() override { waiting_.clear(); }
   /// Until one of the runs has ended, or for a second.
   void Wait(SIGNALS& signals) const override { signals.Wait(std::chrono::seconds(1)); }

@@ -10,6 +10,9 @@
 /// What becomes of a slave that a queue has taken.
 enum class QUEUE_STATE { WAITING, RUNNING };
 
+/// Slaves by their names; nothing where that cannot be told at the moment.
+using ACTIVE_SLAVES = std::optional<std::map<std::string, QUEUE_STATE>>;
+
 /// Where the runs of a stack are executed, each by `resample-stack run FOLDER`.
 class RUN_QUEUE {
  public:
@@ -20,9 +23,8 @@ class RUN_QUEUE {
 
   /// Takes slaves by their names, in this order. Throws STACK_ERROR when it cannot.
   virtual void Submit(const std::vector<std::string>& names) = 0;
-  /// All slaves of the stack that wait or run in the queue, whoever submitted them; nothing when
-  /// that cannot be told at the moment.
-  virtual std::optional<std::map<std::string, QUEUE_STATE>> Active() = 0;
+  /// All slaves of the stack that wait or run in the queue, whoever submitted them.
+  virtual ACTIVE_SLAVES Active() = 0;
   /// Lets none begin that waits; those that run go on.
   virtual void CancelWaiting() = 0;
   /// Until it is time to ask for the active ones again.

@@ -122,7 +122,7 @@ std::optional<std::vector<SLURM_QUEUE::TASK>> SLURM_QUEUE::Tasks() const {
   return tasks;
 }
 
-std::optional<std::map<std::string, QUEUE_STATE>> SLURM_QUEUE::Active() {
+ACTIVE_SLAVES SLURM_QUEUE::Active() {
   const auto tasks = Tasks();
   if (!tasks) {
     return std::nullopt;

@@ -22,7 +22,7 @@ class SLURM_QUEUE final : public RUN_QUEUE {
   /// As one job array. Throws STACK_ERROR with what sbatch says.
   void Submit(const std::vector<std::string>& names) override;
   /// Nothing while the controller does not answer.
-  std::optional<std::map<std::string, QUEUE_STATE>> Active() override;
+  ACTIVE_SLAVES Active() override;
   /// Throws STACK_ERROR with what scancel says.
   void CancelWaiting() override;
   void Wait(SIGNALS& signals) const override;

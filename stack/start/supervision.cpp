@@ -7,7 +7,8 @@
 
 void SUPERVISION::Accompany(std::set<std::string> names) {
   while (!names.empty() && signals_.EndAsked() == 0) {
-    if (const auto active = queue_.Active()) {
+    const ACTIVE_SLAVES active = queue_.Active();
+    if (active) {
       std::erase_if(names, [&](const std::string& name) {
         return !active->contains(name) && HasEnded(name);
       });
@@ -16,18 +17,18 @@ void SUPERVISION::Accompany(std::set<std::string> names) {
       }
     }
     if (!names.empty()) {
-      ShowNowAndThen();
+      ShowNowAndThen(active);
       queue_.Wait(signals_);
     }
   }
 }
 
-void SUPERVISION::ShowNowAndThen() {
+void SUPERVISION::ShowNowAndThen(const ACTIVE_SLAVES& active) {
   constexpr std::chrono::seconds interval(1);
   const auto now = std::chrono::steady_clock::now();
   if (now - shown_ >= interval) {
     shown_ = now;
-    show_();
+    show_(active);
   }
 }
 

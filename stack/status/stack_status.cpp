@@ -13,55 +13,19 @@ namespace {
 
 using JSON = nlohmann::json;
 
-class STATUS_READER {
+double Now() {
+  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+/// Counts the slaves of a stack, and how much has been done since its start.
+class COUNTS {
  public:
-  STATUS_READER(const STACK_FOLDER& stack, const STACK_START& start,
-                const std::optional<std::map<std::string, QUEUE_STATE>>& active)
-      : stack_(stack), start_(start), active_(active), has_starter_(IsLocked(stack.LockFile())) {}
+  COUNTS(STACK_STATUS& status, double begun) : status_(status), begun_(begun) {}
 
-  STACK_STATUS Read() {
-    status_.name = start_.name;
-    for (const std::string& name : start_.slaves) {
-      status_.slaves.push_back(Slave(name));
-      Count(status_.slaves.back());
-    }
-    EstimateRate();
-    return std::move(status_);
-  }
-
- private:
-  SLAVE_STATUS Slave(const std::string& name) {
-    const SLAVE_FOLDER run = stack_.Run(name);
-    SLAVE_RECORD record = ReadSlaveRecord(run);
-    if (record.state == RUN_STATE::RUNNING && !IsActive(run)) {
-      // It may have ended meanwhile.
-      record = ReadSlaveRecord(run);
-      if (record.state == RUN_STATE::RUNNING) {
-        record.state = RUN_STATE::DIED;
-        record.reason = "its machine, its job or its runner was lost";
-      }
-    }
-    SLAVE_STATUS slave{.name = name,
-                       .state = record.state,
-                       .reason = record.reason,
-                       .percent = 0,
-                       .attempts = record.attempts};
-    if (slave.IsRunning()) {
-      slave.percent = PercentDone(run.LogFile()).value_or(0);
-    }
-    return slave;
-  }
-
-  bool IsActive(const SLAVE_FOLDER& run) const {
-    return IsInQueue(run.Name()) || IsLocked(run.LockFile());
-  }
-
-  bool IsInQueue(const std::string& name) const { return active_ && active_->contains(name); }
-
-  void Count(const SLAVE_STATUS& slave) {
+  void Add(const SLAVE_STATUS& slave, bool is_queued) {
     if (slave.IsDone()) {
       ++status_.done;
-      done_since_start_ += !slave.attempts.empty() && slave.attempts.back().ended >= start_.begun;
+      done_since_start_ += !slave.attempts.empty() && slave.attempts.back().ended >= begun_;
     } else if (slave.IsRunning()) {
       ++status_.running;
       parts_of_running_ += slave.percent / 100.0;
@@ -69,9 +33,7 @@ class STATUS_READER {
       ++status_.failed;
     } else {
       ++status_.waiting;
-      if (slave.state == RUN_STATE::WAITING) {
-        status_.queued += IsInQueue(slave.name) || has_starter_;
-      }
+      status_.queued += is_queued && slave.state == RUN_STATE::WAITING;
     }
     for (const RUN_ATTEMPT& attempt : slave.attempts) {
       last_end_ = std::max(last_end_, attempt.ended);
@@ -79,9 +41,7 @@ class STATUS_READER {
   }
 
   void EstimateRate() {
-    const double now =
-        std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-    const double seconds = (status_.IsActive() ? now : last_end_) - start_.begun;
+    const double seconds = (status_.IsActive() ? Now() : last_end_) - begun_;
     const double done = done_since_start_ + parts_of_running_;
     if (done <= 0.0 || seconds <= 0.0) {
       return;
@@ -94,11 +54,9 @@ class STATUS_READER {
     }
   }
 
-  const STACK_FOLDER& stack_;
-  const STACK_START& start_;
-  const std::optional<std::map<std::string, QUEUE_STATE>>& active_;
-  bool has_starter_;
-  STACK_STATUS status_;
+ private:
+  STACK_STATUS& status_;
+  double begun_;
   int done_since_start_ = 0;
   double parts_of_running_ = 0.0;
   double last_end_ = 0.0;
@@ -120,7 +78,46 @@ STACK_START ReadStackStart(const STACK_FOLDER& stack) {
   return {.name = json.at("name"), .slaves = json.at("slaves"), .begun = json.at("begun")};
 }
 
-STACK_STATUS ReadStackStatus(const STACK_FOLDER& stack, const STACK_START& start,
-                             const std::optional<std::map<std::string, QUEUE_STATE>>& active) {
-  return STATUS_READER(stack, start, active).Read();
+STACK_STATUS STACK_WATCH::Look(const ACTIVE_SLAVES& active) {
+  STACK_STATUS status;
+  status.name = start_.name;
+  COUNTS counts(status, start_.begun);
+  const bool has_starter = IsLocked(stack_.LockFile());
+  for (const std::string& name : start_.slaves) {
+    std::optional<QUEUE_STATE> queue;
+    if (active && active->contains(name)) {
+      queue = active->at(name);
+    }
+    status.slaves.push_back(LookAt(name, queue));
+    counts.Add(status.slaves.back(), queue || has_starter);
+  }
+  counts.EstimateRate();
+  return status;
+}
+
+SLAVE_STATUS STACK_WATCH::LookAt(const std::string& name, std::optional<QUEUE_STATE> queue) {
+  const auto [known, is_new] = known_.try_emplace(name);
+  const SLAVE_FOLDER run = stack_.Run(name);
+  const bool waits_in_queue = queue == QUEUE_STATE::WAITING;
+  bool is_active = queue.has_value();
+  if (is_new || (queue ? !waits_in_queue : !known->second.IsDone())) {
+    is_active = is_active || IsLocked(run.LockFile());
+    // What was active a moment ago may have ended since, and then its record tells it.
+    const SLAVE_RECORD record = ReadSlaveRecord(run);
+    known->second = {.name = name,
+                     .state = record.state,
+                     .reason = record.reason,
+                     .percent = 0,
+                     .attempts = record.attempts};
+  }
+  SLAVE_STATUS slave = known->second;
+  if (waits_in_queue) {
+    slave.state = RUN_STATE::WAITING;
+  } else if (slave.IsRunning() && !is_active) {
+    slave.state = RUN_STATE::DIED;
+    slave.reason = "its machine, its job or its runner was lost";
+  } else if (slave.IsRunning()) {
+    slave.percent = PercentDone(run.LogFile()).value_or(0);
+  }
+  return slave;
 }

@@ -52,10 +52,24 @@ struct STACK_STATUS {
   bool IsComplete() const noexcept { return done == static_cast<int>(slaves.size()); }
 };
 
-/// `active`: what the queue says, where it answers. A slave runs that is active in it or whose
-/// runner holds its lock; one that waits is queued when it is in it or a starter is at work.
-STACK_STATUS ReadStackStatus(const STACK_FOLDER& stack, const STACK_START& start,
-                             const std::optional<std::map<std::string, QUEUE_STATE>>& active);
+/// Looks at a stack as often as one likes. What cannot have changed is not read again: the records
+/// of hundreds of slaves are much for shared storage.
+class STACK_WATCH {
+ public:
+  STACK_WATCH(STACK_FOLDER stack, STACK_START start)
+      : stack_(std::move(stack)), start_(std::move(start)) {}
+
+  /// `active`: what the queue says, where it answers. A slave runs that runs in it or whose runner
+  /// holds its lock; one that waits is queued when it is in it or a starter is at work.
+  STACK_STATUS Look(const ACTIVE_SLAVES& active);
+
+ private:
+  SLAVE_STATUS LookAt(const std::string& name, std::optional<QUEUE_STATE> queue);
+
+  STACK_FOLDER stack_;
+  STACK_START start_;
+  std::map<std::string, SLAVE_STATUS> known_;  ///< as their records tell them
+};
 
 /// For a person, several lines; and for machines.
 std::string StatusText(const STACK_STATUS& status);
