@@ -3,8 +3,9 @@
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev
   libeigen3-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh
-  munge slurmctld slurmd slurm-client)
+test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh)
+# Without Slurm the tests of stacks on a cluster are skipped.
+slurm_packages=(munge slurmctld slurmd slurm-client)
 # Without GDAL some of the tool's commands are left out: the tests need them, the demo does not.
 gdal_packages=(libgdal-dev gdal-bin)
 # The fuzzers: clang with its libFuzzer and sanitizers.
