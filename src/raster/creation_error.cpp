@@ -40,10 +40,7 @@ int CreationError(const char* path) noexcept {
       return error == ENOENT ? ErrorOfNewFile(BehindLinks(path)) : error;
     }
     struct stat status {};
-    if (::fstat(file.Get(), &status) != 0) {
-      return errno;
-    }
-    return S_ISREG(status.st_mode) ? 0 : EINVAL;
+    return ::fstat(file.Get(), &status) == 0 && S_ISREG(status.st_mode) ? 0 : EINVAL;
   } catch (...) {
     return ENOMEM;
   }

@@ -87,14 +87,4 @@ TEST_F(InterpolationKernelTest, TablesWithoutRowsOrBeyondAllMemoryAreRefused) {
             "ALARM : INTERPOLATION_KERNEL: no memory for 2147483647 rows of 2147483647 weights");
 }
 
-TEST(KernelTypeTest, IsFoundByItsDescription) {
-  for (const auto& [text, id] : {std::pair{"CUBIC convolution", cubic},
-                                 {"truncated sinc.", sinc},
-                                 {"Truncated Sinc with Kaiser weight", kaiser}}) {
-    KernelType type;
-    type.Assign(text);
-    EXPECT_EQ(type.Id(), id) << text;
-  }
-}
-
 }  // namespace

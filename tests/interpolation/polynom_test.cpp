@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 #include "support_points.h"
 
@@ -51,7 +52,7 @@ TEST(PolynomTest, TheSecondDerivativeOfFivePointsKeepsItsOwnFormula) {
   EXPECT_EQ(polynom.GetDerived2Y(-1.5), 1.0);
 }
 
-TEST(PolynomTest, NothingIsEvaluatedWithoutPoints) {
+TEST(PolynomTest, NothingIsEvaluatedWithoutPointsOrMemory) {
   const LOG_CAPTURE log;
   POLYNOM<double> polynom;
   EXPECT_THROW(polynom.GetY(0.0), ERROR_ALGORITHM);
@@ -59,6 +60,9 @@ TEST(PolynomTest, NothingIsEvaluatedWithoutPoints) {
   ARRAY<POINT<double>> none;
   EXPECT_THROW(polynom.Init(none), ERROR_ALGORITHM);
   EXPECT_EQ(log.Lines().back(), "ALARM : POLYNOM: no support points");
+  const SUPPORT_POINTS points({0.0, 1.0}, [](double x) { return x; });
+  const FAILING_ALLOCATION failing;
+  EXPECT_THROW(polynom.Init(points.Array()), const char*);
 }
 
 }  // namespace

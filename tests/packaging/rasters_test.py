@@ -1,4 +1,5 @@
 import sys
+import tempfile
 import unittest
 
 import numpy as np
@@ -45,6 +46,18 @@ class Rasters(installed.SceneTest):
             read = rasters.read_raster(self.folder / "any.ras")
             self.assertEqual(read.dtype, dtype)
             self.assertEqual(read.tolist(), pixels.tolist())
+
+    def test_of_a_scene_agree_once_they_are_resampled(self):
+        for options in ("--oversampling 1.2 --doppler-range 400",
+                        "--imaging-mode TOPS --doppler-azimuth 900 --mapping-format polynomial"):
+            with tempfile.TemporaryDirectory() as scene:
+                installed.run("slctool", "scene", scene, "--samples", "150", "--lines", "120",
+                              *options.split())
+                installed.run("resample", cwd=scene)
+                figures = self.slctool("compare", f"{scene}/resampled.ras", f"{scene}/master.ras",
+                                       "--mask", f"{scene}/resampled_mask.ras", separator="=")
+            self.assertGreater(float(figures["coherence"]), 0.999, options)
+            self.assertLess(abs(float(figures["phase_mean"])), 0.01, options)
 
     def test_clip_what_a_type_can_not_hold(self):
         values = np.array([[4e4 - 4e4j, 1e-5 + 1e9j, np.nan]], "c16")

@@ -347,7 +347,7 @@ TEST_F(FAULT, OfAThreadThatCanNotBeCreatedIsReported) {
   }
 }
 
-TEST_F(FAULT, OfAClockThatIsSetBackIsNone) {
+TEST_F(FAULT, OfAClockThatLeapsBackOrFarAheadIsNone) {
   if (repetitions == 1) {
     GTEST_SKIP() << "the runtime of a sanitizer must be loaded before any other library";
   }
@@ -358,6 +358,13 @@ TEST_F(FAULT, OfAClockThatIsSetBackIsNone) {
   const std::string pool = folder_.Content("log.pool");
   const std::string history = pool.substr(pool.find("software_execution_times"));
   EXPECT_NE(history.find("{\n    0\n  }"), std::string::npos) << history;
+
+  folder_.environment["FAULT_CLOCK"] = "-90000000000000000";  // beyond what a year can be
+  folder_.Write("log.pool", "");
+  ClearResults();
+  ExpectRightResult(folder_.Run());
+  EXPECT_EQ(folder_.CountLogLines(info_begin + "end time: unknown"), 1);
+  EXPECT_NE(folder_.Content("log.pool").find("\"unknown\""), std::string::npos);
 }
 
 TEST_F(FAULT, OfARunThatIsStoppedNowAndThenIsNone) {

@@ -33,8 +33,9 @@ std::vector<std::string> EnvironmentTexts(const PROCESS_SETTINGS& settings) {
   }
   // The threads of a process that a signal ends are never joined, and a search for leaks as it ends
   // would wait for the allocator's lock that the interrupted thread may hold.
-  for (const std::string option : {"ASAN_OPTIONS=detect_leaks=0:", "LSAN_OPTIONS=",
-                                   "TSAN_OPTIONS=report_thread_leaks=0:", "UBSAN_OPTIONS="}) {
+  for (const std::string option :
+       {"ASAN_OPTIONS=detect_leaks=0:", "LSAN_OPTIONS=", "TSAN_OPTIONS=report_thread_leaks=0:",
+        "UBSAN_OPTIONS=", "GCOV_ERROR_FILE="}) {
     const char* own = std::getenv(option.substr(0, option.find('=')).c_str());
     texts.push_back(option + (own != nullptr ? own : ""));
   }
