@@ -111,6 +111,7 @@ TEST_F(PositionRowsTest, PolynomialsGiveTheMappingsOwnPositions) {
 
 TEST_F(PositionRowsTest, OtherMappingsAreAsked) {
   CheckAgainst(OTHER_MAPPING(), 100, 20);
+  EXPECT_THROW(CheckAgainst(MAPPING_MATRIX(), 10, 10), ERROR_UNHANDLED_CASE) << "not set up";
 }
 
 }  // namespace

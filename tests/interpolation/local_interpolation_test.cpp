@@ -62,6 +62,7 @@ TEST_F(LocalInterpolationTest, RunsHandOverBetweenTheirMiddles) {
 }
 
 TEST_F(LocalInterpolationTest, TheEndPiecesServeEverythingBeyondAndBordersTheLowerPiece) {
+  local_.SetOption(1);
   local_.SetSupportPointCount(2);
   local_.InitSupport(points_.Array());
   EXPECT_EQ(local_.GetY(-2.0), -2.0);

@@ -67,6 +67,13 @@ class Rasters(installed.SceneTest):
         self.assertEqual(read(rasters.C_FLT_2)[:2], [40000 - 40000j, 65504j])
 
 
+class Failures(installed.SceneTest):
+    def test_are_told_by_slctool(self):
+        for command in (("info", "missing.ras"), ("pool", "get", "missing.pool", "key")):
+            with self.assertRaisesRegex(AssertionError, "status 1\nslctool: "):
+                installed.run("slctool", *command, cwd=self.folder)
+
+
 class Pools(installed.SceneTest):
     def test_have_the_entries_that_resample_reads_and_writes(self):
         insar = rasters.read_pool(self.folder / "insar.pool")
