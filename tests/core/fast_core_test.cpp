@@ -143,17 +143,7 @@ TEST(DopplerCentroidModelTest, AnnotationThatMemoryCanNotHoldIsRefused) {
   const TEMPORARY_DIRECTORY directory;
   WriteFile(directory.File("pool"), SlavePool(OrdinaryScene()).Text());
   PARAMETER_POOL pool(directory.File("pool").c_str());
-  bool is_set_up = false;
-  for (int granted = 0; !is_set_up; ++granted) {
-    DOPPLER_CENTROID_MODEL doppler;
-    const FAILING_ALLOCATION failing(granted);
-    try {
-      doppler.Setup(pool);
-      is_set_up = true;
-    } catch (const ERROR_NO_MEMORY&) {
-    } catch (const char*) {  // of a copied array
-    }
-  }
+  RefusalsUntilMemorySuffices([&] { DOPPLER_CENTROID_MODEL().Setup(pool); });
   EXPECT_TRUE(log.Has("ALARM : fDC: no memory for the annotation")) << log.Text();
 }
 

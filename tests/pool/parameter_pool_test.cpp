@@ -152,20 +152,10 @@ TEST_F(PARAMETER_POOL_REFUSES, BadRanges) {
 TEST_F(PARAMETER_POOL_REFUSES, ValuesThatMemoryCanNotHold) {
   SetPool("v STR_V 0 1\n{\na\n}\nm STR_M 0 1 0 1\n{\n{\na\n}\n}\n");
   PARAMETER_POOL pool(Path());
-  const auto read_until_there_is_memory = [&]<class T>(const char* key, T value) {
-    int granted = 0;
-    for (bool is_read = false; !is_read; ++granted) {
-      const FAILING_ALLOCATION failing(granted);
-      try {
-        pool.Read(key, value);
-        is_read = true;
-      } catch (const ERROR_NO_MEMORY&) {
-      }
-    }
-    EXPECT_GT(granted, 2) << key;
-  };
-  read_until_there_is_memory("v", ARRAY<STRING>());
-  read_until_there_is_memory("m", MATRIX<STRING>());
+  ARRAY<STRING> vector;
+  MATRIX<STRING> matrix;
+  EXPECT_GT(RefusalsUntilMemorySuffices([&] { pool.Read("v", vector); }), 2);
+  EXPECT_GT(RefusalsUntilMemorySuffices([&] { pool.Read("m", matrix); }), 2);
   for (const char* alarm :
        {"v << not enough memory to create ARRAY", "m << not enough memory to create MATRIX"}) {
     EXPECT_TRUE(log_.Has(std::string("ALARM : parameter pool: parameter key >> ") + alarm));

@@ -190,6 +190,8 @@ TEST(Failure, OfAnInputRaster) {
          folder.Write("slave.ras", RasterHeader(INT_MIN, 0, 4, RASTER_COMPLEX_INT_16));
        },
        "slave has too many samples or lines: 2147483648x0" + data_error},
+      {Raster<char>("mask.ras", 71, 60, RASTER_BYTE),
+       "mask has another size than the slave: 71x60 != 72x60" + data_error},
       {Raster<char>("mask.ras", 72, 59, RASTER_BYTE),
        "mask has another size than the slave: 72x59 != 72x60" + data_error},
       {Raster<short>("mask.ras", 72, 60, RASTER_BYTE),

@@ -15,17 +15,6 @@
 
 namespace {
 
-/// A null-terminated array of pointers to the texts, as `execve` wants it.
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 std::vector<std::string> EnvironmentTexts(const PROCESS_SETTINGS& settings) {
   std::vector<std::string> texts;
   for (const auto& [name, value] : settings.environment) {
@@ -69,6 +58,16 @@ void Redirect(int descriptor, const char* path, int flags) {
 }
 
 }  // namespace
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts) {
+    pointers.push_back(text.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
 
 PROCESS::PROCESS(const PROCESS_SETTINGS& settings) : directory_(settings.directory) {
   WriteFile(directory_ / "keyboard", settings.keyboard);

@@ -144,7 +144,7 @@ TEST_F(REPORT_TEST, CommandWritesThePageWithTheShiftsOfAPolynomial) {
       "INFO     - n_samples      : 40\n"
       "INFO     - n_lines        : 30\n");
   const auto report = [&](const std::string& page) {
-    return Run(AddReportCommand, "report " + Path("") + " --page " + page);
+    return Run(AddReportCommand, "report " + Path("") + " --out " + page);
   };
   EXPECT_EQ(report(Path("page.html")), Path("page.html") + "\n");
   EXPECT_EQ(Count(ReadFile(Path("page.html")), "<img "), 2U);
