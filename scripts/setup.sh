@@ -3,7 +3,8 @@
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev
   libeigen3-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh)
+test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh
+  munge slurmctld slurmd slurm-client)
 # Without GDAL some of the tool's commands are left out: the tests need them, the demo does not.
 gdal_packages=(libgdal-dev gdal-bin)
 # The fuzzers: clang with its libFuzzer and sanitizers.
@@ -26,9 +27,17 @@ is_present() {
     libbenchmark-dev) pkg-config --exists benchmark ;;
     libclang-rt-dev) [ -e "$(clang++ -print-file-name=libclang_rt.fuzzer-x86_64.a)" ] ;;
     python3-numpy) has_numpy ;;
+    munge) has_daemon munged ;;
+    slurmctld | slurmd) has_daemon "$1" ;;
+    slurm-client) command -v sbatch ;;
     dpkg-dev) command -v dpkg-shlibdeps ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
+}
+
+# Whether a daemon is installed; the folders of daemons are not on everybody's path.
+has_daemon() {
+  PATH=$PATH:/usr/local/sbin:/usr/sbin:/sbin command -v "$1"
 }
 
 # Whether any Python on the path has numpy.

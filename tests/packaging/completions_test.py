@@ -14,7 +14,7 @@ SHARE = installed.PREFIX / "share"
 BASH = """
 source "$1"; shift
 COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1))
-_$1 "$1"; printf '%s\\n' "${COMPREPLY[@]}"
+$(complete -p "$1" | sed -E 's/.* -F ([^ ]+) .*/\\1/') "$1"; printf '%s\\n' "${COMPREPLY[@]}"
 """
 # The key ^X shows the line between << and >> and empties it.
 ZSHRC = """
@@ -38,13 +38,15 @@ class Bash(unittest.TestCase):
         self.assertEqual(bash("resample", "-SlaveIn", ""), [])  # files
 
     def test_offers_what_the_help_of_slctool_tells(self):
-        self.assertEqual(bash("slctool", ""), installed.subcommands())
-        self.assertEqual(bash("slctool", "png", ""), installed.subcommands("png"))
+        self.assertEqual(bash("slctool", ""), installed.subcommands("slctool"))
+        self.assertEqual(bash("slctool", "png", ""), installed.subcommands("slctool", "png"))
         self.assertEqual(bash("slctool", "compare", "a", "b", "--m"),
                          ["--mask", "--margin", "--min-coherence"])
         self.assertEqual(bash("slctool", "scene", "--mapping-format", ""), ["matrix", "polynomial"])
         self.assertCountEqual(bash("slctool", "scene", "--pixel-type", "c"), ["cint16", "cfloat16"])
         self.assertEqual(bash("slctool", "info", ""), [])  # files
+        self.assertEqual(bash("resample-stack", "st"), ["stop", "status"])
+        self.assertEqual(bash("resample-stack", "a.json", "--re"), ["--retries"])
 
 
 def zsh(lines):
@@ -82,7 +84,8 @@ class Zsh(unittest.TestCase):
                 "resample -lsl NO": "_MESSAGE", "resample -pcf .zsh": "rc",
                 "slctool comp": "are", "slctool png inter": "ferogram",
                 "slctool compare a b --min": "-coherence",
-                "slctool scene --mapping-format p": "olynomial", "slctool info .zsh": "rc"}
+                "slctool scene --mapping-format p": "olynomial", "slctool info .zsh": "rc",
+                "resample-stack status a --wa": "tch", "resample-stack .zsh": "rc"}
         self.assertEqual(zsh(ends), [line + end for line, end in ends.items()])
 
 

@@ -29,8 +29,8 @@ def parameters():
 
 
 def subcommands(*command):
-    """The sub-commands of slctool, or of one of its sub-commands, from its help."""
-    text = run("slctool", *command, "--help")
+    """The sub-commands of a program, or of one of its sub-commands, from its help."""
+    text = run(*command, "--help")
     return re.findall(r"^  ([a-z][a-z-]*)", text[text.index("Subcommands:"):], re.MULTILINE)
 
 

@@ -10,9 +10,6 @@
 
 namespace {
 
-/// Takes about a second; all pixels of larger outputs would take too long.
-constexpr std::int64_t most_pixels_looked_at = std::int64_t{1} << 26;
-
 std::int64_t PixelBytes(const MEM_MGR& raster) {
   return raster.Width() * raster.Height() * raster.BytesPerPixel();
 }
@@ -76,14 +73,14 @@ RUN_FIGURES RUN_CHECK::Measure() const {
                                       .slave_height = static_cast<int>(input_slave_.Height()),
                                       .n_samples = parameters_.n_samples,
                                       .n_lines = parameters_.n_lines},
-                                     most_pixels_looked_at);
-  const std::vector<NEW_FILE> outputs = Outputs(figures.coverage.Share());
+                                     most_pixels_);
+  figures.outputs = Outputs(figures.coverage.Share());
   figures.mapped_bytes = MappedInputBytes();
-  for (const NEW_FILE& output : outputs) {
+  for (const NEW_FILE& output : figures.outputs) {
     figures.mapped_bytes += output.length;
   }
   figures.own_bytes = OwnBytes();
-  figures.disks = DiskNeeds(outputs);
+  figures.disks = DiskNeeds(figures.outputs);
   return figures;
 }
 

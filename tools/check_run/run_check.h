@@ -17,6 +17,7 @@ struct RUN_FIGURES {
   std::int64_t mapped_bytes =
       0;                       ///< of inputs and outputs, read and written through the page cache
   std::int64_t own_bytes = 0;  ///< kernel and row tables
+  std::vector<NEW_FILE> outputs;
   std::vector<DISK_NEED> disks;
 };
 
@@ -24,8 +25,13 @@ struct RUN_FIGURES {
 /// it finds out what they would say.
 class RUN_CHECK : public RESAMPLE_RUN {
  public:
-  RUN_CHECK(CONTROLLER_IFC& controller, FINDINGS& findings)
-      : RESAMPLE_RUN(controller, findings), findings_(findings) {}
+  /// So many pixels take about a second.
+  static constexpr std::int64_t all_that_is_quick = std::int64_t{1} << 26;
+
+  /// The share of the output that is computed is told from at most `most_pixels` of its pixels.
+  RUN_CHECK(CONTROLLER_IFC& controller, FINDINGS& findings,
+            std::int64_t most_pixels = all_that_is_quick)
+      : RESAMPLE_RUN(controller, findings), findings_(findings), most_pixels_(most_pixels) {}
   /// Lets no pool be updated.
   ~RUN_CHECK() override;
 
@@ -48,5 +54,6 @@ class RUN_CHECK : public RESAMPLE_RUN {
   void JudgeFigures(const RUN_FIGURES& figures);
 
   FINDINGS& findings_;
+  std::int64_t most_pixels_;
   std::optional<RUN_FIGURES> figures_;
 };

@@ -1,0 +1,76 @@
+#include "description/slave_files.h"
+
+#include <sys/stat.h>
+
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace {
+
+using FILE_ID = std::pair<dev_t, ino_t>;
+
+std::optional<FILE_ID> IdOf(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    return std::nullopt;
+  }
+  return FILE_ID{status.st_dev, status.st_ino};
+}
+
+/// The inputs of all slaves, to be found by name and, through whatever links, by identity.
+class INPUTS {
+ public:
+  explicit INPUTS(const std::vector<STACK_SLAVE>& slaves) {
+    for (const STACK_SLAVE& slave : slaves) {
+      Add(ValuesOf(slave.parameters, pool_parameters));
+      Add(ValuesOf(slave.parameters, raster_parameters));
+    }
+  }
+
+  bool Has(const std::string& path) const {
+    const auto id = IdOf(path);
+    return paths_.contains(path) || (id && ids_.contains(*id));
+  }
+
+ private:
+  void Add(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+      if (paths_.insert(path).second) {
+        if (const auto id = IdOf(path)) {
+          ids_.insert(*id);
+        }
+      }
+    }
+  }
+
+  std::set<std::string> paths_;
+  std::set<FILE_ID> ids_;
+};
+
+}  // namespace
+
+std::filesystem::path PartialOutput(const std::filesystem::path& output) {
+  return output.string() + ".partial";
+}
+
+std::vector<std::string> ClashingOutputs(const std::vector<STACK_SLAVE>& slaves) {
+  const INPUTS inputs(slaves);
+  std::map<std::string, std::string> owners;  // of the outputs' paths
+  std::vector<std::string> clashes;
+  for (const STACK_SLAVE& slave : slaves) {
+    for (const std::string& output : ValuesOf(slave.parameters, output_parameters)) {
+      for (const std::string& path : {output, PartialOutput(output).string()}) {
+        const auto [owner, is_new] = owners.emplace(path, slave.name);
+        if (!is_new) {
+          clashes.push_back(slave.name + ": " + path + " is an output of " + owner->second +
+                            " too");
+        } else if (inputs.Has(path)) {
+          clashes.push_back(slave.name + ": output " + path + " is an input of the stack");
+        }
+      }
+    }
+  }
+  return clashes;
+}

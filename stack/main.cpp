@@ -1,0 +1,57 @@
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+#include "app/parameter_guide.h"
+#include "app/program_version.h"
+#include "base/error_exception.h"
+#include "commands/commands.h"
+#include "logging/logging.h"
+
+namespace {
+
+/// Nothing was started.
+constexpr int refused = 2;
+
+/// Only what goes wrong is told.
+const LOGGING_USER stack_log("", "resample-stack", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL_T::ALARM);
+
+/// A description gives all parameters of its runs: none may come from the environment by chance.
+void ForgetParametersInEnvironment() {
+  for (const PARAMETER_GUIDE& guide : ParameterGuides()) {
+    ::unsetenv(std::string(guide.name).c_str());
+  }
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app{"Resamples the slaves of a stack, each by a run of resample."};
+  app.set_version_flag("--version", ProgramVersion().version);
+  AddStart(app);
+  AddStopCommand(app);
+  AddStatusCommand(app);
+  AddRunCommand(app);
+  app.allow_extras();
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::RuntimeError& error) {
+    return error.get_exit_code();
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == EXIT_SUCCESS ? EXIT_SUCCESS : refused;
+  }
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    ForgetParametersInEnvironment();
+    return Run(argc, argv);
+  } catch (const ERROR_EXCEPTION& error) {
+    std::cerr << "resample-stack: " << error.what() << "\n";
+  } catch (const std::exception& error) {
+    std::cerr << "resample-stack: " << error.what() << "\n";
+  }
+  return refused;
+}

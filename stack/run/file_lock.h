@@ -1,0 +1,25 @@
+#pragma once
+
+#include <filesystem>
+
+/// An exclusive lock on a file, which is created for it. Whoever dies lets it go.
+class FILE_LOCK {
+ public:
+  enum class WAY { TRY, WAIT };
+
+  /// Throws std::system_error when the file cannot be created.
+  FILE_LOCK(const std::filesystem::path& file, WAY way);
+  ~FILE_LOCK();
+  FILE_LOCK(const FILE_LOCK&) = delete;
+  FILE_LOCK& operator=(const FILE_LOCK&) = delete;
+
+  /// Always, when it was waited for; file systems without locks count as well.
+  bool IsHeld() const noexcept { return is_held_; }
+
+ private:
+  int descriptor_ = -1;
+  bool is_held_ = false;
+};
+
+/// Whether somebody holds the lock. Takes it at no time, and creates nothing.
+bool IsLocked(const std::filesystem::path& file);

@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "stack/stack_test.h"
+#include "support/wait_until.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A stack on this machine, two runs at a time.
+class LocalStack : public STACK_TEST {
+ protected:
+  std::unique_ptr<COMMAND> StartHere(std::vector<std::string> options = {}) const {
+    options.insert(options.end(), {"--local", "2"});
+    return Start(options);
+  }
+
+  std::string ReasonOf(const std::string& name) const { return Slave(name).value("reason", ""); }
+};
+
+TEST_F(LocalStack, ComesToItsEndThroughFaultsAndResumptions) {
+  MakeStack(8, {"s01", "s05"});
+  const std::string image = ReadFile(Path("s03.ras"));
+  fs::remove(Path("s04_mask.ras"));
+
+  const auto start = StartHere();
+  ASSERT_TRUE(AwaitBegun({"s01", "s02"}));
+  EXPECT_EQ(InState("failed"), NAMES{"s04"});
+  EXPECT_EQ(StartHere()->Wait(), 2) << "two starters";
+  fs::resize_file(Path("s03.ras"), image.size() - 1);
+  Open(Slaves(1, 2));
+
+  // A run dies and is repeated, its runner dies with it and is started again.
+  ::kill(Hold("s01").process, SIGKILL);
+  ASSERT_TRUE(AwaitBegun({"s01"}, 2));
+  const HELD_RUN held = Hold("s01");
+  ::kill(held.starter, SIGKILL);
+  ::kill(held.process, SIGCONT);
+  ASSERT_TRUE(AwaitBegun({"s01"}, 3));
+  Open(Slaves(3, 4));
+  ASSERT_TRUE(AwaitBegun({"s05", "s06"}));
+
+  // What runs when the stop comes goes on.
+  COMMAND stop(*this, {"stop", Path("stack.json")});
+  EXPECT_EQ(stop.Wait(), 0) << stop.end.errors;
+  Open("all");
+  EXPECT_EQ(start->Wait(), 1) << start->end.screen << start->end.errors;
+  EXPECT_EQ(InState("succeeded"), (NAMES{"s01", "s02", "s05", "s06"}));
+  EXPECT_EQ(InState("stopped"), (NAMES{"s07", "s08"}));
+  EXPECT_EQ(InState("failed"), (NAMES{"s03", "s04"}));
+  EXPECT_EQ(ReasonOf("s03"),
+            "MEM_MGR: file is shorter than its header declares: " + Path("s03.ras").string());
+  EXPECT_EQ(ReasonOf("s04"), "MEM_MGR: can not open: " + Path("s04_mask.ras").string());
+  EXPECT_EQ(Slave("s01").at("attempts").size(), 3U);
+  ExpectOutputs({"s01", "s02", "s05", "s06"});
+
+  // The next start mends what it can.
+  auto begun = AllBegun();
+  WriteFile(Path("s03.ras"), image);
+  EXPECT_EQ(StartHere()->Wait(), 1);
+  for (const char* name : {"s03", "s07", "s08"}) {
+    ++begun[name];
+  }
+  EXPECT_EQ(AllBegun(), begun);
+  ExpectOutputs(Without(names, {"s04"}));
+}
+
+TEST_F(LocalStack, RunsAgainWhatHasChangedAndNothingElse) {
+  MakeStack(5, {});
+  Open("all");
+  ASSERT_EQ(StartHere()->Wait(), 0);
+  auto begun = AllBegun();
+  const auto expect_again = [&](const NAMES& again, const char* what) {
+    EXPECT_EQ(StartHere()->Wait(), 0) << what;
+    for (const std::string& name : again) {
+      ++begun[name];
+    }
+    EXPECT_EQ(AllBegun(), begun) << what;
+  };
+  expect_again({}, "nothing");
+
+  fs::last_write_time(Path("s01.ras"), fs::file_time_type::clock::now());
+  fs::remove(Path("out/s02.ras"));
+  fs::remove(Path("stack.stack/status/OK.s03"));
+  WriteFile(Path("s04.pool"), ReadFile(Path("s04.pool")) + "\n# a comment\n");
+  ChangeParameter("s05", "KERNEL_LENGTH", 6);
+  expect_again({"s01", "s02", "s03", "s05"}, "image, output, OK file, parameter; not a comment");
+
+  WriteFile(Path("s04.pool"), ReadFile(Path("s04.pool")) + "further INT_32 1\n");
+  // A run that succeeded and was killed before its outputs had their names is not repeated.
+  fs::rename(Path("out/s01.ras"), Path("out/s01.ras.partial"));
+  expect_again({"s04"}, "pool entry; not outputs without their names");
+  WriteFile(Path("insar.pool"), ReadFile(Path("insar.pool")) + "further INT_32 1\n");
+  expect_again(names, "common pool");
+  ExpectOutputs(names);
+}
+
+TEST_F(LocalStack, EndsItsRunsWithItself) {
+  MakeStack(3, {"s01", "s02"});
+  for (const int signal : {SIGTERM, SIGKILL}) {
+    const auto start = StartHere();
+    Open("s01");
+    ASSERT_TRUE(AwaitBegun({"s01", "s02"}, signal == SIGTERM ? 1 : 2));
+    Hold("s01");
+    start->Signal(signal);
+    EXPECT_EQ(start->Wait(), signal == SIGTERM ? 1 : -1);
+    ASSERT_TRUE(WaitUntil([this] { return InState("cancelled") == NAMES{"s01", "s02"}; }));
+    EXPECT_EQ(InState("waiting"), NAMES{"s03"});
+    ExpectOutputs({});
+  }
+  Open("all");
+  EXPECT_EQ(StartHere()->Wait(), 0);
+  ExpectOutputs(names);
+}
+
+TEST_F(LocalStack, RepeatsNoMoreThanItMay) {
+  MakeStack(2, {"s01"});
+  Open("all");
+  const auto start = StartHere({"--retries", "1"});
+  for (std::size_t attempt = 1; attempt <= 2; ++attempt) {
+    ASSERT_TRUE(AwaitBegun({"s01"}, attempt));
+    ::kill(Hold("s01").process, SIGKILL);
+  }
+  EXPECT_EQ(start->Wait(), 1);
+  EXPECT_EQ(InState("died"), NAMES{"s01"});
+  EXPECT_EQ(ReasonOf("s01"), "died of signal 9: Killed");
+  ExpectOutputs({"s02"});
+}
+
+}  // namespace
