@@ -57,10 +57,8 @@ std::string LocalTime(std::time_t time) {
 }
 
 std::string HostName() {
-  std::array<char, 256> name{};
-  if (::gethostname(name.data(), name.size() - 1) != 0) {
-    return "unknown";
-  }
+  std::array<char, 256> name{};  // longer than any
+  ::gethostname(name.data(), name.size() - 1);
   return name.data();
 }
 

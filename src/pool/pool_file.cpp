@@ -63,10 +63,8 @@ bool POOL_FILE::Truncate() noexcept {
 bool POOL_FILE::Write(std::string_view text) noexcept {
   off_t offset = 0;
   while (!text.empty()) {
+    errno = ENOSPC;  // should nothing be written without a reason
     const ssize_t length = ::pwrite(descriptor_, text.data(), text.size(), offset);
-    if (length == 0) {
-      errno = ENOSPC;
-    }
     if (length == 0 || (length < 0 && errno != EINTR)) {
       return false;
     }

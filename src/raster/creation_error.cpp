@@ -31,20 +31,13 @@ int ErrorOfNewFile(const std::filesystem::path& path) {
 
 }  // namespace
 
-int CreationError(const char* path) noexcept {
-  try {
-    // Without O_NONBLOCK a FIFO would be waited for.
-    const FILE_DESCRIPTOR file(path, O_RDWR | O_NONBLOCK);
-    if (!file.IsOpen()) {
-      const int error = errno;
-      return error == ENOENT ? ErrorOfNewFile(BehindLinks(path)) : error;
-    }
-    struct stat status {};
-    if (::fstat(file.Get(), &status) != 0) {
-      return errno;
-    }
-    return S_ISREG(status.st_mode) ? 0 : EINVAL;
-  } catch (...) {
-    return ENOMEM;
+int CreationError(const char* path) {
+  // Without O_NONBLOCK a FIFO would be waited for.
+  const FILE_DESCRIPTOR file(path, O_RDWR | O_NONBLOCK);
+  if (!file.IsOpen()) {
+    const int error = errno;
+    return error == ENOENT ? ErrorOfNewFile(BehindLinks(path)) : error;
   }
+  struct stat status {};
+  return ::fstat(file.Get(), &status) == 0 && S_ISREG(status.st_mode) ? 0 : EINVAL;
 }

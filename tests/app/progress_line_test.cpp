@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "app/parameter_guide.h"
+
 namespace {
 
 using std::chrono::duration;
@@ -13,6 +15,12 @@ TEST(ProgressText, TellsShareSpeedAndTimeLeftOnceSomePixelsAreDone) {
   EXPECT_EQ(ProgressText(999'999, 1'000'000, duration<double>(0.01)),
             " 99 %  100.0 Mpixel/s  0:00:01 left");
   EXPECT_EQ(ProgressText(1, 4'000'000'000'000, duration<double>(1.0)).substr(0, 5), "  0 %");
+}
+
+TEST(ParameterHint, IsEmptyForAParameterThatHasNone) {
+  EXPECT_EQ(ParameterHint("PS_MODE"),
+            "PS_MODE: 1 switches the Doppler rate term off\nvalue: 0, 1\n");
+  EXPECT_EQ(ParameterHint("unknown"), "");
 }
 
 }  // namespace

@@ -5,8 +5,10 @@
 #include <atomic>
 #include <string>
 
+#include "app/resample_thread.h"
 #include "base/error_exception.h"
 #include "core/thread_argument.h"
+#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 
 namespace {
@@ -73,6 +75,29 @@ TEST(ThreadsTest, WorkersErrorIsATextAtTheJoinAndQuietWhileAnotherIsInFlight) {
   EXPECT_THROW(fail(false), const char*);
   EXPECT_THROW(fail(true), ERROR_IMAGE);
   EXPECT_EQ(log.Lines(), (std::vector<std::string>{"ALARM : data error", "ALARM : data error"}));
+}
+
+TEST(SplitRangeTest, RefusesWhatCanNotBeSplitOrHeld) {
+  const LOG_CAPTURE log;
+  ARRAY<URANGE<unsigned>> blocks;
+  EXPECT_THROW(SplitRange({0, 0}, 3, blocks), ERROR_ARGUMENT);
+  EXPECT_THROW(SplitRange({0, 5}, 0, blocks), ERROR_ARGUMENT);
+  EXPECT_EQ(log.Lines().back(), "ALARM : can not split 5 lines into 0 blocks");
+  const FAILING_ALLOCATION failing;
+  EXPECT_THROW(SplitRange({0, 5}, 3, blocks), const char*);
+  EXPECT_EQ(log.Lines().back(), "ALARM : can not change array size: out of memory");
+}
+
+TEST(ResampleThreadTest, RefusesAnOutputOfAnotherTypeThanTheInput) {
+  const LOG_CAPTURE log;
+  MEM_MGR input;
+  MEM_MGR output;
+  input.CreateInMemory(0, 0, 1, 1, PIXEL_TYPE::C_INT_16);
+  output.CreateInMemory(0, 0, 1, 1, PIXEL_TYPE::C_FLT_2);
+  RESAMPLE_THR_ARG argument;
+  argument.Set({.input_slave = &input, .output_slave = &output});
+  EXPECT_THROW(ResampleThread(argument), ERROR_DATA);
+  EXPECT_TRUE(log.Has("ALARM : ERROR : Both input images must have the same type."));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "base/matrix.h"
 #include "base/string.h"
 #include "base/sub_array.h"
-#include "failing_allocation.h"
+#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 
 namespace {
@@ -152,6 +152,9 @@ TEST(SUB_ARRAY, ViewsAPartOfItsSourceAndOwnsNothing) {
   EXPECT_THROW(view.Create({0, 1}), ERROR_NOT_IMPLEMENTED);
   EXPECT_THROW(view.CreateRaw({0, 1}), ERROR_NOT_IMPLEMENTED);
   EXPECT_THROW(view.Resize({0, 1}), ERROR_NOT_IMPLEMENTED);
+  view.Free();
+  EXPECT_EQ(view.Origin(), nullptr);
+  EXPECT_EQ(source.Size(), 10);
 }
 
 TEST(MATRIX, RowTableAddressesOneRowMajorBlock) {

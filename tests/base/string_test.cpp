@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error_exception.h"
-#include "failing_allocation.h"
+#include "support/failing_allocation.h"
 
 namespace {
 

@@ -46,20 +46,9 @@ TEST_F(CONTROLLER, ArgumentScanTakesTheLastOccurrenceAndNeverTheLastWord) {
   EXPECT_EQ(LookUpAll({"-A"}, {"A", ""}), "-\n-\n");
 }
 
-TEST_F(CONTROLLER, ConfigurationFileIsReadLineByLine) {
-  const std::string long_value(1000, 'v');
-  WriteFile(Path("pcf.tool"), "  A\t one  two\r\nEMPTY\nB six\n\n \nC\r\nLONG " + long_value +
-                                  "\n" + std::string(1024, 'x') + "PIECE found\nLAST end");
-  EXPECT_EQ(LookUpAll({"tool"}, {"A", "EMPTY", "B", "C", "LONG", "PIECE", "LAST", "six", ""}),
-            "one\n\nsix\n\n" + long_value + "\nfound\nend\n-\n-\n");
+TEST_F(CONTROLLER, ConfigurationFileMayBeAFolderWithoutParameters) {
   std::filesystem::create_directory(Path("folder"));
   EXPECT_EQ(LookUpAll({"tool", "-pcf", "folder"}, {"A"}), "-\n");
-}
-
-TEST_F(CONTROLLER, ConfigurationFileIsReadOnFromTheLastPosition) {
-  WriteFile(Path("pcf.tool"), "A 1\nB 2\nA 3\nC 4\n");
-  EXPECT_EQ(LookUpAll({"tool"}, {"A", "B", "A", "C", "A", "missing", "B"}),
-            "1\n2\n3\n4\n1\n-\n2\n");
 }
 
 TEST_F(CONTROLLER, LogFileNameComesFromParameterThenLogThenRun) {
@@ -74,20 +63,6 @@ TEST_F(CONTROLLER, LogFileNameComesFromParameterThenLogThenRun) {
   EXPECT_EQ(log_name({"tool"}), "early");
   EXPECT_EQ(log_name({"tool", "-pid", "run7"}), "log.run7");
   EXPECT_EQ(log_name({"tool", "-pid", "run7", "-lfn", "mine"}), "mine");
-}
-
-TEST_F(CONTROLLER, FilesThatCanNotBeWrittenAreReportedAndTheRunGoesOn) {
-  std::filesystem::create_directory(Path("parent_process.pid"));
-  const PROCESS_END end =
-      RunController({"tool", "-status", "nowhere"},
-                    [](CONTROLLER_IFC& controller) { controller.FinishFailureExit(); });
-  EXPECT_EQ(end.exit_status, 1);
-  const std::string error_file = "WARN  : resample : Can not create file nowhere/ERROR.tool!\n";
-  EXPECT_TRUE(Content("log.tool")
-                  .ends_with(error_file +
-                             "WARN  : resample : Error opening file parent_process.pid\n" +
-                             error_file))
-      << Content("log.tool");
 }
 
 TEST_F(CONTROLLER, NameBeforeInitIsUnknown) {

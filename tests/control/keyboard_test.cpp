@@ -15,6 +15,7 @@ TEST_F(KEYBOARD, TakesOneWordPerQuestionAndLeavesTheRest) {
   Run(
       [] {
         std::string answers;
+        ::setenv("SECONDS_ON_PARAMETER_INPUT", "7", 1);
         for (const char* name : {"FIRST", "SECOND", "THIRD"}) {
           answers += AskAtKeyboard(name, "") + "|";
         }

@@ -40,11 +40,7 @@ class PROCESS_TEST : public testing::Test {
   static BODY WithController(std::vector<std::string> arguments, CONTROLLER_BODY body,
                              int supervisor_flag = 1) {
     return [=]() mutable {
-      std::vector<char*> pointers;
-      for (std::string& argument : arguments) {
-        pointers.push_back(argument.data());
-      }
-      pointers.push_back(nullptr);
+      std::vector<char*> pointers = Pointers(arguments);
       CONTROLLER_IFC controller;
       controller.init(static_cast<int>(arguments.size()), pointers.data(), supervisor_flag);
       body(controller);

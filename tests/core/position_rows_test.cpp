@@ -5,7 +5,6 @@
 #include <cmath>
 #include <random>
 
-#include "core_job.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
 #include "support/log_capture.h"
@@ -13,6 +12,15 @@
 #include "supported_levels.h"
 
 namespace {
+
+/// None of the program's own.
+class OTHER_MAPPING : public MAPPING_BASE {
+ public:
+  double GetSlaveRange(double range, double azimuth) const override { return range * azimuth; }
+  double GetSlaveAzimuth(double range, double azimuth) const override { return range - azimuth; }
+  unsigned GetMaxRange() const override { return 0; }
+  unsigned GetMaxAzimuth() const override { return 0; }
+};
 
 class PositionRowsTest : public testing::Test {
  protected:
@@ -39,7 +47,7 @@ class PositionRowsTest : public testing::Test {
     POOL_TEXT text;
     text.SetReals("respl_poly_rg", {3.3, 1e-3, -2e-3, 1e-6, 3e-7, -1.1e-6});
     text.SetReals("respl_poly_az", {-1.7, 2.1e-3, 1e-3, -1e-6, 3e-7, 1.3e-6});
-    text.SetInteger("n_samples", 10);
+    text.SetInteger("n_samples", 11);
     text.SetInteger("n_lines", 10);
     WriteFile(directory_.Path() / "insar.pool", text.Text());
     return std::make_unique<MAPPING_POLYNOMIAL>(directory_.File("insar.pool").c_str());
@@ -95,13 +103,15 @@ TEST_F(PositionRowsTest, MatricesGiveTheMappingsOwnPositions) {
 }
 
 TEST_F(PositionRowsTest, PolynomialsGiveTheMappingsOwnPositions) {
-  CheckAgainst(*Polynomial(), 150, 40);
+  const std::unique_ptr<MAPPING_BASE> mapping = Polynomial();
+  CheckAgainst(*mapping, 150, 40);
+  EXPECT_EQ(mapping->GetMaxRange(), 10U);
+  EXPECT_EQ(mapping->GetMaxAzimuth(), 9U);
 }
 
 TEST_F(PositionRowsTest, OtherMappingsAreAsked) {
-  const auto range = [](double x, double y) { return x * y; };
-  const auto azimuth = [](double x, double y) { return x - y; };
-  CheckAgainst(TABLE_MAPPING(100, 20, range, azimuth), 100, 20);
+  CheckAgainst(OTHER_MAPPING(), 100, 20);
+  EXPECT_THROW(CheckAgainst(MAPPING_MATRIX(), 10, 10), ERROR_UNHANDLED_CASE) << "not set up";
 }
 
 }  // namespace

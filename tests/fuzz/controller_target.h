@@ -12,6 +12,7 @@
 
 #include "control/controller_ifc.h"
 #include "fuzz/fuzz_target.h"
+#include "support/process.h"
 #include "support/temporary_directory.h"
 
 // What the targets with a controller share.
@@ -28,17 +29,13 @@ inline void GoToOwnDirectory() {
 /// Words as an argument list, which must stay where it is while a controller uses it.
 class ARGUMENTS {
  public:
-  explicit ARGUMENTS(std::vector<std::string> words) : words_(std::move(words)) {
-    for (std::string& word : words_) {
-      pointers_.push_back(word.data());
-    }
-    pointers_.push_back(nullptr);
-  }
+  explicit ARGUMENTS(std::vector<std::string> words)
+      : words_(std::move(words)), pointers_(Pointers(words_)) {}
   ARGUMENTS(const ARGUMENTS&) = delete;
   ARGUMENTS& operator=(const ARGUMENTS&) = delete;
 
   int Count() const { return static_cast<int>(words_.size()); }
-  char** Pointers() { return pointers_.data(); }
+  char** Values() { return pointers_.data(); }
 
  private:
   std::vector<std::string> words_;
@@ -71,5 +68,5 @@ class KEPT_SIGNALS {
 
 inline void Start(CONTROLLER_IFC& controller, ARGUMENTS& arguments) {
   const KEPT_SIGNALS kept;
-  controller.init(arguments.Count(), arguments.Pointers(), 0);
+  controller.init(arguments.Count(), arguments.Values(), 0);
 }

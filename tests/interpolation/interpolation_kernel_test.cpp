@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/error_exception.h"
+#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 
 namespace {
@@ -30,19 +31,6 @@ class InterpolationKernelTest : public testing::Test {
   LOG_CAPTURE log_;
   INTERPOLATION_KERNEL kernel_;
 };
-
-TEST_F(InterpolationKernelTest, RowsWithoutFractionTakeTheirOwnSampleOnly) {
-  for (const int id : {cubic, sinc, kaiser}) {
-    Init(id, 6, 2, 2.5F);
-    EXPECT_EQ(kernel_.SubpixCount(), 2);
-    EXPECT_EQ(kernel_.Coefficient(), id == kaiser ? 2.5F : 0.0F);
-    for (int tap = 0; tap < 6; ++tap) {
-      EXPECT_NEAR(kernel_.Row(0)[tap], tap == 2 ? 1.0 : 0.0, 1e-15) << id << ", " << tap;
-      EXPECT_NEAR(kernel_.Row(1)[tap], kernel_.Row(1)[5 - tap], 1e-15) << id << ", " << tap;
-    }
-  }
-  EXPECT_EQ(log_.Text(), "") << "the tap at the very edge of the window is inside";
-}
 
 TEST_F(InterpolationKernelTest, WrongParametersAreResetWithAWarning) {
   Init(cubic, 8, 4);
@@ -69,32 +57,14 @@ TEST_F(InterpolationKernelTest, WrongParametersAreResetWithAWarning) {
   EXPECT_EQ(log_.Lines(), expected);
 }
 
-TEST_F(InterpolationKernelTest, TypesWithoutKernelHaveRowsOfZeros) {
-  for (const int id : {0, 4}) {
-    Init(id, 5, 3, -1.0F);
-    EXPECT_EQ(Weights(2), std::vector<double>(5));
-    EXPECT_EQ(kernel_.Coefficient(), -1.0F) << "nothing is corrected";
-  }
-  Init(0, -2, 3);
-  EXPECT_EQ(kernel_.Length(), -2) << "a kernel without taps is legal";
-}
-
 TEST_F(InterpolationKernelTest, TablesWithoutRowsOrBeyondAllMemoryAreRefused) {
   EXPECT_THROW(Init(sinc, 6, 0), ERROR_ARGUMENT);
   constexpr int most = std::numeric_limits<int>::max();
   EXPECT_THROW(Init(sinc, most, most), ERROR_NO_MEMORY);
   EXPECT_EQ(log_.Lines().back(),
             "ALARM : INTERPOLATION_KERNEL: no memory for 2147483647 rows of 2147483647 weights");
-}
-
-TEST(KernelTypeTest, IsFoundByItsDescription) {
-  for (const auto& [text, id] : {std::pair{"CUBIC convolution", cubic},
-                                 {"truncated sinc.", sinc},
-                                 {"Truncated Sinc with Kaiser weight", kaiser}}) {
-    KernelType type;
-    type.Assign(text);
-    EXPECT_EQ(type.Id(), id) << text;
-  }
+  EXPECT_GT(RefusalsUntilMemorySuffices([&] { Init(sinc, 6, 3); }), 3);
+  EXPECT_TRUE(log_.Has("ALARM : INTERPOLATION_KERNEL: no memory for 3 rows of 6 weights"));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 #include "support_points.h"
 
@@ -44,6 +45,8 @@ TEST(PolynomTest, TheSecondDerivativeOfFivePointsKeepsItsOwnFormula) {
   // of the order multiplies out to 12 x^2 + 12 x - 8 in place of 12 x^2.
   const SUPPORT_POINTS points({0.0, 1.0, 2.0, 3.0, 4.0}, [](double x) { return x * x * x * x; });
   POLYNOM<double> polynom;
+  polynom.SetOption(1);  // has no effect, nor has the next one
+  polynom.SetSupportPointCount(2);
   polynom.InitSupport(points.Array());
   const double* c = polynom.GetCoeffs(99.0);
   EXPECT_EQ(std::vector<double>(c, c + 5), (std::vector<double>{0.0, 1.0, 7.0, 6.0, 1.0}));
@@ -51,7 +54,7 @@ TEST(PolynomTest, TheSecondDerivativeOfFivePointsKeepsItsOwnFormula) {
   EXPECT_EQ(polynom.GetDerived2Y(-1.5), 1.0);
 }
 
-TEST(PolynomTest, NothingIsEvaluatedWithoutPoints) {
+TEST(PolynomTest, NothingIsEvaluatedWithoutPointsOrMemory) {
   const LOG_CAPTURE log;
   POLYNOM<double> polynom;
   EXPECT_THROW(polynom.GetY(0.0), ERROR_ALGORITHM);
@@ -59,6 +62,9 @@ TEST(PolynomTest, NothingIsEvaluatedWithoutPoints) {
   ARRAY<POINT<double>> none;
   EXPECT_THROW(polynom.Init(none), ERROR_ALGORITHM);
   EXPECT_EQ(log.Lines().back(), "ALARM : POLYNOM: no support points");
+  const SUPPORT_POINTS points({0.0, 1.0}, [](double x) { return x; });
+  const FAILING_ALLOCATION failing;
+  EXPECT_THROW(polynom.Init(points.Array()), const char*);
 }
 
 }  // namespace

@@ -54,8 +54,8 @@ TEST(PRINTABLE_TEXT, SpellsOutControlCharactersAndNothingElse) {
     std::string_view text;
     std::string_view printable;
   } cases[] = {{"", ""},
-               {"a\tb ~\\ \xc3\x9b \xe2\x82\xac \xf0\x9f\x98\x80",
-                "a\tb ~\\ \xc3\x9b \xe2\x82\xac \xf0\x9f\x98\x80"},
+               {"a\tb ~\\ \xc3\x9b \xe2\x82\xac \xf0\x9f\x98\x80\xf1\x80\x80\x9b",
+                "a\tb ~\\ \xc3\x9b \xe2\x82\xac \xf0\x9f\x98\x80\xf1\x80\x80\x9b"},
                {{"\0\033[2J\n\x7f", 7}, "\\x00\\x1b[2J\\x0a\\x7f"},
                {"\xc2\x9b\xc2\xa0", "\\xc2\\x9b\xc2\xa0"},  // U+009B is a control character
                {"\xe4\x9b", "\xe4\\x9b"},                   // no complete UTF-8: 8-bit characters

@@ -46,11 +46,12 @@ TEST_F(LOG, BothStylesWriteOneLineOfTagPrefixAndText) {
   log_ << TRACE << 1.5F << ' ' << 0.1 << ' ' << -1e9 << ' ' << 1e-7L << ' ' << 2.5e30L;
   log_ << INFO;
   log_ << NO_LEVEL << "below every threshold";
+  log_.Message(INFO, "%lc", wint_t{0x20AC});  // has no bytes in this locale
   EXPECT_EQ(Text(), "INFO  : resample : lines 7 to the end\nINFO  : resample : " + long_text +
                         "\nWARN  : resample : text string c -3 4 -5\n"
                         "DEBUG : resample : -9223372036854775808 18446744073709551615\n"
                         "TRACE : resample : 1.500000 0.100000 -1000000000.000000 1E-07 2.5E+30\n"
-                        "INFO  : resample : \n");
+                        "INFO  : resample : \nINFO  : resample : %lc\n");
   LOGGING log_without_name("", "", NO_MESSAGE, TRACE);
   log_without_name.Open(path_);
   log_without_name.Message(PARAMETER, "text");
@@ -79,6 +80,12 @@ TEST_F(LOG, EachThresholdLetsItsLevelAndAbovePass) {
     EXPECT_EQ(shown, expected_screen) << "screen level " << screen;
     EXPECT_EQ(Text(), expected_file) << "file level " << file;
   }
+}
+
+TEST_F(LOG, StatusIsShownOnTerminalsOnly) {
+  testing::internal::CaptureStderr();
+  LOGGING("", "", NO_MESSAGE, TRACE).ShowStatus("50 %");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(LOG, NothingCanBeLoggedAtNoMessage) {

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <random>
 
 #include "base/error_exception.h"
 #include "support/grid.h"
@@ -15,26 +14,6 @@
 namespace {
 
 using SHIFTS = GRID<float>;
-
-SHIFTS RandomShifts(int width, int height, unsigned seed) {
-  SHIFTS shifts(width, height);
-  std::mt19937 random(seed);
-  std::uniform_real_distribution<float> shift(-30.0F, 30.0F);
-  for (float& value : shifts.values) {
-    value = shift(random);
-  }
-  return shifts;
-}
-
-/// The bilinear shift at a position in grid units, straight from its formula.
-double BilinearShift(const SHIFTS& shifts, double u, double v) {
-  const int i = static_cast<int>(u);
-  const int j = static_cast<int>(v);
-  const double a = u - i;
-  const double b = v - j;
-  return (1.0 - b) * (shifts.At(i + 1, j) * a + shifts.At(i, j) * (1.0 - a)) +
-         (shifts.At(i + 1, j + 1) * a + shifts.At(i, j + 1) * (1.0 - a)) * b;
-}
 
 class MappingMatrixTest : public testing::Test {
  protected:
@@ -55,24 +34,6 @@ class MappingMatrixTest : public testing::Test {
   LOG_CAPTURE log_;
   MAPPING_MATRIX mapping_;
 };
-
-TEST_F(MappingMatrixTest, PositionsAreExactToTheLastBit) {
-  const SHIFTS range = RandomShifts(9, 6, 1);
-  const SHIFTS azimuth = RandomShifts(9, 6, 2);
-  WriteShifts(range_file_, range);
-  WriteShifts(azimuth_file_, azimuth);
-  for (const auto& [rg_subsampling, az_subsampling] : {std::pair{32, 32}, {7, 13}, {1, 3}}) {
-    Open(rg_subsampling, az_subsampling);
-    for (int pixel = 0; pixel < 40 * rg_subsampling * az_subsampling; ++pixel) {
-      const int x = pixel % (8 * rg_subsampling);
-      const int y = pixel / (8 * rg_subsampling);
-      const double u = x / static_cast<double>(rg_subsampling);
-      const double v = y / static_cast<double>(az_subsampling);
-      ASSERT_EQ(mapping_.GetSlaveRange(x, y), x + BilinearShift(range, u, v)) << x << ' ' << y;
-      ASSERT_EQ(mapping_.GetSlaveAzimuth(x, y), y + BilinearShift(azimuth, u, v)) << x << ' ' << y;
-    }
-  }
-}
 
 TEST_F(MappingMatrixTest, PositionsOutsideTheGridComeBackUnshifted) {
   WriteShifts(range_file_, SHIFTS(5, 4, 2.5F));

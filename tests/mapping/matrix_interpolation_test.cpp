@@ -112,6 +112,7 @@ TEST_F(MatrixInterpolationTest, OtherDegreesAreRefused) {
   Init(GRID<float>(9, 9, 1.0F), 3);
   EXPECT_THROW(At(4.0, 4.0), ERROR_UNHANDLED_CASE);
   EXPECT_TRUE(log_.Has("ALARM : interpolation degree 3 not handled"));
+  EXPECT_THROW(interpolation_.BASE_MATRIX_INTERPOLATION::GetValue(4.0, 4.0), ERROR_NOT_IMPLEMENTED);
 }
 
 }  // namespace

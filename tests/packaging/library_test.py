@@ -7,7 +7,7 @@ import installed
 class Library(installed.SceneTest):
     def test_resamples_in_another_program_as_resample_does(self):
         build = self.folder / "build"
-        flags = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
+        flags = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror " + os.environ["FLAGS"]
         if os.environ["SANITIZE"]:
             flags += " -fsanitize=" + os.environ["SANITIZE"]
         source = installed.PREFIX / "share/doc/resample/examples/cpp"

@@ -1,4 +1,5 @@
 import sys
+import tempfile
 import unittest
 
 import numpy as np
@@ -46,12 +47,31 @@ class Rasters(installed.SceneTest):
             self.assertEqual(read.dtype, dtype)
             self.assertEqual(read.tolist(), pixels.tolist())
 
+    def test_of_a_scene_agree_once_they_are_resampled(self):
+        for options in ("--oversampling 1.2 --doppler-range 400",
+                        "--imaging-mode TOPS --doppler-azimuth 900 --mapping-format polynomial"):
+            with tempfile.TemporaryDirectory() as scene:
+                installed.run("slctool", "scene", scene, "--samples", "150", "--lines", "120",
+                              *options.split())
+                installed.run("resample", cwd=scene)
+                figures = self.slctool("compare", f"{scene}/resampled.ras", f"{scene}/master.ras",
+                                       "--mask", f"{scene}/resampled_mask.ras", separator="=")
+            self.assertGreater(float(figures["coherence"]), 0.999, options)
+            self.assertLess(abs(float(figures["phase_mean"])), 0.01, options)
+
     def test_clip_what_a_type_can_not_hold(self):
         values = np.array([[4e4 - 4e4j, 1e-5 + 1e9j, np.nan]], "c16")
         read = lambda dtype: rasters.to_complex(rasters.from_complex(values, dtype)).tolist()[0]
         self.assertEqual(read(rasters.C_INT_16)[:2], [32767 - 32768j, 32767j])
         self.assertEqual(read(rasters.C_INT_16)[2], 0)
         self.assertEqual(read(rasters.C_FLT_2)[:2], [40000 - 40000j, 65504j])
+
+
+class Failures(installed.SceneTest):
+    def test_are_told_by_slctool(self):
+        for command in (("info", "missing.ras"), ("pool", "get", "missing.pool", "key")):
+            with self.assertRaisesRegex(AssertionError, "status 1\n(.*\n)?slctool: "):
+                installed.run("slctool", *command, cwd=self.folder)
 
 
 class Pools(installed.SceneTest):

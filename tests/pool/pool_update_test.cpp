@@ -75,6 +75,7 @@ int __real_fsync(int descriptor);
 int __real_ftruncate(int descriptor, off_t length);
 int __real_close(int descriptor);
 int __real_unlink(const char* name);
+int __real_faccessat(int directory, const char* name, int mode, int flags);
 
 int __wrap_mkostemp(char* name, int flags) {
   return FILE_FAULTS::Fails("mkostemp") ? -1 : __real_mkostemp(name, flags);
@@ -113,6 +114,10 @@ int __wrap_close(int descriptor) {
 
 int __wrap_unlink(const char* name) {
   return FILE_FAULTS::Fails("unlink") ? -1 : __real_unlink(name);
+}
+
+int __wrap_faccessat(int directory, const char* name, int mode, int flags) {
+  return FILE_FAULTS::Fails("faccessat") ? -1 : __real_faccessat(directory, name, mode, flags);
 }
 
 }  // extern "C"
@@ -209,6 +214,33 @@ TEST_F(POOL_UPDATE, LosesNothingWhereverASystemCallFails) {
   EXPECT_GT(unchanged, 6);
   EXPECT_GT(rescued, 4);
   EXPECT_GT(completed, 3);
+}
+
+TEST_F(POOL_UPDATE, GoesOnAfterAnInterruption) {
+  for (const char* call : {"flock", "pread", "pwrite"}) {
+    SetPool(original);
+    const FILE_FAULTS faults(call, 0, EINTR);
+    Update();
+    EXPECT_EQ(PoolText(), merged) << call;
+    EXPECT_TRUE(faults.Struck()) << call;
+  }
+}
+
+TEST_F(POOL_UPDATE, IsRefusedBeforehandWhereItCouldNotBeDone) {
+  PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
+  WriteEntries(pool);
+  pool.CheckUpdate();
+  const std::string reason = std::string("ALARM : no permission to change pool file: ") + Path();
+  {
+    const FILE_FAULTS faults("faccessat", 0, EACCES);
+    EXPECT_THROW(pool.CheckUpdate(), NO_UPDATE_PERMISSION_FOR_POOL);
+  }
+  EXPECT_TRUE(log_.Has(std::string("ALARM : can not update parameter pool: ") + Path()));
+  EXPECT_TRUE(log_.Has(reason + ": Permission denied")) << log_.Text();
+  std::filesystem::remove(Path());
+  EXPECT_THROW(pool.CheckUpdate(), NO_UPDATE_PERMISSION_FOR_POOL);
+  EXPECT_TRUE(log_.Has(reason + ": No such file or directory")) << log_.Text();
+  SetPool(original);
 }
 
 TEST_F(POOL_UPDATE, TruncatesThePoolWhenItsCopyIsOnTheDisk) {

@@ -4,9 +4,11 @@
 #include <cerrno>
 #include <filesystem>
 #include <iterator>
+#include <set>
 
 #include "raster/system_error_text.h"
 #include "raster_test.h"
+#include "support/failing_allocation.h"
 
 namespace {
 
@@ -94,7 +96,10 @@ TEST_F(MEM_MGR_FAILURE, OfRawFiles) {
   WriteFile(path, "abcdefghijkl");
   const std::string failed = "MEM_MGR: mmap: mmap failed..";
   ExpectEmptied<ERROR_CAN_NOT_MMAP>(map(0, -1, O_RDONLY), {failed, "MEM_MGR: Invalid argument"});
-  ExpectEmptied<ERROR_CAN_NOT_MMAP>(map(11, 0, O_WRONLY), {failed, "MEM_MGR: Permission denied"});
+  for (const int access_mode : {O_WRONLY, O_ACCMODE}) {
+    ExpectEmptied<ERROR_CAN_NOT_MMAP>(map(11, 0, access_mode),
+                                      {failed, "MEM_MGR: Permission denied"});
+  }
   ExpectEmptied<ERROR_ARGUMENT>(map(-2, 0, O_RDONLY),
                                 {"MEM_MGR: impossible image bounds: columns 0 .. -2, rows 0 .. 0"});
 }
@@ -167,6 +172,7 @@ TEST_F(MEM_MGR_FAILURE, OfOtherOperationsKeepsTheImage) {
     return [=, this] { raster_.WriteRaw(to.c_str(), 0666); };
   };
   WriteFile(path, "precious");
+  EXPECT_THROW(raster_.GetNumRecMatrix<char>(0, 0), ERROR_ALGORITHM);
   const std::string nothing = "MEM_MGR: unknown data type";
   ExpectFailure<ERROR_ALGORITHM>(save(path), {nothing});
   ExpectFailure<ERROR_ALGORITHM>(write_raw(path), {nothing});
@@ -188,11 +194,26 @@ TEST_F(MEM_MGR_FAILURE, OfOtherOperationsKeepsTheImage) {
       [&] { raster_.Sync(MS_SYNC | MS_ASYNC); },
       {"MEM_MGR: msync error ..",
        "EINVAL: addr is not a multiple of the page size or wrong flag .."});
+  ExpectFailure<ERROR_NO_MEMORY>(
+      [&] {
+        const FAILING_ALLOCATION failing;
+        raster_.SetColorTable({nullptr, nullptr, nullptr, 4});
+      },
+      {"can not allocate colortable of length: 3 x 4 [bytes]"});
   ExpectFailure<ERROR_ARGUMENT>([&] { raster_.Advise(0); },
                                 {"MEM_MGR: less than one page per madvise call: 0"});
   EXPECT_EQ(ReadFile(path),
             Raster(RASTER_HEADER(10, 10, PIXEL_TYPE::U_INT_8), std::string(100, '\0')));
   EXPECT_EQ(raster_.DataLength(), 100) << "still held";
+}
+
+TEST(SYNC_ERROR, EachHasItsText) {
+  std::set<std::string> texts;
+  for (const int error : {EPERM, EIO, ENOMEM, EBUSY, EINVAL, ENOSPC}) {
+    texts.insert(SyncErrorText(error));
+  }
+  EXPECT_EQ(texts.size(), 6U);
+  EXPECT_TRUE(texts.contains("unhandled msync() error"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -103,6 +104,13 @@ TEST_F(MEM_MGR_TEST, RowsAndFilesBeyond4GiBAreSparseAndAddressed) {
   EXPECT_EQ(raster_.Data()[8 * width - 1], 1);
   std::filesystem::resize_file(path, 32 + 8 * static_cast<std::uintmax_t>(width) - 1);
   EXPECT_THROW(raster_.Map(path.c_str(), O_RDONLY), ERROR_CAN_NOT_READ_FILE);
+}
+
+TEST_F(MEM_MGR_TEST, DiskThatDoesNotTellItsSizeIsNotWarnedOf) {
+  const int file = ::memfd_create("disk", MFD_CLOEXEC);
+  raster_.Create(("/proc/self/fd/" + std::to_string(file)).c_str(), 0, 0, 9, 9, PIXEL_TYPE::RGB);
+  ::close(file);
+  EXPECT_EQ(log_.Text().find("WARN"), std::string::npos);
 }
 
 TEST_F(MEM_MGR_TEST, GivenPixelTypesOverrideTheHeaderAndStepsAreLogged) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <functional>
 
 #include "run_checks.h"
@@ -132,6 +133,13 @@ TEST(Failure, OfAParameter) {
       {Parameter("SlaveOut", "missing/out.ras"),
        "ENOENT: see: man page of open\nMEM_MGR: can not create: missing/out.ras\n"
        "can not create file"},
+      {[](RUN_FOLDER& folder) {
+         std::filesystem::create_symlink("missing/out.ras", folder.Path("link.ras"));
+         folder.parameters["SlaveOut"] = "link.ras";
+       },
+       "ENOENT: see: man page of open\nMEM_MGR: can not create: link.ras\ncan not create file"},
+      {Parameter("SlaveOut", "missing/"),
+       "EISDIR: see: man page of open\nMEM_MGR: can not create: missing/\ncan not create file"},
       {Parameter("SlaveOut", "."),
        "EISDIR: see: man page of open\nMEM_MGR: can not create: .\ncan not create file"},
   });
@@ -178,6 +186,12 @@ TEST(Failure, OfAnInputRaster) {
        "MEM_MGR: unknown pixeltype\nnot supported pixel type"},
       {Raster<float>("slave.ras", 72, 60, RASTER_FLOAT),
        "ERROR : Non supported pixel type has been provided.\nnot supported pixel type", true},
+      {[](RUN_FOLDER& folder) {
+         folder.Write("slave.ras", RasterHeader(INT_MIN, 0, 4, RASTER_COMPLEX_INT_16));
+       },
+       "slave has too many samples or lines: 2147483648x0" + data_error},
+      {Raster<char>("mask.ras", 71, 60, RASTER_BYTE),
+       "mask has another size than the slave: 71x60 != 72x60" + data_error},
       {Raster<char>("mask.ras", 72, 59, RASTER_BYTE),
        "mask has another size than the slave: 72x59 != 72x60" + data_error},
       {Raster<short>("mask.ras", 72, 60, RASTER_BYTE),
@@ -240,18 +254,23 @@ TEST(Failure, OfTheSlavesAnnotation) {
   });
 }
 
+/// A run with an output that would take the place of another file of the run.
+void ExpectOverwritingRefused(const RUN_FOLDER& folder, const std::string& output,
+                              const std::string& file) {
+  SCOPED_TRACE(output);
+  ExpectFailure(folder, folder.Run());
+  EXPECT_EQ(folder.Alarms(), "output would overwrite another file of the run: " + output + " is " +
+                                 file + wrong_argument + "\n" + supervisor_line + "\n");
+  EXPECT_FALSE(folder.Exists("out.ras"));
+}
+
 TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
-  struct {
-    const char* parameter;
-    const char* output;
-    const char* input;
-  } const cases[] = {
+  const char* const cases[][3] = {
       {"SlaveOut", "slave.ras", "slave.ras"},  {"SlaveOut", "./mask.ras", "mask.ras"},
       {"SlaveOut", "symbolic", "rg.map"},      {"MaskOut", "hard", "az.map"},
       {"MaskOut", "insar.pool", "insar.pool"}, {"MaskOut", "slave.pool", "slave.pool"},
       {"MaskOut", "./out.ras", "out.ras"}};
   for (const auto& [parameter, output, input] : cases) {
-    SCOPED_TRACE(output);
     RUN_FOLDER folder(OrdinaryScene());
     std::filesystem::create_symlink("rg.map", folder.Path("symbolic"));
     std::filesystem::create_hard_link(folder.Path("az.map"), folder.Path("hard"));
@@ -259,26 +278,18 @@ TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
     folder.parameters[parameter] = output;
     ExpectCheckSays(folder, "output would overwrite another file of the run: " +
                                 std::string(output) + " is " + input + wrong_argument);
-    ExpectFailure(folder, folder.Run());
-    EXPECT_EQ(folder.Alarms(),
-              "output would overwrite another file of the run: " + std::string(output) + " is " +
-                  input + wrong_argument + "\n" + supervisor_line + "\n");
-    EXPECT_FALSE(folder.Exists("out.ras"));
-    EXPECT_EQ((folder.Exists(input) ? folder.Content(input) : "") == before, true);
+    ExpectOverwritingRefused(folder, output, input);
+    EXPECT_TRUE((folder.Exists(input) ? folder.Content(input) : "") == before);
   }
 }
 
 TEST(Failure, OfAnOutputThatIsAFileOfTheRunsControl) {
   for (const std::string file : {"pcf.run", "log.run", "OK.run", "ERROR.run", "STOP.run",
                                  "current_process.pid", "parent_process.pid"}) {
-    SCOPED_TRACE(file);
     RUN_FOLDER folder(OrdinaryScene());
     folder.parameters["MaskOut"] = "./" + file;
-    ExpectFailure(folder, folder.Run());
-    EXPECT_EQ(folder.Alarms(), "output would overwrite another file of the run: ./" + file +
-                                   " is " + file + wrong_argument + "\n" + supervisor_line + "\n");
+    ExpectOverwritingRefused(folder, "./" + file, file);
     EXPECT_TRUE(folder.Content("pcf.run").starts_with("AZ_MAPPING_FILE"));
-    EXPECT_FALSE(folder.Exists("out.ras"));
   }
 }
 

@@ -147,6 +147,10 @@ int munmap(void* address, std::size_t length) noexcept {
   return Fails("munmap") ? -1 : static_cast<int>(::syscall(SYS_munmap, address, length));
 }
 
+int setenv(const char* name, const char* value, int overwrites) noexcept {
+  return Fails("setenv") ? -1 : NEXT(setenv)(name, value, overwrites);
+}
+
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
                    void* argument) noexcept {
   return Fails("pthread_create") ? errno

@@ -101,7 +101,30 @@ class FAULT : public testing::Test {
   std::string output_mask_;
 };
 
-constexpr const char* no_disk = "no disk of its own can be mounted here without privileges";
+/// On disks of its own.
+class DISK_FAULT : public FAULT {
+ protected:
+  void SetUp() override {
+    std::filesystem::create_directory(folder_.Path("disk"));
+    PROCESS_SETTINGS settings = folder_.Settings();
+    settings.prepare = MountSmallDisk;
+    if (PROCESS(settings).Wait().exit_status == PROCESS::not_started) {
+      GTEST_SKIP() << "no disk of its own can be mounted here without privileges";
+    }
+    ClearResults();
+  }
+};
+
+/// With the fault injector.
+class INJECTED_FAULT : public FAULT {
+ protected:
+  void SetUp() override {
+    if (repetitions == 1) {
+      GTEST_SKIP() << "the runtime of a sanitizer must be loaded before any other library";
+    }
+    folder_.environment["LD_PRELOAD"] = FAULT_INJECTOR;
+  }
+};
 
 TEST_F(FAULT, OfAnInputThatShrinksDuringTheRunIsReported) {
   for (const char* workers : {"1", "3"}) {
@@ -131,7 +154,7 @@ TEST_F(FAULT, OfAnOutputThatMayNotGrowIsReported) {
   ExpectReported(folder, PROCESS(settings).Wait(), SIGXFSZ);
 }
 
-TEST_F(FAULT, OfADiskThatIsFullUnderAnOutputIsReported) {
+TEST_F(DISK_FAULT, OfADiskThatIsFullUnderAnOutputIsReported) {
   RUN_FOLDER folder(OrdinaryScene());
   folder.parameters["n_samples"] = "70";
   folder.parameters["n_lines"] = "2000";
@@ -144,9 +167,6 @@ TEST_F(FAULT, OfADiskThatIsFullUnderAnOutputIsReported) {
     PROCESS_SETTINGS settings = folder.Settings();
     settings.prepare = MountSmallDisk;
     const PROCESS_END end = PROCESS(settings).Wait();
-    if (end.exit_status == PROCESS::not_started) {
-      GTEST_SKIP() << no_disk;
-    }
     ExpectReported(folder, end, SIGBUS);
     const std::vector<std::string> warnings = folder.LogLines("WARN  : resample : MEM_MGR: ");
     ASSERT_EQ(warnings.size(), 1U);
@@ -156,13 +176,9 @@ TEST_F(FAULT, OfADiskThatIsFullUnderAnOutputIsReported) {
   }
 }
 
-TEST_F(FAULT, OfADiskThatIsFullOrReadOnlyForAnOutputIsReported) {
-  std::filesystem::create_directory(folder_.Path("disk"));
+TEST_F(DISK_FAULT, OfADiskThatIsFullOrReadOnlyForAnOutputIsReported) {
   folder_.parameters["SlaveOut"] = "disk/out.ras";
   const PROCESS_END full = RunAfter([] { return MountSmallDisk() && Fill("disk/file"); });
-  if (full.exit_status == PROCESS::not_started) {
-    GTEST_SKIP() << no_disk;
-  }
   ExpectFailure(folder_, full);
   EXPECT_EQ(folder_.Alarms(),
             "can not write to file 32 [bytes]\ncan not write into file\n" + supervisor_line + "\n");
@@ -176,16 +192,12 @@ TEST_F(FAULT, OfADiskThatIsFullOrReadOnlyForAnOutputIsReported) {
   ExpectInputsUntouched();
 }
 
-TEST_F(FAULT, OfADiskThatIsFullUnderAPoolIsReported) {
-  std::filesystem::create_directory(folder_.Path("disk"));
+TEST_F(DISK_FAULT, OfADiskThatIsFullUnderAPoolIsReported) {
   folder_.parameters["log_pp"] = "disk/log.pool";
   const PROCESS_END end = RunAfter([] {
     return MountSmallDisk() && Fill("disk/log.pool") && ::truncate("disk/log.pool", 60000) == 0 &&
            Fill("disk/file");
   });
-  if (end.exit_status == PROCESS::not_started) {
-    GTEST_SKIP() << no_disk;
-  }
   ExpectFailure(folder_, end);
   EXPECT_TRUE(folder_.Alarms().starts_with(
       "can not update parameter pool: disk/log.pool: No space left on device\n"))
@@ -195,24 +207,17 @@ TEST_F(FAULT, OfADiskThatIsFullUnderAPoolIsReported) {
   ExpectInputsUntouched();
 }
 
-TEST_F(FAULT, OfADiskWithRoomForOneMarkerFileIsNone) {
-  std::filesystem::create_directory(folder_.Path("disk"));
+TEST_F(DISK_FAULT, OfADiskWithRoomForOneMarkerFileIsNone) {
   folder_.arguments.insert(folder_.arguments.end(), {"-status", "disk"});
   const PROCESS_END end = RunAfter([] { return MayMount() && MountDisk("disk", "size=4k"); });
-  if (end.exit_status == PROCESS::not_started) {
-    GTEST_SKIP() << no_disk;
-  }
   EXPECT_EQ(end.exit_status, 0);
   EXPECT_EQ(folder_.Content("log.run").find("Can not "), std::string::npos);
 }
 
-TEST_F(FAULT, OfAllPlacesForTheTemporaryLogIsNone) {
+TEST_F(DISK_FAULT, OfAllPlacesForTheTemporaryLogIsNone) {
   const PROCESS_END end = RunAfter([] {
     return MayMount() && MountDisk("/var/tmp", "", MS_RDONLY) && MountDisk("/tmp", "nr_inodes=1");
   });
-  if (end.exit_status == PROCESS::not_started) {
-    GTEST_SKIP() << no_disk;
-  }
   ExpectRightResult(end);
   EXPECT_EQ(folder_.Alarms(), "");
 }
@@ -327,13 +332,9 @@ TEST_F(FAULT, OfAnyLimitOfMemoryIsReported) {
   EXPECT_EQ(succeeded, 2);
 }
 
-TEST_F(FAULT, OfAThreadThatCanNotBeCreatedIsReported) {
-  if (repetitions == 1) {
-    GTEST_SKIP() << "the runtime of a sanitizer must be loaded before any other library";
-  }
-  folder_.environment.insert({{"LD_PRELOAD", FAULT_INJECTOR},
-                              {"FAULT_CALL", "pthread_create"},
-                              {"FAULT_ERROR", std::to_string(EAGAIN)}});
+TEST_F(INJECTED_FAULT, OfAThreadThatCanNotBeCreatedIsReported) {
+  folder_.environment.insert(
+      {{"FAULT_CALL", "pthread_create"}, {"FAULT_ERROR", std::to_string(EAGAIN)}});
   folder_.environment["PARALLEL"] = "4";
   for (const char* thread : {"0", "1", "3"}) {
     folder_.environment["FAULT_NUMBER"] = thread;
@@ -347,17 +348,21 @@ TEST_F(FAULT, OfAThreadThatCanNotBeCreatedIsReported) {
   }
 }
 
-TEST_F(FAULT, OfAClockThatIsSetBackIsNone) {
-  if (repetitions == 1) {
-    GTEST_SKIP() << "the runtime of a sanitizer must be loaded before any other library";
-  }
-  folder_.environment.insert({{"LD_PRELOAD", FAULT_INJECTOR}, {"FAULT_CLOCK", "100000"}});
+TEST_F(INJECTED_FAULT, OfAClockThatLeapsBackOrFarAheadIsNone) {
+  folder_.environment["FAULT_CLOCK"] = "100000";
   ClearResults();
   ExpectRightResult(folder_.Run());
   EXPECT_EQ(folder_.CountLogLines(info_begin + "execution time: less than 1 second"), 1);
   const std::string pool = folder_.Content("log.pool");
   const std::string history = pool.substr(pool.find("software_execution_times"));
   EXPECT_NE(history.find("{\n    0\n  }"), std::string::npos) << history;
+
+  folder_.environment["FAULT_CLOCK"] = "-90000000000000000";  // beyond what a year can be
+  folder_.Write("log.pool", "");
+  ClearResults();
+  ExpectRightResult(folder_.Run());
+  EXPECT_EQ(folder_.CountLogLines(info_begin + "end time: unknown"), 1);
+  EXPECT_NE(folder_.Content("log.pool").find("\"unknown\""), std::string::npos);
 }
 
 TEST_F(FAULT, OfARunThatIsStoppedNowAndThenIsNone) {

@@ -15,30 +15,12 @@ namespace {
 /// its inputs alone. `check` sees what the run said, on the screen and in its log.
 void ForEachParameter(const std::string& value,
                       const std::function<void(const std::string& said)>& check) {
-  const std::vector<std::string> names = {"INSAR_PARAMETER_POOL",
-                                          "log_pp",
-                                          "SLAVE_PARAMETER_POOL",
-                                          "SlaveIn",
-                                          "MaskIn",
-                                          "MAPPING_FORMAT",
-                                          "RG_MAPPING_FILE",
-                                          "AZ_MAPPING_FILE",
-                                          "KERNEL_TYPE",
-                                          "n_samples",
-                                          "KERNEL_COEFFICIENT",
-                                          "KERNEL_LENGTH",
-                                          "KERNEL_SUBPIX_POS",
-                                          "no_of_cpu",
-                                          "SlaveOut",
-                                          "MaskOut",
-                                          "PS_MODE",
-                                          "pid",
-                                          "status",
-                                          "pcf",
-                                          "lfn",
-                                          "lfl",
-                                          "lsl"};
-  for (const std::string& name : names) {
+  std::istringstream names(
+      "INSAR_PARAMETER_POOL log_pp SLAVE_PARAMETER_POOL SlaveIn MaskIn MAPPING_FORMAT "
+      "RG_MAPPING_FILE AZ_MAPPING_FILE KERNEL_TYPE n_samples KERNEL_COEFFICIENT "
+      "KERNEL_LENGTH KERNEL_SUBPIX_POS no_of_cpu SlaveOut MaskOut PS_MODE pid status "
+      "pcf lfn lfl lsl");
+  for (std::string name; names >> name;) {
     SCOPED_TRACE(name);
     RUN_FOLDER folder(OrdinaryScene());
     folder.parameters["lfl"] = "TRACE";

@@ -107,6 +107,15 @@ TEST(Terminal, ProgressIsShownOnStandardErrorOnlyThereAndChangesNothingElse) {
   const std::string shown = terminal.Shown();
   EXPECT_TRUE(std::regex_search(shown, std::regex("^ *[0-9]+ %"))) << shown;
   EXPECT_TRUE(shown.ends_with("\r\033[K")) << "it is taken away at the end: " << shown;
+
+  if (repetitions > 1) {  // the runtime of a sanitizer must be loaded before any other library
+    folder.environment.insert({{"LD_PRELOAD", FAULT_INJECTOR},
+                               {"FAULT_CALL", "pthread_create"},
+                               {"FAULT_NUMBER", "0"},
+                               {"FAULT_ERROR", "11"}});
+    ExpectSuccess(folder, RunAtTerminal(folder, terminal));
+    EXPECT_EQ(terminal.Shown(), "") << "there is no thread for it";
+  }
 }
 
 TEST(Terminal, PersonWhoIsAskedForAParameterIsToldItsMeaningAndValues) {

@@ -15,17 +15,6 @@
 
 namespace {
 
-/// A null-terminated array of pointers to the texts, as `execve` wants it.
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 std::vector<std::string> EnvironmentTexts(const PROCESS_SETTINGS& settings) {
   std::vector<std::string> texts;
   for (const auto& [name, value] : settings.environment) {
@@ -33,8 +22,9 @@ std::vector<std::string> EnvironmentTexts(const PROCESS_SETTINGS& settings) {
   }
   // The threads of a process that a signal ends are never joined, and a search for leaks as it ends
   // would wait for the allocator's lock that the interrupted thread may hold.
-  for (const std::string option : {"ASAN_OPTIONS=detect_leaks=0:", "LSAN_OPTIONS=",
-                                   "TSAN_OPTIONS=report_thread_leaks=0:", "UBSAN_OPTIONS="}) {
+  for (const std::string option :
+       {"ASAN_OPTIONS=detect_leaks=0:", "LSAN_OPTIONS=", "TSAN_OPTIONS=report_thread_leaks=0:",
+        "UBSAN_OPTIONS=", "GCOV_ERROR_FILE="}) {
     const char* own = std::getenv(option.substr(0, option.find('=')).c_str());
     texts.push_back(option + (own != nullptr ? own : ""));
   }
@@ -68,6 +58,16 @@ void Redirect(int descriptor, const char* path, int flags) {
 }
 
 }  // namespace
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts) {
+    pointers.push_back(text.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
 
 PROCESS::PROCESS(const PROCESS_SETTINGS& settings) : directory_(settings.directory) {
   WriteFile(directory_ / "keyboard", settings.keyboard);

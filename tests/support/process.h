@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+/// A null-terminated array of pointers to the texts, as `main` gets and `execve` wants it.
+std::vector<char*> Pointers(std::vector<std::string>& texts);
+
 /// What to start, and where.
 struct PROCESS_SETTINGS {
   std::string program;                 ///< when empty, `prepare` is all that the process does

@@ -6,6 +6,9 @@
 #include <sstream>
 #include <vector>
 
+namespace {
+
+/// The number that a component stands for.
 double Decode(PIXEL_CODE code, std::uint16_t bits) {
   if (code == PIXEL_CODE::INT_16) {
     return static_cast<std::int16_t>(bits);
@@ -22,8 +25,6 @@ double Decode(PIXEL_CODE code, std::uint16_t bits) {
   // Exponent field 0 is no exception here: no subnormal numbers.
   return sign * std::ldexp(1.0 + mantissa / 1024.0, exponent - 15);
 }
-
-namespace {
 
 constexpr double pi = 3.141592653589793;
 constexpr double two_pi = 6.283185307179586;

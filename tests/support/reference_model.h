@@ -6,9 +6,6 @@
 #include "support/grid.h"
 #include "support/scene.h"
 
-/// The number that a component stands for.
-double Decode(PIXEL_CODE code, std::uint16_t bits);
-
 /// How an output of the program compares with the model.
 struct MODEL_COMPARISON {
   int computed_pixels = 0;

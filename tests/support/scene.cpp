@@ -69,7 +69,7 @@ void Sprinkle(DRAW& draw, GRID<T>& grid, int most, const CHANGE& change) {
 }
 
 GRID<RAW_PIXEL> DrawSlave(DRAW& draw, PIXEL_CODE code) {
-  GRID<RAW_PIXEL> slave(draw.Integer(20, 90), draw.Integer(20, 80));
+  GRID<RAW_PIXEL> slave(draw.Integer(20, 150), draw.Integer(20, 80));
   const int kind = draw.Pick({0, 0, 0, 1, 2});
   for (RAW_PIXEL& pixel : slave.values) {
     pixel = {DrawComponent(draw, code, kind), DrawComponent(draw, code, kind)};
@@ -99,7 +99,7 @@ GRID<float> DrawShifts(DRAW& draw, int columns, int lines, int column_step, int 
   const double along = draw.Sized(slope) * column_step;
   const double across = draw.Sized(slope) * line_step;
   const double constant = draw.Sized(6.0);
-  const double noise = draw.Pick({0.0, 0.01, 1.0});
+  const double noise = draw.Pick({0.0, 0.01, 1.0, 30.0});
   GRID<float> shifts(columns, lines);
   for (int line = 0; line < lines; ++line) {
     for (int column = 0; column < columns; ++column) {
@@ -225,7 +225,7 @@ SCENE RandomScene(unsigned seed) {
   SCENE scene;
   scene.code = seed % 2 == 0 ? PIXEL_CODE::INT_16 : PIXEL_CODE::BINARY_16;
   scene.slave = DrawSlave(draw, scene.code);
-  scene.n_samples = draw.Integer(1, 90);
+  scene.n_samples = draw.Chance(0.2) ? draw.Integer(91, 300) : draw.Integer(1, 90);
   scene.n_lines = draw.Integer(1, 80);
   if (seed / 2 % 2 == 0) {
     scene.mapping = DrawMatrix(draw, scene.n_samples, scene.n_lines);

@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 #include "compare/compare_command.h"
+#include "raster/mem_mgr.h"
 #include "scene/scene_command.h"
 #include "tools/command_test.h"
 
@@ -44,6 +46,8 @@ TEST_F(COMMANDS, SceneRefusesImpossibleOptions) {
     EXPECT_THROW(MakeScene(options), std::invalid_argument) << options;
   }
   EXPECT_THROW(MakeScene("--pixel-type float"), CLI::ValidationError);
+  std::filesystem::create_directory(Path("slave.pool"));
+  EXPECT_THROW(MakeScene(), std::system_error);
 }
 
 TEST_F(COMMANDS, ComparePrintsFiguresOfTheRegionOrOfItsBlocks) {
@@ -69,6 +73,12 @@ TEST_F(COMMANDS, CompareRefusesWhatDoesNotFit) {
   EXPECT_THROW(Compare(pair + " --mask " + map), std::invalid_argument);
   EXPECT_THROW(Compare(pair + " --margin 30"), std::invalid_argument);
   EXPECT_THROW(Compare(pair + " --min-coherence 0.5"), std::runtime_error);
+  const auto nothing = [](int, int) { return 0.0; };
+  Real("nothing.ras", 80, 60, nothing, PIXEL_TYPE::U_INT_8);
+  EXPECT_THROW(Compare(pair + " --mask " + Path("nothing.ras")), std::runtime_error);
+  MEM_MGR().Create(Path("rgb.ras").c_str(), 0, 0, 79, 59, PIXEL_TYPE::RGB);
+  EXPECT_THROW(Compare(Path("rgb.ras") + " " + Path("rgb.ras")), std::invalid_argument);
+  EXPECT_THROW(Real("rgb.ras", 2, 2, nothing, PIXEL_TYPE::RGB), std::invalid_argument);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(BINARY_16, NormalNumbersComeBackAndOthersHaveTheirValues) {
+TEST(BINARY_16, HasItsValuesAndRoundsToEvenWithinTheNormalRange) {
   for (unsigned bits = 0; bits < 0x10000; ++bits) {
     const auto half = static_cast<std::uint16_t>(bits);
     const unsigned exponent = (bits >> 10) & 0x1F;
@@ -17,19 +17,19 @@ TEST(BINARY_16, NormalNumbersComeBackAndOthersHaveTheirValues) {
       ASSERT_EQ(DoubleToBinary16(Binary16ToDouble(half)), half);
     }
   }
-  EXPECT_EQ(Binary16ToDouble(0xC001), -2.0 - 0x1p-9);
-  EXPECT_EQ(Binary16ToDouble(0x0001), 0x1p-24);
-  EXPECT_EQ(Binary16ToDouble(0xFC00), -HUGE_VAL);
+  for (const auto& [half, value] :
+       {std::pair{0xC001, -2.0 - 0x1p-9}, {0x0001, 0x1p-24}, {0xFC00, -HUGE_VAL}}) {
+    EXPECT_EQ(Binary16ToDouble(static_cast<std::uint16_t>(half)), value);
+  }
   EXPECT_TRUE(std::isnan(Binary16ToDouble(0x7C01)));
-}
-
-TEST(BINARY_16, RoundsToEvenWithinTheNormalRange) {
-  EXPECT_EQ(DoubleToBinary16(1.0 + 0x1p-11), 0x3C00);
-  EXPECT_EQ(DoubleToBinary16(1.0 + 3 * 0x1p-11), 0x3C02);
-  EXPECT_EQ(DoubleToBinary16(2.0 - 0x1p-12), 0x4000);
-  EXPECT_EQ(DoubleToBinary16(-HUGE_VAL), 0xFBFF);
-  EXPECT_EQ(DoubleToBinary16(0x1p-14 - 0x1p-24), 0x0000);
-  EXPECT_EQ(DoubleToBinary16(std::nan("")), 0x7FFF);
+  for (const auto& [value, half] : {std::pair{1.0 + 0x1p-11, 0x3C00},
+                                    {1.0 + 3 * 0x1p-11, 0x3C02},
+                                    {2.0 - 0x1p-12, 0x4000},
+                                    {-HUGE_VAL, 0xFBFF},
+                                    {0x1p-14 - 0x1p-24, 0x0000},
+                                    {std::nan(""), 0x7FFF}}) {
+    EXPECT_EQ(DoubleToBinary16(value), half);
+  }
 }
 
 class RASTERS : public IMAGE_TEST {

@@ -163,6 +163,23 @@ TEST_F(GDAL_TEST, WhatCanNotBeDoneIsRefusedAndLeavesNothing) {
   EXPECT_THROW(Import("cut.tif"), std::runtime_error);
   EXPECT_FALSE(std::filesystem::exists(Path("back.ras")));
 
+  // Of two real bands a complex raster is made.
+  Real("real.ras", 4, 4, [](int, int) { return 1.0; });
+  Vrt("real.ras");
+  EXPECT_THROW(Import("real.ras.vrt", "--band 1,1 --type flt_6"), std::invalid_argument);
+  EXPECT_THROW(Run(AddImportCommand, "import " + Path("real.ras.vrt") + " " + Path("real.ras")),
+               std::invalid_argument);
+  EXPECT_NE(Import("real.ras.vrt", "--band 1,1").find("type: c_flt_6\n"), std::string::npos);
+  WriteFile(Path("many.vrt"),
+            "<VRTDataset rasterXSize='1' rasterYSize='1'><Metadata domain='SUBDATASETS'>"
+            "<MDI key='SUBDATASET_1_NAME'>part</MDI></Metadata></VRTDataset>");
+  EXPECT_THROW(Import("many.vrt"), std::runtime_error);
+  EXPECT_THROW(Export("slc.ras", "slc.tif", "--driver NONE"), std::runtime_error);
+  std::filesystem::create_directory(Path("slc.ras.vrt.vrt"));
+  std::filesystem::copy_file(Path("slc.ras"), Path("slc.ras.vrt"),
+                             std::filesystem::copy_options::overwrite_existing);
+  EXPECT_THROW(Vrt("slc.ras.vrt"), std::system_error);
+
   for (const char* target : {"slc.png", "slc.nothing", "missing/slc.tif"}) {
     EXPECT_THROW(Export("slc.ras", target), std::runtime_error) << target;
   }

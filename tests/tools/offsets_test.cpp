@@ -180,6 +180,16 @@ TEST_F(OFFSETS, ImpossibleRequestsAreRefused) {
   EXPECT_THROW(MakeMapping(""), CLI::RequiredError);
   EXPECT_THROW(MakeMapping("--subsampling 0,4"), CLI::ValidationError);
   EXPECT_THROW(MakeMapping("--subsampling 4,4 --band 1,2"), std::runtime_error);
+  const std::string matrices = "--subsampling 4,4 --azimuth-map " + Path("map") + " --range-map ";
+  EXPECT_THROW(MakeMapping(matrices + Path("map")), std::invalid_argument);
+  EXPECT_THROW(MakeMapping(matrices + Path("rg.off")), std::invalid_argument);
+  for (const char* raster : {"slave.ras", "rg_map.ras"}) {  // complex, and of another size
+    Run(AddVrtCommand, "vrt " + Path(raster));
+    EXPECT_THROW(Run(AddOffsetsCommand, "offsets " + Path(raster) + ".vrt " + Path("az.off.vrt") +
+                                            " --subsampling 4,4"),
+                 std::invalid_argument)
+        << raster;
+  }
   EXPECT_THROW(Run(AddOffsetsCommand,
                    "offsets " + Path("rg.off.vrt") + " " + Path("missing") + " --subsampling 4,4"),
                std::runtime_error);

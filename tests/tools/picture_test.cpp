@@ -58,11 +58,13 @@ TEST(FigureTest, ShowsTheCellsAtTheWantedSize) {
 }
 
 TEST(FigureTest, WritingFailsWithTheNameOfTheFile) {
-  try {
-    Draw(MarkerFigure()).WritePng("/no/such/directory/figure.png");
-    FAIL() << "no error";
-  } catch (const std::runtime_error& error) {
-    EXPECT_NE(std::string(error.what()).find("/no/such/directory/figure.png"), std::string::npos);
+  for (const char* path : {"/no/such/directory/figure.png", "/dev/full"}) {
+    try {
+      Draw(MarkerFigure()).WritePng(path);
+      ADD_FAILURE() << "no error";
+    } catch (const std::runtime_error& error) {
+      EXPECT_NE(std::string(error.what()).find(path), std::string::npos);
+    }
   }
 }
 
@@ -174,6 +176,7 @@ TEST_F(RasterFigureTest, RefusesRastersThatDoNotFit) {
   EXPECT_THROW(InterferogramFigure(a, smaller, {}), std::invalid_argument);
   EXPECT_THROW(CoherenceFigure(a, real, {}), std::invalid_argument);
   EXPECT_THROW(PhaseFigure(real, {}), std::invalid_argument);
+  EXPECT_THROW(ValueFigure(a, {}), std::invalid_argument);
   EXPECT_THROW(MaskFigure(real, {}), std::invalid_argument);
   EXPECT_THROW(AmplitudeFigure(empty, {}), std::invalid_argument);
 }

@@ -147,6 +147,10 @@ TEST_F(POOLS, CheckTellsWhatARunWouldMiss) {
   Write("MAPPING_FORMAT STR matrix\nshift_matrices_subsampling_az INT_32 6\n");
   EXPECT_NE(Faults("--for resample").find("shift_matrices_subsampling_rg INT_32 is missing"),
             std::string::npos);
+  Write("mapping_format STR other\n");
+  EXPECT_NE(Faults("--for resample").find("is neither matrix nor polynomial"), std::string::npos);
+  Write("mapping_format STR polynomial\n");
+  EXPECT_NE(Faults("--for resample").find("respl_poly_rg FLT_15_V is missing"), std::string::npos);
   EXPECT_NE(Faults("--for resample --as slave").find("as slave pool: prf FLT_15 is missing"),
             std::string::npos);
 }

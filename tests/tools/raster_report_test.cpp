@@ -73,6 +73,8 @@ TEST_F(RasterReportTest, CountsFiniteValuesOnly) {
             "value max: 0.5\n"
             "value mean: -0.5\n"
             "value rms: 1.118034\n");
+  EXPECT_TRUE(Report(Real("none", 2, 1, [](int, int) { return NAN; }).Path())
+                  .ends_with("pixels: 2\nfinite: 0\nzeros: 0\n"));
 }
 
 TEST_F(RasterReportTest, TellsTheHeaderOfRastersWithoutNumbers) {

@@ -4,8 +4,9 @@
 #include <stack>
 
 #include "report/html.h"
+#include "report/report_command.h"
 #include "report/report_page.h"
-#include "tools/image_test.h"
+#include "tools/command_test.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ std::string Fault(const std::string& html) {
 }
 
 /// A directory that a run has left, made by hand.
-class REPORT_TEST : public IMAGE_TEST {
+class REPORT_TEST : public COMMAND_TEST {
  protected:
   REPORT_TEST() {
     const auto signal = [](int sample, int line) { return VALUE(10.0 + sample, line - 20.0); };
@@ -133,12 +134,30 @@ TEST_F(REPORT_TEST, LetsNoTextOfTheRunBecomePartOfThePage) {
   EXPECT_NE(page.find("Slave before is not shown: can not open file"), std::string::npos);
 }
 
+TEST_F(REPORT_TEST, CommandWritesThePageWithTheShiftsOfAPolynomial) {
+  WriteFile(Path("a.pool"),
+            "respl_poly_rg FLT_15_V 0 6\n{\n1\n0\n0\n0\n0\n0\n}\n"
+            "respl_poly_az FLT_15_V 0 6\n{\n0\n1\n0\n0\n0\n0\n}\n"
+            "n_samples INT_32 40\nn_lines INT_32 30\n");
+  Log("DEBUG Found parameter INSAR_PARAMETER_POOL=a.pool\n"
+      "INFO     - Mapping type   : polynomial\n"
+      "INFO     - n_samples      : 40\n"
+      "INFO     - n_lines        : 30\n");
+  const auto report = [&](const std::string& page) {
+    return Run(AddReportCommand, "report " + Path("") + " --out " + page);
+  };
+  EXPECT_EQ(report(Path("page.html")), Path("page.html") + "\n");
+  EXPECT_EQ(Count(ReadFile(Path("page.html")), "<img "), 2U);
+  EXPECT_THROW(report("/no/such/directory/page.html"), std::runtime_error);
+}
+
 TEST_F(REPORT_TEST, NeedsALog) {
   EXPECT_THROW(RUN_RECORD(Path(""), ""), std::runtime_error);
   WriteFile(Path("log.a"), "no line of a log\n");
   EXPECT_THROW(RUN_RECORD(Path(""), ""), std::runtime_error);
   Log(parameters);
   EXPECT_THROW(RUN_RECORD(Path(""), ""), std::runtime_error) << "two logs";
+  EXPECT_THROW(RUN_RECORD(Path(""), "missing"), std::runtime_error);
   EXPECT_EQ(RUN_RECORD(Path(""), "log.run").Samples(), 40);
 }
 

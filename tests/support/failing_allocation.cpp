@@ -1,4 +1,4 @@
-#include "failing_allocation.h"
+#include "support/failing_allocation.h"
 
 #include <climits>
 #include <cstddef>
@@ -13,6 +13,16 @@ bool Granted() {
   return granted_allocations == unlimited || granted_allocations-- > 0;
 }
 
+/// Asks a throwing form for the memory, so that any form of delete fits.
+template <class ALLOCATE>
+void* Allocate(ALLOCATE allocate) noexcept {
+  try {
+    return Granted() ? allocate() : nullptr;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 }  // namespace
 
 FAILING_ALLOCATION::FAILING_ALLOCATION(int granted) {
@@ -23,11 +33,10 @@ FAILING_ALLOCATION::~FAILING_ALLOCATION() {
   granted_allocations = unlimited;
 }
 
-// The throwing forms are asked for the memory, so that any form of delete fits.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return Granted() ? ::operator new(size) : nullptr;
+  return Allocate([=] { return ::operator new(size); });
 }
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return Granted() ? ::operator new[](size) : nullptr;
+  return Allocate([=] { return ::operator new[](size); });
 }
