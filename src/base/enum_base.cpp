@@ -5,7 +5,8 @@
 namespace BASIC::TYPES {
 
 bool ENUM_BASE::operator==(const ENUM_BASE& other) const {
-  if (typeid(*this) != typeid(other)) {
+  // A run-time name that begins with '*' is local to its translation unit and never matches.
+  if (*typeid(*this).name() == '*' || typeid(*this) != typeid(other)) {
     throw ERROR_ENUM_BASE_TYPE_MISMATCH();
   }
   return id_ == other.id_;

@@ -130,7 +130,9 @@ class ENUMERATION : public ENUM_BASE {
 
   void SetFound(int id, const char* text) {
     if (id < first_id) {
-      ERROR_ENUM_BASE_INVALID_VALUE::Throw(text, typeid(TYPE).name(), ValidNames());
+      const char* class_name = typeid(TYPE).name();
+      ERROR_ENUM_BASE_INVALID_VALUE::Throw(text, *class_name == '*' ? class_name + 1 : class_name,
+                                           ValidNames());
     }
     Set(id, true);
   }

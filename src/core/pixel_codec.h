@@ -75,8 +75,8 @@ struct BINARY_16_CODEC {
     if (exponent <= 0x3F0) {
       return 0;
     }
-    if (exponent == 0x7FF) {
-      return static_cast<COMPONENT>(sign | 0x7FFFU);  // infinities are saturated already
+    if (exponent >= 0x40F) {
+      return static_cast<COMPONENT>(sign | (exponent == 0x7FF ? 0x7FFFU : 0x7C00U));
     }
     return static_cast<COMPONENT>(sign | ((exponent - 0x3F0) & 0x1FU) << 10 | (mantissa & 0x3FFU));
   }
