@@ -123,6 +123,37 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
+/// Kills a process and all others that come from it, this one excepted. It is stopped first, so
+/// that it starts nothing new meanwhile.
+void KillTree(pid_t root) {
+  ::kill(root, SIGSTOP);
+  WaitUntil([root] {
+    std::vector<pid_t> descendants = LivingDescendants(root);
+    std::erase(descendants, ::getpid());
+    for (const pid_t id : descendants) {
+      ::kill(id, SIGKILL);
+    }
+    return descendants.empty();
+  });
+  ::kill(root, SIGKILL);
+}
+
+/// Starts a process that kills its parent's tree once the test is gone, however it went. Itself it
+/// goes with its parent.
+bool StartGuard(pid_t test) {
+  const pid_t parent = ::getpid();
+  const pid_t guard = ::fork();
+  if (guard != 0) {
+    return guard > 0;
+  }
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  while (LivingParent(std::to_string(test)) != 0) {
+    ::sleep(1);
+  }
+  KillTree(parent);
+  ::_exit(0);
+}
+
 }  // namespace
 
 /// One daemon with all processes that come from it. They stay its descendants even when they are
@@ -130,7 +161,7 @@ std::vector<std::string> Lines(const std::string& text) {
 class SLURM_CLUSTER::DAEMON {
  public:
   explicit DAEMON(PROCESS_SETTINGS settings) : process_(Prepared(std::move(settings))) {}
-  ~DAEMON() { KillAll(); }
+  ~DAEMON() { KillTree(process_.Id()); }
   DAEMON(const DAEMON&) = delete;
   DAEMON& operator=(const DAEMON&) = delete;
 
@@ -139,23 +170,10 @@ class SLURM_CLUSTER::DAEMON {
 
  private:
   static PROCESS_SETTINGS Prepared(PROCESS_SETTINGS settings) {
-    settings.prepare = [] {
-      return ::prctl(PR_SET_CHILD_SUBREAPER, 1) == 0 && ::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0;
+    settings.prepare = [test = ::getpid()] {
+      return ::prctl(PR_SET_CHILD_SUBREAPER, 1) == 0 && StartGuard(test);
     };
     return settings;
-  }
-
-  /// The daemon is stopped first, so that it starts nothing new meanwhile.
-  void KillAll() const {
-    process_.Signal(SIGSTOP);
-    WaitUntil([this] {
-      const std::vector<pid_t> descendants = LivingDescendants(process_.Id());
-      for (const pid_t id : descendants) {
-        ::kill(id, SIGKILL);
-      }
-      return descendants.empty();
-    });
-    process_.Signal(SIGKILL);
   }
 
   PROCESS process_;
