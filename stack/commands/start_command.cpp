@@ -98,12 +98,12 @@ class STACK_STARTER {
   }
 
   void Submit(const STACK_WORK& work) {
-    std::cout << description_.slaves.size() << " slaves: " << work.finished << " are done, "
-              << work.active.size() << " are in the queue, " << work.to_run.size() << " are started"
-              << std::endl;
     if (!work.to_run.empty()) {
       queue_->Submit(work.to_run);
     }
+    std::cout << description_.slaves.size() << " slaves: " << work.finished << " are done, "
+              << work.active.size() << " are in the queue, " << work.to_run.size() << " are started"
+              << std::endl;
   }
 
   void Accompany(const STACK_WORK& work) {

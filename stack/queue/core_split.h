@@ -8,10 +8,10 @@ struct CORE_SPLIT {
   int threads = 1;     ///< worker threads of each
 };
 
-/// As many runs as there are processors, with one thread each, unless a number of runs other than 0
-/// is given. `bench/run stack` measures what the other splits cost: set-up, page faults at the
-/// start of an output and the end of the last worker use one processor only.
+/// Two runs with one thread for each processor, unless a number of runs other than 0 is given: while
+/// one waits for its files, or is at its start or end, the other computes. `bench/run stack`
+/// compares this split with others.
 inline CORE_SPLIT SplitOf(int processors, int concurrent) {
-  const int runs = concurrent > 0 ? concurrent : processors;
+  const int runs = concurrent > 0 ? concurrent : 2 * processors;
   return {runs, std::max(1, processors / runs)};
 }

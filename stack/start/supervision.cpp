@@ -1,8 +1,10 @@
 #include "start/supervision.h"
 
 #include <filesystem>
+#include <iostream>
 #include <utility>
 
+#include "description/stack_description.h"
 #include "run/slave_record.h"
 
 void SUPERVISION::Accompany(std::set<std::string> names) {
@@ -13,13 +15,22 @@ void SUPERVISION::Accompany(std::set<std::string> names) {
         return !active->contains(name) && HasEnded(name);
       });
       if (const auto died = std::exchange(died_, {}); !died.empty()) {
-        queue_.Submit(died);
+        SubmitAgain(died);
       }
     }
     if (!names.empty()) {
       ShowNowAndThen(active);
       queue_.Wait(signals_);
     }
+  }
+}
+
+void SUPERVISION::SubmitAgain(const std::vector<std::string>& names) {
+  try {
+    queue_.Submit(names);
+  } catch (const STACK_ERROR& error) {
+    // They are still not in the queue next time, which counts as one more death.
+    std::cerr << error.what() << std::endl;
   }
 }
 

@@ -27,6 +27,7 @@ class SUPERVISION {
   void Accompany(std::set<std::string> names);
 
  private:
+  void SubmitAgain(const std::vector<std::string>& names);
   void ShowNowAndThen(const ACTIVE_SLAVES& active);
   /// Whether the slave, which is not in the queue any more, has ended for good.
   bool HasEnded(const std::string& name);
