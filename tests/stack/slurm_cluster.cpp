@@ -333,7 +333,11 @@ void SLURM_CLUSTER::KillNode(const std::string& name) {
 
 void SLURM_CLUSTER::StartNode(const std::string& name) {
   StartDaemon(name, "slurmd", {"-D", "-N", name});
-  Await("node " + name + " takes jobs", [this, &name] { return NodeState(name) == "idle"; });
+  // Waiting jobs may be there already.
+  Await("node " + name + " takes jobs", [this, &name] {
+    const std::string state = NodeState(name);
+    return state == "idle" || state == "mixed" || state == "allocated";
+  });
 }
 
 std::string SLURM_CLUSTER::NodeState(const std::string& name) const {

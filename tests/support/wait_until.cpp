@@ -4,7 +4,7 @@
 #include <thread>
 
 bool WaitUntil(const std::function<bool()>& condition) {
-  constexpr int limit_in_steps = 1200;
+  constexpr int limit_in_steps = 3600;
   for (int step = 0; step < limit_in_steps; ++step) {
     if (condition()) {
       return true;
