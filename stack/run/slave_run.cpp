@@ -134,8 +134,10 @@ class SLAVE_RUN {
       attempt.how = reason_ = "ended by signal " + std::to_string(signals_.EndAsked());
       return RUN_STATE::CANCELLED;
     }
-    if (end.exit_status == 0 && fs::exists(folder_.OkFile())) {
-      return Publish(attempt);
+    if (end.exit_status == 0) {
+      return fs::exists(folder_.OkFile())
+                 ? Publish(attempt)
+                 : Fail(attempt, "succeeded, but left no " + folder_.OkFile().string());
     }
     constexpr int stopped_by_file = 2;
     if (end.exit_status == stopped_by_file) {
@@ -146,11 +148,13 @@ class SLAVE_RUN {
       attempt.how = "died of signal " + std::to_string(signal) + ": " + ::strsignal(signal);
       return std::nullopt;
     }
-    attempt.how = "exit status " + std::to_string(end.exit_status);
-    reason_ = ReasonOfFailure(folder_.LogFile(), folder_.ScreenFile());
-    if (reason_.empty()) {
-      reason_ = attempt.how;
-    }
+    const std::string reason = ReasonOfFailure(folder_.LogFile(), folder_.ScreenFile());
+    const std::string status = "exit status " + std::to_string(end.exit_status);
+    return Fail(attempt, reason.empty() ? status : reason);
+  }
+
+  RUN_STATE Fail(RUN_ATTEMPT& attempt, const std::string& reason) {
+    attempt.how = reason_ = reason;
     return RUN_STATE::FAILED;
   }
 
@@ -158,8 +162,7 @@ class SLAVE_RUN {
     try {
       PublishOutputs(plan_);
     } catch (const fs::filesystem_error& error) {
-      attempt.how = reason_ = error.what();
-      return RUN_STATE::FAILED;
+      return Fail(attempt, error.what());
     }
     attempt.how = "succeeded";
     return RUN_STATE::SUCCEEDED;

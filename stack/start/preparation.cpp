@@ -87,6 +87,7 @@ class PREPARATION {
                              .parameters = slave.parameters,
                              .retries = retries_};
     if (IsFinished(run, plan)) {
+      NoteSuccess(run);
       ++work_.finished;
       return;
     }
@@ -96,6 +97,16 @@ class PREPARATION {
     WriteSlavePlan(run, plan);
     WriteConfigurationFile(run, plan);
     Check(run);
+  }
+
+  /// Whoever should have noted it may have been killed, or have found no way to its final name.
+  static void NoteSuccess(const SLAVE_FOLDER& run) {
+    SLAVE_RECORD record = ReadSlaveRecord(run);
+    if (record.state != RUN_STATE::SUCCEEDED) {
+      record.state = RUN_STATE::SUCCEEDED;
+      record.reason = "";
+      WriteSlaveRecord(run, record);
+    }
   }
 
   void Check(const SLAVE_FOLDER& run) {

@@ -134,4 +134,73 @@ TEST_F(LocalStack, RepeatsNoMoreThanItMay) {
   ExpectOutputs({"s02"});
 }
 
+TEST_F(LocalStack, TellsWhyARunLeftNothing) {
+  MakeStack(4, {});
+  Open("all");
+  fs::create_directory(Path("out/s01.ras"));
+  const std::string script = ReadFile(Path("program"));
+  WriteFile(Path("program"),
+            "#!/bin/sh\n"
+            "case $2 in\n"
+            "s02) exit 0 ;;\n"
+            "s03) echo 'a library is missing' >&2; exit 127 ;;\n"
+            "s04) exit 3 ;;\n"
+            "esac\n" +
+                script);
+  EXPECT_EQ(StartHere()->Wait(), 1);
+  EXPECT_EQ(InState("failed"), names);
+  EXPECT_NE(ReasonOf("s01").find("Is a directory"), std::string::npos) << ReasonOf("s01");
+  EXPECT_EQ(ReasonOf("s02"),
+            "succeeded, but left no " + Path("stack.stack/status/OK.s02").string());
+  EXPECT_EQ(ReasonOf("s03"), "a library is missing");
+  EXPECT_EQ(ReasonOf("s04"), "exit status 3");
+
+  // What the first one made gets its name once the way is free.
+  fs::remove(Path("out/s01.ras"));
+  WriteFile(Path("program"), script);
+  WriteFile(Path("stack.stack/runs/s04/run.json"), "{\"state\": 5}");
+  const auto begun = Begun("s01").size();
+  const auto start = StartHere();
+  EXPECT_EQ(start->Wait(), 0) << start->end.screen << start->end.errors;
+  EXPECT_EQ(Begun("s01").size(), begun);
+  ExpectOutputs(names);
+}
+
+TEST_F(LocalStack, IsWatchedByItsDirectory) {
+  MakeStack(2, {});
+  const auto start = StartHere();
+  ASSERT_TRUE(AwaitBegun(names));
+  COMMAND watch(*this, {"status", Path("stack.stack"), "--watch"});
+  Open("all");
+  EXPECT_EQ(start->Wait(), 0);
+  EXPECT_EQ(watch.Wait(), 0);
+  EXPECT_NE(watch.end.screen.find("stack: 2 slaves, 2 done, 0 running, 0 failed, 0 waiting"),
+            std::string::npos)
+      << watch.end.screen;
+}
+
+TEST_F(LocalStack, RefusesWhatItCanNotDo) {
+  MakeStack(1, {});
+  const auto refused = [this](std::vector<std::string> arguments, const char* reason) {
+    COMMAND command(*this, arguments);
+    EXPECT_EQ(command.Wait(), 2) << reason;
+    EXPECT_NE((command.end.screen + command.end.errors).find(reason), std::string::npos)
+        << reason << " not in:\n"
+        << command.end.screen << command.end.errors;
+  };
+  const std::string stack = Path("stack.json");
+  refused({"status", stack}, "the stack was never started");
+  refused({"stop", stack}, "the stack was never started");
+  refused({stack}, "either --local or --slurm");
+  refused({stack, "--local", "--slurm"}, "either --local or --slurm");
+  refused({stack, "--local", "0"}, "not in range");
+  refused({stack, "--local", "--partition=debug"}, "--partition=debug");
+  refused({"--local"}, "STACK.json is required");
+  refused({stack, "--local", "--program", Path("nothing")}, "can not start");
+  refused({stack, "--slurm"}, "squeue does not answer");
+  WriteFile(Path("stack.stack/start.json"), "[]");
+  refused({"status", stack}, "resample-stack: ");
+  EXPECT_EQ(AllBegun(), (std::map<std::string, std::size_t>{{"s01", 0}}));
+}
+
 }  // namespace
