@@ -158,7 +158,8 @@ void AddStart(CLI::App& app) {
                  "Repeat a run so often that died of a signal or with its machine")
       ->check(CLI::Range(0, 1000))
       ->capture_default_str();
-  app.add_flag("--no-wait", options->no_wait, "Under Slurm, end after the submission");
+  app.add_flag("--no-wait", options->no_wait, "Under Slurm, end after the submission")
+      ->excludes(local);
   app.add_option("--program", options->program,
                  "The resample to run, else that beside this program");
   app.callback([&app, local, options] {

@@ -195,6 +195,7 @@ TEST_F(LocalStack, RefusesWhatItCanNotDo) {
   refused({stack, "--local", "--slurm"}, "either --local or --slurm");
   refused({stack, "--local", "0"}, "not in range");
   refused({stack, "--local", "--partition=debug"}, "--partition=debug");
+  refused({stack, "--local", "--no-wait"}, "--local excludes --no-wait");
   refused({"--local"}, "STACK.json is required");
   refused({stack, "--local", "--program", Path("nothing")}, "can not start");
   refused({stack, "--slurm"}, "squeue does not answer");
