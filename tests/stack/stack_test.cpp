@@ -49,7 +49,8 @@ void STACK_TEST::MakeStack(int count, const NAMES& large) {
   for (const std::string& name : names) {
     JSON slave = {{"name", name}};
     if (large.count(name) != 0) {
-      slave.update({{"n_samples", large_size}, {"n_lines", large_size}, {"KERNEL_LENGTH", 80}});
+      slave.update(
+          {{"n_samples", large_size}, {"n_lines", large_size}, {"KERNEL_LENGTH", large_kernel}});
       scene.slave = GRID<RAW_PIXEL>(large_size, large_size, {100, 7});
       scene.mask = GRID<std::uint8_t>(large_size, large_size, 1);
     } else {

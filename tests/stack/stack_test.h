@@ -97,6 +97,12 @@ class STACK_TEST : public testing::Test {
 
  private:
   static constexpr int large_size = 400;
+  /// Sanitizers make runs slow.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  static constexpr int large_kernel = 32;
+#else
+  static constexpr int large_kernel = 80;
+#endif
 
   void WriteProgram() const;
   /// Runs resample by itself on the slave as the description gives it, with outputs in "single".
