@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -49,8 +48,7 @@ class STACK_STARTER {
     }
     MakeQueue();
     const STACK_WORK work = Prepare();
-    start_.begun =
-        std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+    start_.begun = SecondsSince1970();
     WriteStackStart(stack_, start_);
     watch_.emplace(stack_, start_);
     Submit(work);

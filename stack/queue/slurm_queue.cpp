@@ -66,7 +66,7 @@ void SLURM_QUEUE::Submit(const std::vector<std::string>& names) {
   command.insert(command.end(), settings_.options.begin(), settings_.options.end());
   // What the stack depends on stands last and so wins.
   for (const std::string& option :
-       {std::string("--parsable"), array, "--job-name=" + settings_.job_name,
+       {array, "--job-name=" + settings_.job_name,
         "--comment=" + std::string(comment_begin) + slave_list.string(),
         "--chdir=" + stack_.Path().string(),
         "--output=" + (stack_.SlurmDirectory() / "%A_%a.out").string(), script}) {
@@ -76,9 +76,6 @@ void SLURM_QUEUE::Submit(const std::vector<std::string>& names) {
   if (result.end.exit_status != 0) {
     throw STACK_ERROR("sbatch: " + result.text);
   }
-  // Warnings may precede it; the cluster's name may follow it.
-  const std::vector<std::string> lines = Lines(result.text);
-  job_id_ = lines.empty() ? "" : lines.back().substr(0, lines.back().find(';'));
 }
 
 std::filesystem::path SLURM_QUEUE::NewSlaveList() const {
@@ -93,7 +90,7 @@ std::filesystem::path SLURM_QUEUE::NewSlaveList() const {
 
 std::optional<std::vector<SLURM_QUEUE::TASK>> SLURM_QUEUE::Tasks() const {
   const COMMAND_RESULT result =
-      RunCommand({"squeue", "--me", "--noheader", "--array", "--format=%A|%F|%K|%T|%k"});
+      RunCommand({"squeue", "--me", "--noheader", "--array", "--format=%F|%K|%T|%k"});
   if (result.end.exit_status != 0) {
     return std::nullopt;
   }
@@ -102,12 +99,10 @@ std::optional<std::vector<SLURM_QUEUE::TASK>> SLURM_QUEUE::Tasks() const {
   std::vector<TASK> tasks;
   for (const std::string& line : Lines(result.text)) {
     std::istringstream fields(line);
-    std::string task_job;
     TASK task;
     std::string index;
     std::string state;
     std::string comment;
-    std::getline(fields, task_job, '|');
     std::getline(fields, task.job, '|');
     std::getline(fields, index, '|');
     std::getline(fields, state, '|');

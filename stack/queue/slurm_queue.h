@@ -27,9 +27,6 @@ class SLURM_QUEUE final : public RUN_QUEUE {
   void CancelWaiting() override;
   void Wait(SIGNALS& signals) const override;
 
-  /// The job of the last `Submit`.
-  const std::string& JobId() const noexcept { return job_id_; }
-
  private:
   /// One task of one of the stack's arrays, as squeue tells it.
   struct TASK {
@@ -44,5 +41,4 @@ class SLURM_QUEUE final : public RUN_QUEUE {
 
   STACK_FOLDER stack_;
   SETTINGS settings_;
-  std::string job_id_;
 };

@@ -1,6 +1,7 @@
 #include "run/slave_record.h"
 
 #include <array>
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
@@ -63,6 +64,10 @@ SLAVE_RECORD ReadSlaveRecord(const SLAVE_FOLDER& folder) {
   } catch (const JSON::exception&) {
     return {};
   }
+}
+
+double SecondsSince1970() {
+  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
 JSON AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts) {

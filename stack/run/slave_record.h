@@ -42,6 +42,9 @@ struct SLAVE_RECORD {
   }
 };
 
+/// The time as records hold it.
+double SecondsSince1970();
+
 /// As records and `status --json` hold them.
 nlohmann::json AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts);
 

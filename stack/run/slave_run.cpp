@@ -21,10 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-double Now() {
-  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
 std::string HostName() {
   std::array<char, 256> name{};
   return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "unknown";
@@ -78,7 +74,7 @@ class SLAVE_RUN {
   void CloseBrokenAttempts() {
     for (RUN_ATTEMPT& attempt : record_.attempts) {
       if (attempt.ended == 0.0) {
-        attempt.ended = Now();
+        attempt.ended = SecondsSince1970();
         attempt.how = "died with its machine or its job";
       }
     }
@@ -99,7 +95,7 @@ class SLAVE_RUN {
     record_.state = RUN_STATE::RUNNING;
     record_.reason = "";
     record_.fingerprint = Fingerprint(plan_);
-    record_.attempts.push_back({.begun = Now(), .host = HostName()});
+    record_.attempts.push_back({.begun = SecondsSince1970(), .host = HostName()});
     WriteSlaveRecord(folder_, record_);
   }
 
@@ -129,7 +125,7 @@ class SLAVE_RUN {
   /// The state in which the attempt leaves the slave; nothing when it died and may be repeated.
   std::optional<RUN_STATE> Judge(const CHILD_END& end) {
     RUN_ATTEMPT& attempt = record_.attempts.back();
-    attempt.ended = Now();
+    attempt.ended = SecondsSince1970();
     if (signals_.EndAsked() != 0) {
       attempt.how = reason_ = "ended by signal " + std::to_string(signals_.EndAsked());
       return RUN_STATE::CANCELLED;

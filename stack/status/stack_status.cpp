@@ -1,7 +1,6 @@
 #include "status/stack_status.h"
 
 #include <algorithm>
-#include <chrono>
 #include <nlohmann/json.hpp>
 
 #include "description/stack_description.h"
@@ -12,10 +11,6 @@
 namespace {
 
 using JSON = nlohmann::json;
-
-double Now() {
-  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
 
 /// Counts the slaves of a stack, and how much has been done since its start.
 class COUNTS {
@@ -41,7 +36,7 @@ class COUNTS {
   }
 
   void EstimateRate() {
-    const double seconds = (status_.IsActive() ? Now() : last_end_) - begun_;
+    const double seconds = (status_.IsActive() ? SecondsSince1970() : last_end_) - begun_;
     const double done = done_since_start_ + parts_of_running_;
     if (done <= 0.0 || seconds <= 0.0) {
       return;
