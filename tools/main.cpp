@@ -5,6 +5,7 @@
 
 #include "base/error_exception.h"
 #include "check_run/check_run_command.h"
+#include "common/interruption.h"
 #include "compare/compare_command.h"
 #include "export/export_command.h"
 #include "import/import_command.h"
@@ -45,6 +46,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const INTERRUPTION interruption;
   try {
     return Run(argc, argv);
   } catch (const ERROR_EXCEPTION& error) {

@@ -5,6 +5,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "common/new_files.h"
 #include "common/parallel_lines.h"
 #include "common/pixel_encoder.h"
 #include "raster/mem_mgr.h"
@@ -17,7 +18,8 @@ void WritePixels(const std::string& path, std::int64_t width, std::int64_t heigh
                  const FILL& fill) {
   constexpr std::size_t numbers_a_value = std::is_same_v<VALUE, double> ? 1 : 2;
   MEM_MGR raster;
-  raster.Create(path.c_str(), 0, 0, width - 1, height - 1, type);
+  NEW_FILE file(path);
+  raster.Create(file.Path().c_str(), 0, 0, width - 1, height - 1, type);
   auto* const pixels = reinterpret_cast<std::byte*>(raster.Data());
   const std::int64_t line_length = width * raster.BytesPerPixel();
   ForEachLine(height, [&](std::int64_t line) {
@@ -28,6 +30,7 @@ void WritePixels(const std::string& path, std::int64_t width, std::int64_t heigh
                  {reinterpret_cast<const double*>(values.data()), values.size() * numbers_a_value},
                  pixels + line * line_length, counts);
   });
+  file.Finish();
 }
 
 [[noreturn]] void RefuseType(const std::string& path) {

@@ -12,11 +12,11 @@
 using COMPLEX_LINE = std::function<void(std::int64_t line, std::span<std::complex<double>> values)>;
 using REAL_LINE = std::function<void(std::int64_t line, std::span<double> values)>;
 
-/// Creates a raster file and fills it line by line, in place: no image is ever held in memory.
-/// Numbers are encoded as `EncodePixels` does.
+/// Creates a raster file and fills it line by line, in place: no image is ever held in memory. It
+/// gets its name when it is whole. Numbers are encoded as `EncodePixels` does.
 ///
-/// Throw std::invalid_argument for a type that does not hold pairs or single numbers, and the
-/// errors of MEM_MGR::Create.
+/// Throw std::invalid_argument for a type that does not hold pairs or single numbers,
+/// std::system_error where no file of this name can be made, and the errors of MEM_MGR::Create.
 void WriteRaster(const std::string& path, std::int64_t width, std::int64_t height, PIXEL_TYPE type,
                  const COMPLEX_LINE& fill);
 void WriteRealRaster(const std::string& path, std::int64_t width, std::int64_t height,

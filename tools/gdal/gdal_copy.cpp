@@ -10,6 +10,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "common/new_files.h"
 #include "gdal/gdal_errors.h"
 #include "gdal/gdal_types.h"
 
@@ -158,9 +159,10 @@ void WriteGdalCopy(const RASTER_READER& raster, const std::string& path, const s
   GDALDriver& writer = Driver(driver, path);
   CPLStringList creation_options = CreationOptions(options, writer);
   LINE_DATASET source(raster);
+  NEW_FILE file(path);
   const GDAL_ERRORS errors;
   constexpr int strict = TRUE;
-  GDALDatasetUniquePtr copy(writer.CreateCopy(path.c_str(), &source, strict,
+  GDALDatasetUniquePtr copy(writer.CreateCopy(file.Path().c_str(), &source, strict,
                                               creation_options.List(), Report,
                                               const_cast<PROGRESS*>(&progress)));
   const bool is_created = copy != nullptr;
@@ -168,9 +170,7 @@ void WriteGdalCopy(const RASTER_READER& raster, const std::string& path, const s
   // The last blocks are written here: a full disk may show only now.
   copy.reset();
   if (errors.HasFailure() || !same_type) {
-    if (is_created && std::filesystem::is_regular_file(path)) {
-      writer.QuietDelete(path.c_str());
-    }
     errors.Throw("can not write " + path);
   }
+  file.Finish();
 }

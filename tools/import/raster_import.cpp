@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <complex>
-#include <filesystem>
 #include <stdexcept>
 
+#include "common/new_files.h"
 #include "gdal/gdal_types.h"
 #include "raster/mem_mgr.h"
 
@@ -124,16 +124,12 @@ IMPORT_RESULT ImportRaster(const IMPORT_OPTIONS& options, const PROGRESS& progre
   result.type = ChooseType(options, source);
   CheckFits(options, source, result);
 
+  NEW_FILE file(options.target);
   MEM_MGR raster;
-  raster.Create(options.target.c_str(), 0, 0, result.window.width - 1, result.window.height - 1,
+  raster.Create(file.Path().c_str(), 0, 0, result.window.width - 1, result.window.height - 1,
                 result.type);
-  try {
-    NUMBER_SOURCE numbers(source, options, result.type);
-    Fill(raster, numbers, source.LinesAtOnce(options.bands[0], result.window), result, progress);
-  } catch (...) {
-    std::error_code kept;
-    std::filesystem::remove(options.target, kept);
-    throw;
-  }
+  NUMBER_SOURCE numbers(source, options, result.type);
+  Fill(raster, numbers, source.LinesAtOnce(options.bands[0], result.window), result, progress);
+  file.Finish();
   return result;
 }

@@ -5,10 +5,10 @@
 #include <gdfontl.h>
 #include <gdfonts.h>
 
-#include <cstdio>
 #include <new>
 #include <stdexcept>
-#include <system_error>
+
+#include "common/new_files.h"
 
 namespace {
 
@@ -56,14 +56,6 @@ int Lead(ALIGN align, int length) noexcept {
 struct FREER {
   void operator()(void* memory) const noexcept { gdFree(memory); }
 };
-
-struct CLOSER {
-  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-
-[[noreturn]] void ThrowCanNotWrite(const std::string& path) {
-  throw std::system_error(errno, std::generic_category(), "can not write " + path);
-}
 
 }  // namespace
 
@@ -131,14 +123,7 @@ std::string CANVAS::Png() const {
 }
 
 void CANVAS::WritePng(const std::string& path) const {
-  const std::string png = Png();
-  std::unique_ptr<std::FILE, CLOSER> file(std::fopen(path.c_str(), "wb"));
-  if (!file || std::fwrite(png.data(), 1, png.size(), file.get()) != png.size()) {
-    ThrowCanNotWrite(path);
-  }
-  if (std::fclose(file.release()) != 0) {
-    ThrowCanNotWrite(path);
-  }
+  WriteWholeFile(path, Png());
 }
 
 int TextWidth(FONT font, const std::string& text) noexcept {

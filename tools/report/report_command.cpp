@@ -1,12 +1,10 @@
 #include "report/report_command.h"
 
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
+#include "common/new_files.h"
 #include "logging/logging.h"
 #include "report/report_page.h"
 
@@ -24,12 +22,7 @@ void WriteReport(const REPORT_OPTIONS& options) {
   Log().SetScreenLevel(LOGGING_LEVEL_T::NO_MESSAGE);
   const RUN_RECORD run(options.directory, options.log);
   const std::string path = options.page.empty() ? run.Resolved("report.html") : options.page;
-  const std::string page = MakeReportPage(run, options.master);
-  std::ofstream file(path, std::ios::binary);
-  file << page << std::flush;
-  if (!file) {
-    throw std::runtime_error("can not write " + path);
-  }
+  WriteWholeFile(path, MakeReportPage(run, options.master));
   std::cout << path << "\n";
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "common/new_files.h"
 #include "scene/scene_options.h"
 #include "scene/scene_parameters.h"
 #include "scene/scene_rasters.h"
@@ -84,8 +85,11 @@ void MakeScene(SCENE_OPTIONS options) {
     options.tile = ChooseTile(options);
   }
   std::filesystem::create_directories(options.directory);
+  NEW_FILES files(options.directory);
+  options.directory = files.Directory();
   WriteSceneRasters(options);
   WriteSceneParameters(options);
+  files.Finish();
 }
 
 }  // namespace

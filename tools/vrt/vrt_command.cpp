@@ -1,25 +1,17 @@
 #include "vrt/vrt_command.h"
 
-#include <cerrno>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <system_error>
 
+#include "common/new_files.h"
 #include "vrt/vrt_text.h"
 
 namespace {
 
 void WriteVrt(const std::string& raster) {
-  const std::string text = VrtText(raster);
   const std::string path = raster + ".vrt";
-  std::ofstream file(path);
-  file << text;
-  file.close();
-  if (!file) {
-    throw std::system_error(errno, std::generic_category(), path);
-  }
+  WriteWholeFile(path, VrtText(raster));
   std::cout << path << "\n";
 }
 
