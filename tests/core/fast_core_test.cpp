@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <random>
 #include <utility>
 
 #include "core/pixel_evaluation.h"
@@ -66,16 +67,21 @@ bool IsNear(double value, double expected, double allowed) {
   return std::isfinite(expected) ? std::abs(value - expected) <= allowed : !std::isfinite(value);
 }
 
+template <class CODEC>
+void ResampleRecorded(CORE_JOB& job, const LEVEL& level) {
+  recorded.clear();
+  recording_functions = level.functions;
+  job.ClearOutputs();
+  job.Resample<CODEC>(ResampleRecording<CODEC>);
+}
+
 /// Compares every pixel of one job before encoding, and its mask, with the evaluation of single
 /// pixels. Returns the number of computed pixels.
 template <class CODEC>
 int CheckAgainstSinglePixels(CORE_JOB& core_job, const LEVEL& level) {
   using PIXEL = typename CODEC::PIXEL;
   const RESAMPLE_JOB& job = core_job.Job();
-  recorded.clear();
-  recording_functions = level.functions;
-  core_job.ClearOutputs();
-  core_job.Resample<CODEC>(ResampleRecording<CODEC>);
+  ResampleRecorded<CODEC>(core_job, level);
 
   const PIXEL_EVALUATION<CODEC> evaluation(job, job.input_slave->Rows<PIXEL>());
   int computed = 0;
@@ -137,6 +143,60 @@ TEST_P(FastCoreTest, EqualsTheEvaluationOfSinglePixelsBeforeEncoding) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, FastCoreTest, testing::Range(1, 41));
+
+/// A centroid that turns the taps of a kernel by so many turns over its length.
+struct LARGE_PHASE {
+  int length;
+  double turns;
+  bool is_fast;  ///< not left to the plain core
+};
+
+TEST(LargePhases, AreAsAccurateUpToTheLimitAndLeftToThePlainCoreBeyond) {
+  const LOG_CAPTURE log;
+  std::mt19937 random(1);
+  for (const auto& [length, turns, is_fast] : {LARGE_PHASE{6, -500.0, true},
+                                               {8, 511.99, true},
+                                               {8, -512.01, false},
+                                               {16, 320.0, true},
+                                               {16, 512.0, true},
+                                               {16, 512.01, false},
+                                               {33, 511.3, true},
+                                               {64, 0.0, true},
+                                               {64, -320.1, true},
+                                               {65, 0.0, true},
+                                               {96, 300.0, true},
+                                               {128, 0.01, true},
+                                               {128, 64.0, true},
+                                               {128, 511.9, true}}) {
+    for (const char* imaging_mode : {"SM", "SL"}) {
+      SCENE scene = OrdinaryScene();
+      scene.slave = GRID<RAW_PIXEL>(150, 150);
+      for (RAW_PIXEL& pixel : scene.slave.values) {
+        pixel = {static_cast<std::uint16_t>(random()), static_cast<std::uint16_t>(random())};
+      }
+      scene.mask.reset();
+      scene.n_samples = scene.n_lines = 80;
+      scene.mapping =
+          POLYNOMIAL_MAPPING_DATA{{35.3, 0.01, 0.02, 0, 0, 0}, {33.7, 0.02, 1e-3, 0, 0, 0}};
+      scene.kernel_length = length;
+      scene.subpix_positions = 1024;
+      scene.imaging_mode = imaging_mode;
+      scene.doppler = DOPPLER_DATA();
+      scene.doppler.coefficients = GRID<double>(1, 1, turns * scene.doppler.prf / length);
+      CORE_JOB job(scene);
+      for (const LEVEL& level : SupportedLevels()) {
+        SCOPED_TRACE(testing::Message() << level.variant->name << ", " << imaging_mode << ", "
+                                        << length << " taps, " << turns << " turns");
+        if (is_fast) {
+          EXPECT_GT(CheckAgainstSinglePixels<INT_16_CODEC>(job, level), 300);
+        } else {
+          ResampleRecorded<INT_16_CODEC>(job, level);
+          EXPECT_TRUE(std::isnan(recorded[0].re));
+        }
+      }
+    }
+  }
+}
 
 TEST(DopplerCentroidModelTest, AnnotationThatMemoryCanNotHoldIsRefused) {
   const LOG_CAPTURE log;

@@ -14,10 +14,9 @@ using testing::Range;
 /// The ways to resample. One that the processor lacks is replaced by the fastest that it has.
 constexpr std::array variants = {"plain", "x86-64", "x86-64-v3", "x86-64-v4"};
 
-/// Runs the program on the scene and compares its outputs with the model. `number` chooses the
+/// Runs the program in the folder and compares its outputs with the model. `number` chooses the
 /// variant and the number of workers.
-MODEL_COMPARISON RunAndCompare(const SCENE& scene, unsigned number) {
-  RUN_FOLDER folder(scene);
+MODEL_COMPARISON RunAndCompare(const SCENE& scene, RUN_FOLDER& folder, unsigned number) {
   folder.environment["PARALLEL"] = std::to_string(number % 7 + 1);
   folder.environment["RESAMPLE_SIMD"] = variants[number % variants.size()];
   ExpectSuccess(folder, folder.Run());
@@ -26,6 +25,19 @@ MODEL_COMPARISON RunAndCompare(const SCENE& scene, unsigned number) {
                                                 scene.n_lines, scene.RasterType()),
                           ReadRaster<std::uint8_t>(folder.Path("out_mask.ras"), scene.n_samples,
                                                    scene.n_lines, RASTER_BYTE));
+}
+
+MODEL_COMPARISON RunAndCompare(const SCENE& scene, unsigned number) {
+  RUN_FOLDER folder(scene);
+  return RunAndCompare(scene, folder, number);
+}
+
+/// Puts a colour map of so many bytes between the header and the pixels of a raster.
+void InsertColourMap(const std::string& path, std::size_t length) {
+  std::string bytes = ReadFile(path);
+  bytes[27] = 1;  // last bytes of the header's two words for it
+  bytes[31] = static_cast<char>(length);
+  WriteFile(path, bytes.insert(raster_header_size, length, 'x'));
 }
 
 constexpr unsigned scenes_in_a_block = 64;
@@ -85,6 +97,24 @@ TEST(SpecialScenes, AgreeWithTheModel) {
       const MODEL_COMPARISON comparison = RunAndCompare(scene, number);
       EXPECT_EQ(comparison.difference, "") << variants[number];
       EXPECT_EQ(comparison.computed_pixels, special.computed_pixels) << variants[number];
+    }
+  }
+}
+
+TEST(SpecialScenes, PixelsBehindColourMapsOfOddLengthsAgreeWithTheModel) {
+  for (const std::size_t length : {1, 3}) {
+    for (const unsigned seed : {0U, 1U, 2U, 3U}) {  // both pixel types and mappings
+      const SCENE scene = RandomScene(seed);
+      for (unsigned number = 0; number < variants.size(); ++number) {
+        SCOPED_TRACE(testing::Message() << length << ", seed " << seed << ", " << variants[number]);
+        RUN_FOLDER folder(scene);
+        for (const char* raster : {"slave.ras", "mask.ras", "rg.map", "az.map"}) {
+          if (folder.Exists(raster)) {
+            InsertColourMap(folder.Path(raster), length);
+          }
+        }
+        EXPECT_EQ(RunAndCompare(scene, folder, number).difference, "");
+      }
     }
   }
 }

@@ -22,7 +22,7 @@ class AZIMUTH_SUMS {
               const DERAMP_PHASORS& phasors) {
     LoadWeights(columns);
     const COMPLEX_ROW sums = {re_, im_};
-    if (phasors.WithRate()) {
+    if (phasors.AreWithRate()) {
       filter_with_rate_(weights_.Row(0), range_sums, length_, phasors.Rate(), strip_columns, sums);
     } else {
       filter_(weights_.Row(0), range_sums, length_, phasors.Ramp(), strip_columns, sums);

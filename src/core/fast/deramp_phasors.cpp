@@ -11,7 +11,7 @@ DERAMP_PHASORS::DERAMP_PHASORS(const DOPPLER_SAMPLER& doppler, const FOOTPRINT& 
 void DERAMP_PHASORS::Update(const COLUMN_TRACKER& columns) {
   EvaluateCentroids(columns);
   const double* fa = columns.AzimuthFraction();
-  if (WithRate()) {
+  if (AreWithRate()) {
     functions_.rate_turns(slope_, rate_, fa, offset_, length_, strip_columns,
                           {first_.turns, step_.turns, last_.turns});
     first_.EvaluateClose(functions_, first_.turns, columns.Computed());
@@ -30,14 +30,14 @@ void DERAMP_PHASORS::EvaluateCentroids(const COLUMN_TRACKER& columns) {
   for (const COLUMN_RUN& run : columns.Runs()) {
     const LINE_CENTROID centroid = centroids_.At(columns.SlaveLine(run.first));
     functions_.centroid(centroid.slope, range_time_ + run.first, run.count, slope_ + run.first);
-    if (WithRate()) {
+    if (doppler_.WithRate()) {
       functions_.centroid(centroid.rate, range_time_ + run.first, run.count, rate_ + run.first);
     }
   }
   for (const int x : columns.Singles()) {
     const LINE_CENTROID centroid = centroids_.At(columns.SlaveLine(x));
     slope_[x] = ValueAt(centroid.slope, range_time_[x]);
-    if (WithRate()) {
+    if (doppler_.WithRate()) {
       rate_[x] = ValueAt(centroid.rate, range_time_[x]);
     }
   }

@@ -20,11 +20,16 @@ class DERAMP_PHASORS {
   /// Brings them to the line at which the columns are. Columns that are not computed get any value.
   void Update(const COLUMN_TRACKER& columns);
 
-  bool WithRate() const { return doppler_.WithRate(); }
+  /// Whether `Rate` holds the phasors, and not `Ramp`: with a rate term, and for kernels so long
+  /// that the recurrence over a ramp would lose digits.
+  bool AreWithRate() const { return doppler_.WithRate() || length_ > longest_ramp; }
   RAMP_ROWS Ramp() const { return {first_.Row(), last_.Row()}; }
   RATE_ROWS Rate() const { return {first_.Row(), step_.Row(), last_.Row()}; }
 
  private:
+  /// Taps; the error of the recurrence grows with the square of their number.
+  static constexpr int longest_ramp = 64;
+
   /// A row of angles with its cosines and sines.
   struct PHASOR_ROW {
     alignas(64) double turns[strip_columns] = {};

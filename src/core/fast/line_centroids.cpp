@@ -16,9 +16,9 @@ std::size_t EntryCount(int slave_height, std::size_t entry_size) {
   return std::min(wanted, possible);
 }
 
-/// Largest phase between the ends of the kernel, in turns, whose rounding error stays far below
-/// 1e-12.
-constexpr double largest_phase = 64.0;
+/// Likewise for the rate: the polynomials that are subtracted may be this large, as phases at the
+/// ends of the kernel in turns.
+constexpr double largest_rate_phase = 256.0;
 
 /// Replaces the coefficients of p(x) by those of p(x + distance) as a polynomial in x.
 void Shift(double* coefficients, int count, double distance) {
@@ -49,22 +49,13 @@ LINE_CENTROIDS::LINE_CENTROIDS(const DOPPLER_SAMPLER& doppler, int slave_width, 
 
 void LINE_CENTROIDS::Compute(std::int64_t line, double* entry) {
   const double azimuth_time = doppler_.AzimuthTime(line);
-  bool is_accurate = ComputeSlope(azimuth_time, entry);
+  entry[0] = doppler_.Model().PolynomialAt(azimuth_time, entry + 1);
   if (doppler_.WithRate()) {
-    is_accurate = ComputeRate(azimuth_time, entry) && is_accurate;
-  }
-  if (!is_accurate) {
-    std::fill(entry + 1, entry + entry_size_, std::numeric_limits<double>::quiet_NaN());
+    ComputeRate(azimuth_time, entry);
   }
 }
 
-bool LINE_CENTROIDS::ComputeSlope(double azimuth_time, double* entry) {
-  double* slope = entry + 1;
-  entry[0] = doppler_.Model().PolynomialAt(azimuth_time, slope);
-  return Magnitude(slope, entry[0]) / doppler_.Model().Prf() * kernel_length_ <= largest_phase;
-}
-
-bool LINE_CENTROIDS::ComputeRate(double azimuth_time, double* entry) {
+void LINE_CENTROIDS::ComputeRate(double azimuth_time, double* entry) {
   const DOPPLER_CENTROID_MODEL& model = doppler_.Model();
   const double scale = 1.0 / (4.0 * doppler_.RateStep() * model.Prf() * model.Prf());
   double* rate = entry + 1 + coefficient_count_;
@@ -76,12 +67,14 @@ bool LINE_CENTROIDS::ComputeRate(double azimuth_time, double* entry) {
     Shift(neighbour_.data(), coefficient_count_, entry[0] - reference_time);
     const double phase =
         Magnitude(neighbour_.data(), entry[0]) * scale * kernel_length_ * kernel_length_;
-    is_accurate = is_accurate && phase <= largest_phase;
+    is_accurate = is_accurate && phase <= largest_rate_phase;
     for (int k = 0; k < coefficient_count_; ++k) {
       rate[k] += sign * scale * neighbour_[static_cast<std::size_t>(k)];
     }
   }
-  return is_accurate;
+  if (!is_accurate) {
+    std::fill_n(rate, coefficient_count_, std::numeric_limits<double>::quiet_NaN());
+  }
 }
 
 /// A bound of the polynomial's value, and of every partial sum, over the samples of the slave.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "core/doppler_phase.h"
@@ -19,8 +21,13 @@ inline double ValueAt(const RANGE_POLYNOMIAL& polynomial, double range_time) {
   for (int k = polynomial.count - 2; k >= 0; --k) {
     sum = sum * dt + polynomial.coefficients[k];
   }
-  return sum * polynomial.scale;
+  sum *= polynomial.scale;
+  return std::abs(sum) <= polynomial.limit ? sum : std::numeric_limits<double>::quiet_NaN();
 }
+
+/// Largest phase of a centroid over the length of the kernel, |fdc| / PRF * L in turns, for which
+/// the sums keep their accuracy: the rounding of larger ones shows, in the plain core too.
+inline constexpr double largest_phase = 512.0;
 
 /// Centroids by slave line, worked out when first asked for and kept in a table of bounded size.
 ///
@@ -29,8 +36,8 @@ inline double ValueAt(const RANGE_POLYNOMIAL& polynomial, double range_time) {
 ///     (fdc(t + d) - fdc(t - d)) / (4 d PRF^2),
 ///
 /// with d the time of a hundred lines; both polynomials are expanded around the reference time of
-/// the line itself and subtracted. A line whose phases would be so large that the rounding of the
-/// phase shows gets NaN for coefficients: its pixels are then left to the plain core.
+/// the line itself and subtracted. Where a phase would be so large that its rounding shows, slope
+/// or rate are NaN: such pixels are left to the plain core.
 class LINE_CENTROIDS {
  public:
   LINE_CENTROIDS(const DOPPLER_SAMPLER& doppler, int slave_width, int slave_height,
@@ -44,14 +51,15 @@ class LINE_CENTROIDS {
       Compute(line, entry);
       lines_[index] = line;
     }
-    return {{entry[0], entry + 1, coefficient_count_, slope_scale_},
-            {entry[0], entry + 1 + coefficient_count_, coefficient_count_, 1.0}};
+    return {{entry[0], entry + 1, coefficient_count_, slope_scale_, largest_phase / kernel_length_},
+            {entry[0], entry + 1 + coefficient_count_, coefficient_count_, 1.0, no_limit}};
   }
 
  private:
+  static constexpr double no_limit = std::numeric_limits<double>::infinity();
+
   void Compute(std::int64_t line, double* entry);
-  bool ComputeSlope(double azimuth_time, double* entry);
-  bool ComputeRate(double azimuth_time, double* entry);
+  void ComputeRate(double azimuth_time, double* entry);
   double Magnitude(const double* coefficients, double reference_time) const;
 
   const DOPPLER_SAMPLER& doppler_;

@@ -70,6 +70,7 @@ struct RANGE_POLYNOMIAL {
   const double* coefficients;  ///< lowest degree first
   int count;
   double scale;
+  double limit;  ///< of magnitudes: what is larger, or no number, becomes NaN
 };
 
 /// Where the phases of a quadratic centroid go, in turns.
@@ -134,10 +135,10 @@ struct ROW_FUNCTIONS {
   /// scale * sum over k of c_k (range_time - reference_time)^k by Horner's rule, never fused.
   void (*centroid)(const RANGE_POLYNOMIAL& polynomial, const double* range_time, int count,
                    double* value);
-  /// last = slope * (fa + offset)
+  /// last = slope * (fa + offset), but for whole turns.
   void (*ramp_turns)(const double* slope, const double* fa, double offset, int count, double* last);
-  /// The turns of `RATE_ROWS` for the phase slope * (fa - t) + rate * (fa^2 - t^2) of
-  /// tap k at t = k - offset.
+  /// The turns of `RATE_ROWS`, but for whole ones, for the phase
+  /// slope * (fa - t) + rate * (fa^2 - t^2) of tap k at t = k - offset.
   void (*rate_turns)(const double* slope, const double* rate, const double* fa, double offset,
                      int length, int count, const RATE_TURNS& turns);
   /// cos and sin of 2 pi * turns, to about 4e-16.

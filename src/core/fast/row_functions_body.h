@@ -56,6 +56,7 @@ std::uint64_t FindUnsteady(const COLUMN_INTERVALS& in, const AZIMUTH_LIMITS& lim
 void Centroid(const RANGE_POLYNOMIAL& polynomial, const double* range_time, int count,
               double* value) {
   const LANES zero{};
+  const LANES nan = zero + __builtin_nan("");
   const double* const c = polynomial.coefficients;
   const int degree = polynomial.count - 1;
   for (int x = 0; x < count; x += lanes) {
@@ -64,28 +65,40 @@ void Centroid(const RANGE_POLYNOMIAL& polynomial, const double* range_time, int 
     for (int k = degree - 1; k >= 0; --k) {
       sum = sum * dt + c[k];
     }
-    Store(sum * polynomial.scale, value + x);
+    sum *= polynomial.scale;
+    const LANE_FLAGS fits = (sum >= -polynomial.limit) & (sum <= polynomial.limit);
+    Store(fits ? sum : nan, value + x);
   }
 }
 
-void RampTurns(const double* __restrict slope, const double* __restrict fa, double offset,
-               int count, double* __restrict last) {
-  for (int x = 0; x < count; ++x) {
-    last[x] = slope[x] * (fa[x] + offset);
+/// What is left of turns without whole ones, which is exact.
+inline LANES WithoutWhole(LANES turns) {
+  constexpr double magic = 0x1.8p52;  // adding it rounds to an integer
+  return turns - ((turns + magic) - magic);
+}
+
+// Whole turns a line are whole turns over whole lines, and are left away there: what remains is
+// rounded less.
+
+void RampTurns(const double* slope, const double* fa, double offset, int count, double* last) {
+  for (int x = 0; x < count; x += lanes) {
+    const LANES turns = Load(slope + x);
+    Store(turns * Load(fa + x) + WithoutWhole(turns) * offset, last + x);
   }
 }
 
-void RateTurns(const double* __restrict slope, const double* __restrict rate,
-               const double* __restrict fa, double offset, int length, int count,
-               const RATE_TURNS& turns) {
-  double* __restrict first = turns.first;
-  double* __restrict step = turns.step;
-  double* __restrict last = turns.last;
+void RateTurns(const double* slope, const double* rate, const double* fa, double offset, int length,
+               int count, const RATE_TURNS& turns) {
   const double first_rate = 2.0 * offset - (2.0 * length - 3.0);
-  for (int x = 0; x < count; ++x) {
-    first[x] = first_rate * rate[x] - slope[x];
-    step[x] = 2.0 * rate[x];
-    last[x] = (fa[x] + offset) * (slope[x] + rate[x] * (fa[x] - offset));
+  for (int x = 0; x < count; x += lanes) {
+    const LANES linear = Load(slope + x);
+    const LANES quadratic = Load(rate + x);
+    const LANES fraction = Load(fa + x);
+    const LANES rest = WithoutWhole(linear);
+    Store(first_rate * quadratic - rest, turns.first + x);
+    Store(2.0 * quadratic, turns.step + x);
+    Store(linear * fraction + rest * offset + quadratic * (fraction + offset) * (fraction - offset),
+          turns.last + x);
   }
 }
 
@@ -336,11 +349,12 @@ void CombineMasks(const unsigned char* __restrict masks, int length, int count,
 using INT_16 = COMPLEX<std::int16_t>;
 using BINARY_16 = COMPLEX<std::uint16_t>;
 
-/// Real part in the low half, imaginary part in the high one.
+/// Real part in the low half, imaginary part in the high one. Pixels behind a colour map can have
+/// any address, so no reference to one may exist.
 template <class PIXEL>
-std::uint32_t Word(const PIXEL& pixel) {
+std::uint32_t Word(const PIXEL* pixel) {
   std::uint32_t word;
-  __builtin_memcpy(&word, &pixel, sizeof(word));
+  __builtin_memcpy(&word, static_cast<const void*>(pixel), sizeof(word));
   return word;
 }
 
@@ -370,7 +384,7 @@ void DecodeRow(const INT_16* pixels, int count, COMPLEX_ROW decoded) {
   double* __restrict re = decoded.re;
   double* __restrict im = decoded.im;
   for (int x = 0; x < count; ++x) {
-    const std::uint32_t word = Word(pixels[x]);
+    const std::uint32_t word = Word(pixels + x);
     re[x] = static_cast<double>(RealHalf(word));
     im[x] = static_cast<double>(ImaginaryHalf(word));
   }
@@ -380,7 +394,7 @@ void DecodeRow(const BINARY_16* pixels, int count, COMPLEX_ROW decoded) {
   double* __restrict re = decoded.re;
   double* __restrict im = decoded.im;
   for (int x = 0; x < count; ++x) {
-    const std::uint32_t word = Word(pixels[x]);
+    const std::uint32_t word = Word(pixels + x);
     re[x] = DecodeBinary16(RealHalf(word));
     im[x] = DecodeBinary16(ImaginaryHalf(word));
   }
@@ -413,12 +427,12 @@ COMPLEX_PAIR DecodePair(const BINARY_16* pixels) {
 }
 
 COMPLEX_PAIR DecodeSingle(const INT_16* pixel) {
-  const std::uint32_t word = Word(*pixel);
+  const std::uint32_t word = Word(pixel);
   return PairOf(RealHalf(word), ImaginaryHalf(word));
 }
 
 COMPLEX_PAIR DecodeSingle(const BINARY_16* pixel) {
-  const std::uint32_t word = Word(*pixel);
+  const std::uint32_t word = Word(pixel);
   return PairOf(DecodeBinary16(RealHalf(word)), DecodeBinary16(ImaginaryHalf(word)));
 }
 
