@@ -1,6 +1,7 @@
 #include "app/driver.h"
 
 #include <memory>
+#include <new>
 #include <optional>
 
 #include "app/error_report.h"
@@ -16,6 +17,15 @@ namespace {
 using enum LOGGING_LEVEL_T;
 
 constexpr const char* program_name = "resample";
+
+/// The history tells of a success by now, so that a trailer without memory must not fail the run.
+void WriteTrailer() {
+  try {
+    Log().WriteTrailer();
+  } catch (const std::bad_alloc&) {
+    Log() << ALARM << "not enough memory for the end of the log";
+  }
+}
 
 /// The one handler of the program: every failure ends here.
 [[noreturn]] void EndWithFailure(CONTROLLER_IFC& controller, std::optional<RESAMPLE_RUN>& run,
@@ -46,7 +56,7 @@ void RunDriver(int argc, char** argv) {
     Log().WriteHeader(std::make_unique<VERSION_RECORD>(version));
     run.emplace(controller);
     run->Execute(version);
-    Log().WriteTrailer();
+    WriteTrailer();
   } catch (...) {
     EndWithFailure(controller, run, version);
   }

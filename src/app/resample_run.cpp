@@ -289,24 +289,33 @@ void RESAMPLE_RUN::PerformProcessing() {
   workers.Join();
 }
 
+PARAMETER_POOL_READ_WRITE_CHANGE& RESAMPLE_RUN::HistoryPool() const {
+  return has_one_pool_ ? *insar_pool_ : *log_pool_;
+}
+
 void RESAMPLE_RUN::RegisterHistory(const VERSION_RECORD& version) {
-  PROCESSING_HISTORY().AddRun(has_one_pool_ ? *insar_pool_ : *log_pool_,
-                              {.name = version.display_name,
-                               .version = version.version,
-                               .date = version.compile_date,
-                               .start_time = Log().StartTime()});
+  PROCESSING_HISTORY().AddRun(HistoryPool(), {.name = version.display_name,
+                                              .version = version.version,
+                                              .date = version.compile_date,
+                                              .start_time = Log().StartTime()});
+}
+
+void RESAMPLE_RUN::WriteHistory(const VERSION_RECORD& version) {
+  PARAMETER_POOL_READ_WRITE_CHANGE& pool = HistoryPool();
+  const POOL_LOCK lock = pool.LockForUpdate();
+  RegisterHistory(version);
+  pool.Update();
 }
 
 void RESAMPLE_RUN::ReleaseMemory(const VERSION_RECORD& version) {
   Log().Message(INFO, "* Memory de-allocation");
   mapping_.reset();
-  RegisterHistory(version);
-  if (log_pool_) {
-    log_pool_->Update();
-    log_pool_.reset();
+  if (log_pool_) {  // whatever can fail does so before the history tells of a success
+    insar_pool_->Update();
   }
+  WriteHistory(version);
+  log_pool_.reset();
   slave_pool_.reset();
   kernel_.reset();
-  insar_pool_->Update();
   insar_pool_.reset();
 }

@@ -51,6 +51,8 @@ class RESAMPLE_RUN {
 
   void OpenPools();
   void SetupMatrixMapping();
+  PARAMETER_POOL_READ_WRITE_CHANGE& HistoryPool() const;
+  void WriteHistory(const VERSION_RECORD& version);
   void CheckSlaveSides() const;
   void CheckMaskFitsSlave() const;
 

@@ -1,19 +1,16 @@
 #include "control/processing_history.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
+#include <utility>
 
 #include "base/error_exception.h"
 #include "logging/logging.h"
 
 namespace {
 
-constexpr const char* names_key = "software_names";
-constexpr const char* versions_key = "software_versions";
-constexpr const char* dates_key = "software_dates";
-constexpr const char* start_times_key = "software_start_times";
-constexpr const char* end_times_key = "software_end_times";
+constexpr std::array text_keys = {"software_names", "software_versions", "software_dates",
+                                  "software_start_times", "software_end_times"};
 constexpr const char* execution_times_key = "software_execution_times";
 
 STRING LocalTime(std::time_t time) {
@@ -37,76 +34,61 @@ void EnlargeTo(ARRAY<T>& array, int count) {
 }  // namespace
 
 void PROCESSING_HISTORY::Read(PARAMETER_POOL& pool) {
-  pool.Read(Key(names_key).c_str(), names_);
-  pool.Read(Key(versions_key).c_str(), versions_);
-  pool.Read(Key(dates_key).c_str(), dates_);
-  pool.Read(Key(start_times_key).c_str(), start_times_);
-  pool.Read(Key(end_times_key).c_str(), end_times_);
-  pool.Read(Key(execution_times_key).c_str(), execution_times_);
+  for (std::size_t i = 0; i < text_vectors; ++i) {
+    pool.Read(Key(text_keys[i]), texts_[i]);
+  }
+  pool.Read(Key(execution_times_key), execution_times_);
   CheckLengths();
 }
 
 void PROCESSING_HISTORY::Write(PARAMETER_POOL_READ_WRITE_CHANGE& pool) const {
-  pool.Write(Key(names_key).c_str(), names_);
-  pool.Write(Key(versions_key).c_str(), versions_);
-  pool.Write(Key(dates_key).c_str(), dates_);
-  pool.Write(Key(start_times_key).c_str(), start_times_);
-  pool.Write(Key(end_times_key).c_str(), end_times_);
-  pool.Write(Key(execution_times_key).c_str(), execution_times_);
+  PARAMETER_POOL_LIST entries;
+  for (std::size_t i = 0; i < text_vectors; ++i) {
+    entries.Add({Key(text_keys[i]), texts_[i], {}});
+  }
+  entries.Add({Key(execution_times_key), execution_times_, {}});
+  pool.WriteAll(std::move(entries));
 }
 
 void PROCESSING_HISTORY::AddRun(PARAMETER_POOL_READ_WRITE_CHANGE& pool, const PROCESSING_RUN& run) {
-  if (pool.Exists(Key(names_key).c_str())) {
+  *this = PROCESSING_HISTORY(key_prefix_);
+  if (pool.Exists(Key(text_keys[0]))) {
     Read(pool);
-  } else {
-    Clear();
   }
   const int index = IndexOf(run.name);
-  if (index == names_.Size()) {
+  if (index == execution_times_.Size()) {
     Enlarge();
   }
   const std::time_t end_time = std::time(nullptr);
   const std::time_t seconds = std::clamp<std::time_t>(end_time - run.start_time, 0, INT_MAX);
-  names_.Pointer(0)[index] = run.name.c_str();
-  versions_.Pointer(0)[index] = run.version.c_str();
-  dates_.Pointer(0)[index] = run.date.c_str();
-  start_times_.Pointer(0)[index] = LocalTime(run.start_time);
-  end_times_.Pointer(0)[index] = LocalTime(end_time);
+  const std::array<STRING, text_vectors> texts = {run.name.c_str(), run.version.c_str(),
+                                                  run.date.c_str(), LocalTime(run.start_time),
+                                                  LocalTime(end_time)};
+  for (std::size_t i = 0; i < text_vectors; ++i) {
+    texts_[i].Pointer(0)[index] = texts[i];
+  }
   execution_times_.Pointer(0)[index] = static_cast<int>(seconds);
   Write(pool);
 }
 
 int PROCESSING_HISTORY::IndexOf(const std::string& program_name) const {
-  const STRING* const names = names_.Pointer(0);
-  const STRING* const end = names + names_.Size();
+  const STRING* const names = texts_[0].Pointer(0);
+  const STRING* const end = names + texts_[0].Size();
   const auto same_name = [&](const STRING& name) { return program_name == name.Text(); };
   return static_cast<int>(std::find_if(names, end, same_name) - names);
 }
 
-void PROCESSING_HISTORY::Clear() {
-  names_.Free();
-  versions_.Free();
-  dates_.Free();
-  start_times_.Free();
-  end_times_.Free();
-  execution_times_.Free();
-}
-
 void PROCESSING_HISTORY::Enlarge() {
-  const int count = names_.Size() + 1;
-  EnlargeTo(names_, count);
-  EnlargeTo(versions_, count);
-  EnlargeTo(dates_, count);
-  EnlargeTo(start_times_, count);
-  EnlargeTo(end_times_, count);
+  const int count = execution_times_.Size() + 1;
+  for (ARRAY<STRING>& texts : texts_) {
+    EnlargeTo(texts, count);
+  }
   EnlargeTo(execution_times_, count);
 }
 
 void PROCESSING_HISTORY::CheckLengths() const {
-  const int count = names_.Size();
-  for (const int other : {versions_.Size(), dates_.Size(), start_times_.Size(), end_times_.Size(),
-                          execution_times_.Size()}) {
-    if (other != count) {
+  for (const ARRAY<STRING>& texts : texts_) {
+    if (texts.Size() != execution_times_.Size()) {
       Log() << LOGGING_LEVEL_T::ALARM
             << "processing history: the vectors of the runs differ in length";
       throw ERROR_DATA();

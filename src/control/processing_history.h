@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <ctime>
 #include <string>
 
@@ -26,24 +28,23 @@ class PROCESSING_HISTORY {
   /// Reads the six vectors. A vector that is missing is the pool's error; vectors of different
   /// lengths are an ALARM line and ERROR_DATA.
   void Read(PARAMETER_POOL& pool);
-  /// Hands the six vectors to the pool, which writes them with its next update.
+  /// Hands the six vectors to the pool, which writes them with its next update. Throws what
+  /// `PARAMETER_POOL_READ_WRITE_CHANGE::Write` throws; the pool has got none of them then.
   void Write(PARAMETER_POOL_READ_WRITE_CHANGE& pool) const;
   /// Reads the history of the pool, if it has one, adds the run, which ends now, and hands all
-  /// of it back. A program that the history knows has its first entry replaced.
+  /// of it back. A program that the history knows has its first entry replaced. Runs of others
+  /// are not lost when the caller holds the pool's lock from here to the update.
   void AddRun(PARAMETER_POOL_READ_WRITE_CHANGE& pool, const PROCESSING_RUN& run);
 
  private:
-  std::string Key(const char* name) const { return key_prefix_ + name; }
+  static constexpr std::size_t text_vectors = 5;
+
+  STRING Key(const char* name) const { return (key_prefix_ + name).c_str(); }
   int IndexOf(const std::string& program_name) const;
-  void Clear();
   void Enlarge();
   void CheckLengths() const;
 
   std::string key_prefix_;
-  ARRAY<STRING> names_;
-  ARRAY<STRING> versions_;
-  ARRAY<STRING> dates_;
-  ARRAY<STRING> start_times_;
-  ARRAY<STRING> end_times_;
+  std::array<ARRAY<STRING>, text_vectors> texts_;  ///< from the names to the end times
   ARRAY<int> execution_times_;
 };

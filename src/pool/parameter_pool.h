@@ -67,6 +67,7 @@ class PARAMETER_POOL {
  protected:
   explicit PARAMETER_POOL(POOL_FILE file) : file_(std::move(file)) {}
 
+  POOL_FILE& File() noexcept { return file_; }
   const POOL_FILE& File() const noexcept { return file_; }
   void ReplaceFile(POOL_FILE file) noexcept { file_ = std::move(file); }
 

@@ -12,6 +12,15 @@ void PARAMETER_POOL_LIST::Add(PARAMETER_POOL_ITEM item) {
   Append(std::move(item));
 }
 
+void PARAMETER_POOL_LIST::AddAll(PARAMETER_POOL_LIST items) {
+  for (const PARAMETER_POOL_ITEM& item : items) {
+    if (Find(item.Key().Text()) != nullptr) {
+      throw PARAMETER_KEY_EXISTS();
+    }
+  }
+  AppendAll(std::move(items));
+}
+
 void PARAMETER_POOL_LIST::Change(PARAMETER_POOL_ITEM item) {
   const auto same_key = [&](const PARAMETER_POOL_ITEM& other) { return other.Key() == item.Key(); };
   const auto found = std::find_if(begin(), end(), same_key);

@@ -35,18 +35,38 @@ void PARAMETER_POOL_READ_WRITE_CHANGE::WriteEnumeration(const STRING& key,
   Write(key, STRING(value.Name()));
 }
 
+POOL_LOCK PARAMETER_POOL_READ_WRITE_CHANGE::LockForUpdate() {
+  while (!File().IsLocked()) {
+    ReplaceFile(OpenPoolForUpdate(FileName()));
+    POOL_LOCK lock(File(), POOL_LOCK::KIND::EXCLUSIVE);
+    // While the lock was awaited another file may have been put into the place of this one.
+    if (File().IsAtItsName()) {
+      return lock;
+    }
+  }
+  return {File(), POOL_LOCK::KIND::EXCLUSIVE};
+}
+
 void PARAMETER_POOL_READ_WRITE_CHANGE::Update() {
   if (items_.Empty()) {
     return;
   }
   const PARAMETER_POOL_LIST items = std::exchange(items_, {});
-  ReplaceFile(UpdatePoolFile(FileName(), items));
+  const POOL_LOCK lock = LockForUpdate();
+  UpdatePoolFile(File(), items);
 }
 
 void PARAMETER_POOL_READ_WRITE_CHANGE::CheckUpdate() const {
   if (!items_.Empty()) {
     CheckPoolUpdate(FileName());
   }
+}
+
+void PARAMETER_POOL_READ_WRITE_CHANGE::WriteAll(PARAMETER_POOL_LIST items) {
+  for (const PARAMETER_POOL_ITEM& item : items) {
+    Trace("Write", item.Key(), item.Type());
+  }
+  items_.AddAll(std::move(items));
 }
 
 void PARAMETER_POOL_READ_WRITE_CHANGE::Add(PARAMETER_POOL_ITEM item) {

@@ -32,6 +32,9 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
     Add(PARAMETER_POOL_ITEM(key, value, comments));
   }
 
+  /// Registers all of these entries or, when it throws, none.
+  void WriteAll(PARAMETER_POOL_LIST items);
+
   /// As `Write`, for a key that is registered, whose entry is replaced, or that is in the file.
   /// Throws PARAMETER_KEY_NOT_FOUND for any other.
   template <POOL_VALUE T>
@@ -47,9 +50,14 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
   /// `Write` for the name of an enumeration's value, as a STR entry.
   void WriteEnumeration(const STRING& key, const BASIC::TYPES::ENUM_BASE& value);
 
+  /// Waits until no other program updates or reads the file, and keeps it so until the lock ends:
+  /// what is read meanwhile is what `Update` merges into. The pool must outlive the lock. Failure:
+  /// ALARM line and NO_UPDATE_PERMISSION_FOR_POOL.
+  [[nodiscard]] POOL_LOCK LockForUpdate();
+
   /// Merges the registered entries into the file as it is now. They are registered no longer
   /// then, also after a failure, so that no second attempt meets a half-written file. Without
-  /// entries nothing happens. Errors: see `UpdatePoolFile`.
+  /// entries nothing happens. Errors: see `LockForUpdate` and `UpdatePoolFile`.
   void Update();
   /// Throws what an update would, as far as that can be told without writing: see
   /// `CheckPoolUpdate`. Without entries nothing is checked.

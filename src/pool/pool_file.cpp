@@ -18,7 +18,7 @@ POOL_FILE::POOL_FILE(const char* name, int flags)
 
 POOL_FILE POOL_FILE::CreateTemporary(const std::string& directory) {
   POOL_FILE file;
-  file.name_ = directory + "/pool_XXXXXX";
+  file.name_ = directory + (directory.ends_with('/') ? "" : "/") + "pool_XXXXXX";
   file.descriptor_ = ::mkostemp(file.name_.data(), O_CLOEXEC);
   file.is_removed_at_end_ = file.IsOpen();
   return file;
@@ -32,6 +32,7 @@ POOL_FILE& POOL_FILE::operator=(POOL_FILE&& other) noexcept {
   std::swap(name_, other.name_);
   std::swap(descriptor_, other.descriptor_);
   std::swap(is_removed_at_end_, other.is_removed_at_end_);
+  std::swap(is_locked_, other.is_locked_);
   return *this;
 }
 
@@ -56,8 +57,8 @@ bool POOL_FILE::IsAtItsName() const noexcept {
          open_file.st_dev == named_file.st_dev && open_file.st_ino == named_file.st_ino;
 }
 
-bool POOL_FILE::Truncate() noexcept {
-  return ::ftruncate(descriptor_, 0) == 0;
+bool POOL_FILE::Truncate(std::size_t length) noexcept {
+  return ::ftruncate(descriptor_, static_cast<off_t>(length)) == 0;
 }
 
 bool POOL_FILE::Write(std::string_view text) noexcept {
@@ -89,18 +90,25 @@ bool POOL_FILE::Remove() noexcept {
   return ::unlink(Name()) == 0;
 }
 
-POOL_LOCK::POOL_LOCK(const POOL_FILE& file, KIND kind) : descriptor_(file.Descriptor()) {
+POOL_LOCK::POOL_LOCK(const POOL_FILE& file, KIND kind) : file_(file.is_locked_ ? nullptr : &file) {
+  if (file_ == nullptr) {
+    return;
+  }
   const int operation = kind == KIND::SHARED ? LOCK_SH : LOCK_EX;
   int result = 0;
   do {
-    result = ::flock(descriptor_, operation);
+    result = ::flock(file.descriptor_, operation);
   } while (result != 0 && errno == EINTR);
   if (result != 0 && kind == KIND::EXCLUSIVE) {
     Log() << LOGGING_LEVEL_T::WARNING << "can not lock parameter file " << file.Name() << ": "
           << std::strerror(errno);
   }
+  file.is_locked_ = true;
 }
 
 POOL_LOCK::~POOL_LOCK() {
-  ::flock(descriptor_, LOCK_UN);
+  if (file_ != nullptr) {
+    file_->is_locked_ = false;
+    ::flock(file_->descriptor_, LOCK_UN);
+  }
 }

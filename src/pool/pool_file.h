@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// An open pool file: its name and its descriptor, which is closed at the end. For trouble that
 /// only the caller can word the operations return false.
@@ -24,22 +26,27 @@ class POOL_FILE {
 
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   bool IsDirectory() const noexcept;
+  /// Whether a POOL_LOCK holds this file now.
+  bool IsLocked() const noexcept { return is_locked_; }
   /// Whether the name still leads to this file.
   bool IsAtItsName() const noexcept;
   const char* Name() const noexcept { return name_.c_str(); }
   int Descriptor() const noexcept { return descriptor_; }
 
   /// Each tells whether it worked; errno says why not.
-  bool Truncate() noexcept;
+  bool Truncate(std::size_t length) noexcept;
   bool Write(std::string_view text) noexcept;  ///< from the start of the file on
   bool Sync() noexcept;                        ///< to the disk
   bool Close() noexcept;
   bool Remove() noexcept;
 
  private:
+  friend class POOL_LOCK;
+
   std::string name_ = "xxx.dat";
   int descriptor_ = -1;
   bool is_removed_at_end_ = false;
+  mutable bool is_locked_ = false;
 };
 
 /// An advisory lock on a pool file: shared by readers, exclusive for an update, so that nobody
@@ -49,12 +56,14 @@ class POOL_LOCK {
  public:
   enum class KIND { SHARED, EXCLUSIVE };
 
-  /// Waits for the lock.
+  /// Waits for the lock. The file must stay where it is until the lock is given back. While it has
+  /// a lock already a further one changes nothing, so that an update can read its own pool.
   POOL_LOCK(const POOL_FILE& file, KIND kind);
+  POOL_LOCK(POOL_LOCK&& other) noexcept : file_(std::exchange(other.file_, nullptr)) {}
   ~POOL_LOCK();
   POOL_LOCK(const POOL_LOCK&) = delete;
   POOL_LOCK& operator=(const POOL_LOCK&) = delete;
 
  private:
-  int descriptor_;
+  const POOL_FILE* file_;  ///< null for a lock that is another one's to give back
 };

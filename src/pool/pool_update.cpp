@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/directory_of.h"
 #include "logging/logging.h"
 #include "pool/pool_contents.h"
 #include "pool/pool_errors.h"
@@ -38,11 +39,6 @@ class HELD_SIGNALS {
  private:
   sigset_t before_{};
 };
-
-std::string DirectoryOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "." : path.substr(0, slash);
-}
 
 [[noreturn]] void RefuseForPermission(const char* path, int error) {
   Log() << ALARM << "no permission to change pool file: " << path << ": " << std::strerror(error);
@@ -82,45 +78,69 @@ POOL_FILE WriteTemporary(const char* pool_name, std::string_view merged) {
   return temporary;
 }
 
-void Overwrite(POOL_FILE& pool, std::string_view merged, POOL_FILE& temporary) {
+/// The pool is complete by now, so that nothing here may look like a failed update.
+void RemoveTemporary(POOL_FILE& temporary) noexcept {
+  try {
+    if (!temporary.Remove()) {
+      Log() << WARNING << "can not remove " << temporary.Name() << ": " << std::strerror(errno);
+    }
+  } catch (...) {  // no memory for the line
+  }
+}
+
+/// Removes the copy where the pool could be put back to what it held, else keeps and names it.
+[[noreturn]] void TakeBack(POOL_FILE& pool, std::string_view original, POOL_FILE& temporary,
+                           int error) {
+  const bool is_back = pool.Write(original) && pool.Truncate(original.size()) && pool.Sync();
+  Log() << ALARM << "can not update pool " << pool.Name() << ": " << std::strerror(error);
+  if (is_back) {
+    temporary.Remove();
+    Log() << ALARM << "the parameter pool has its former content again";
+  } else {
+    Log() << ALARM << "the whole updated parameter pool is kept in: " << temporary.Name();
+  }
+  throw ERROR_PARAMETER_POOL();
+}
+
+void Overwrite(POOL_FILE& pool, std::string_view original, std::string_view merged,
+               POOL_FILE& temporary) {
   Log() << DEBUG << "copy " << temporary.Name() << " to " << pool.Name();
   temporary.Keep();
-  if (!pool.Truncate() || !pool.Write(merged) || !pool.Sync()) {
-    const int error = errno;
-    Log() << ALARM << "can not update pool " << pool.Name() << ": " << std::strerror(error);
-    Log() << ALARM << "the whole updated parameter pool is kept in: " << temporary.Name();
-    throw ERROR_PARAMETER_POOL();
+  if (!pool.Truncate(0) || !pool.Write(merged) || !pool.Sync()) {
+    TakeBack(pool, original, temporary, errno);
   }
-  if (!temporary.Remove()) {
-    Log() << WARNING << "can not remove " << temporary.Name() << ": " << std::strerror(errno);
+  RemoveTemporary(temporary);
+}
+
+std::string TextOf(const std::vector<POOL_LINE>& lines) {
+  std::string text;
+  for (const POOL_LINE& line : lines) {
+    text += line.Raw();
   }
+  return text;
 }
 
 }  // namespace
 
-POOL_FILE UpdatePoolFile(const char* path, const PARAMETER_POOL_LIST& items) {
-  for (;;) {
-    POOL_FILE pool(path, O_RDWR);
-    if (!pool.IsOpen()) {
-      RefuseForPermission(path, errno);
-    }
-    const POOL_LOCK lock(pool, POOL_LOCK::KIND::EXCLUSIVE);
-    // While the lock was awaited another file may have been put into the place of this one.
-    if (pool.IsAtItsName()) {
-      const HELD_SIGNALS held;
-      const std::string merged = MergeIntoPool(ReadPoolLines(pool), items);
-      POOL_FILE temporary = WriteTemporary(path, merged);
-      Overwrite(pool, merged, temporary);
-      return pool;
-    }
-  }
-}
-
-void CheckPoolUpdate(const char* path) {
-  const POOL_FILE pool(path, O_RDWR);
+POOL_FILE OpenPoolForUpdate(const char* path) {
+  POOL_FILE pool(path, O_RDWR);
   if (!pool.IsOpen()) {
     RefuseForPermission(path, errno);
   }
+  return pool;
+}
+
+void UpdatePoolFile(POOL_FILE& pool, const PARAMETER_POOL_LIST& items) {
+  const HELD_SIGNALS held;
+  const std::vector<POOL_LINE> lines = ReadPoolLines(pool);
+  const std::string original = TextOf(lines);
+  const std::string merged = MergeIntoPool(lines, items);
+  POOL_FILE temporary = WriteTemporary(pool.Name(), merged);
+  Overwrite(pool, original, merged, temporary);
+}
+
+void CheckPoolUpdate(const char* path) {
+  const POOL_FILE pool = OpenPoolForUpdate(path);
   if (::faccessat(AT_FDCWD, DirectoryOf(path).c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
     RefuseTemporary(path, errno);
   }

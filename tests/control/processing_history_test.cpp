@@ -59,13 +59,16 @@ TEST_F(PROCESSING_HISTORY_TEST, AppendsNewProgramsAndReplacesKnownOnes) {
   EXPECT_TRUE(Vector("software_end_times")[0] == LocalTime(now - 3000 + seconds[0]));
 }
 
-TEST_F(PROCESSING_HISTORY_TEST, LeavesAPoolAloneWhoseHistoryIsUneven) {
+TEST_F(PROCESSING_HISTORY_TEST, LeavesAPoolAloneWhoseHistoryCanNotBeExtended) {
   const LOG_CAPTURE log;
   AddRun("one", "1", std::time(nullptr));
   const std::string history = ReadFile(path_);
   const std::size_t times = history.find("software_execution_times");
+  // A line that long can be read, but not written: it would have to be indented and quoted.
+  std::string long_date = history;
+  long_date.replace(long_date.find("\"2020-02"), 21, std::string(1019, 'x'));
   const std::string pools[] = {
-      history.substr(0, times),
+      long_date, history.substr(0, times),
       history.substr(0, times) + "software_execution_times INT_32_V 0 2\n{\n1\n2\n}\n"};
   for (const std::string& pool : pools) {
     WriteFile(path_, pool);

@@ -3,15 +3,11 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
-#include <filesystem>
 #include <map>
 
-namespace {
+#include "base/directory_of.h"
 
-std::string DirectoryOf(const std::string& path) {
-  const std::string directory = std::filesystem::path(path).parent_path().string();
-  return directory.empty() ? "." : directory;
-}
+namespace {
 
 std::int64_t BytesOnDisk(const std::string& path) {
   constexpr std::int64_t block = 512;  // whatever the file system's own blocks are
