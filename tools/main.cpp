@@ -7,6 +7,7 @@
 #include "check_run/check_run_command.h"
 #include "common/interruption.h"
 #include "compare/compare_command.h"
+#include "doppler/doppler_command.h"
 #include "export/export_command.h"
 #include "import/import_command.h"
 #include "info/info_command.h"
@@ -25,9 +26,9 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {
-    AddSceneCommand,  AddCompareCommand,  AddPngCommand,   AddInfoCommand,
-    AddImportCommand, AddExportCommand,   AddVrtCommand,   AddOffsetsCommand,
-    AddPoolCommand,   AddCheckRunCommand, AddReportCommand};
+    AddSceneCommand,   AddCompareCommand, AddPngCommand,      AddInfoCommand,
+    AddDopplerCommand, AddImportCommand,  AddExportCommand,   AddVrtCommand,
+    AddOffsetsCommand, AddPoolCommand,    AddCheckRunCommand, AddReportCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, converts, measures and shows the files around a run of resample."};

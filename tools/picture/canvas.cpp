@@ -5,6 +5,7 @@
 #include <gdfontl.h>
 #include <gdfonts.h>
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 
@@ -113,6 +114,10 @@ void CANVAS::TextUp(int x, int y, ALIGN align, FONT font, const std::string& tex
                   y + Lead(align, TextWidth(font, text)), Bytes(drawable), Packed(colour));
 }
 
+void CANVAS::Paste(const CANVAS& other, int x, int y) noexcept {
+  gdImageCopy(image_.get(), other.image_.get(), x, y, 0, 0, other.Width(), other.Height());
+}
+
 std::string CANVAS::Png() const {
   int size = 0;
   const std::unique_ptr<void, FREER> png(gdImagePngPtr(image_.get(), &size));
@@ -124,6 +129,13 @@ std::string CANVAS::Png() const {
 
 void CANVAS::WritePng(const std::string& path) const {
   WriteWholeFile(path, Png());
+}
+
+CANVAS Beside(const CANVAS& left, const CANVAS& right) {
+  CANVAS both(left.Width() + right.Width(), std::max(left.Height(), right.Height()));
+  both.Paste(left, 0, 0);
+  both.Paste(right, left.Width(), 0);
+  return both;
 }
 
 int TextWidth(FONT font, const std::string& text) noexcept {

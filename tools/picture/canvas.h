@@ -35,6 +35,9 @@ class CANVAS {
   /// A text that reads upwards, whose middle height is x.
   void TextUp(int x, int y, ALIGN align, FONT font, const std::string& text, COLOUR colour);
 
+  /// Draws another picture with its upper left corner at (x, y).
+  void Paste(const CANVAS& other, int x, int y) noexcept;
+
   /// The bytes of a PNG file. Throws std::bad_alloc.
   std::string Png() const;
   /// Throws std::runtime_error, which names the path, when the file cannot be written.
@@ -47,6 +50,9 @@ class CANVAS {
 
   std::unique_ptr<gdImageStruct, DESTROYER> image_;
 };
+
+/// A picture with two others in it, side by side. Throws std::bad_alloc.
+CANVAS Beside(const CANVAS& left, const CANVAS& right);
 
 /// Extent of a text in picture pixels.
 int TextWidth(FONT font, const std::string& text) noexcept;
