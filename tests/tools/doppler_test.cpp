@@ -70,7 +70,7 @@ TEST_F(DOPPLER_TEST, AgreesWithARightAnnotationAndObjectsToAWrongOne) {
 TEST_F(DOPPLER_TEST, ObjectsToAnnotationThatHidesWhatTheDataAgreeOn) {
   Complex("slave.ras", n_samples, n_lines,
           [](int, int line) { return std::polar(1.0, 2.0 * std::numbers::pi * 0.2 * line); });
-  WritePool("khz.pool", 1e-3 * prf, 1.0);
+  WritePool("khz.pool", 1.3e-3 * prf, 1.0);
   const std::string text = Doppler("--pool " + Path("khz.pool"));
   EXPECT_NE(text.find("tell no centroid"), std::string::npos) << text;
   EXPECT_NE(text.find("(0.20 PRF) but not with the annotation"), std::string::npos) << text;
