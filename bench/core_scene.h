@@ -1,10 +1,6 @@
 #pragma once
 
-#include <filesystem>
-#include <memory>
-#include <string>
-
-#include "core/resample_thr_arg.h"
+#include "core/resample_input.h"
 
 /// One timed case of the core.
 struct CORE_CASE {
@@ -39,14 +35,7 @@ class CORE_SCENE {
   void SetupMatrices(int subsampling, double (*shift)(double, double));
 
   const int size_;
-  std::filesystem::path directory_;
-  MEM_MGR input_;
-  MEM_MGR input_mask_;
-  MEM_MGR output_;
-  MEM_MGR output_mask_;
-  INTERPOLATION_KERNEL kernel_;
-  DOPPLER_CENTROID_MODEL doppler_;
-  ZARVO::ImageMode imaging_mode_;
-  std::unique_ptr<MAPPING_BASE> mapping_;
+  RESAMPLE_INPUT input_;
+  RESAMPLE_OUTPUT output_;
   RESAMPLE_THR_ARG argument_;
 };

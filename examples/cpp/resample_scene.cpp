@@ -2,55 +2,36 @@
 #include <iostream>
 #include <string>
 
-#include "app/resample_thread.h"
-#include "core/core_variant.h"
-#include "mapping/mapping_matrix.h"
+#include "app/input_setup.h"
+#include "app/resampling.h"
+
+using BASIC::TYPES::KernelType;
+using BASIC::TYPES::MappingFormatType;
 
 const LOGGING_USER log_of_failures("", "resample_scene", LOGGING_LEVEL_T::ALARM,
                                    LOGGING_LEVEL_T::ALARM);
 
 void ResampleScene(const std::string& folder, const char* output_path) {
-  MEM_MGR slave;  // the files' pixels in memory: slave.Rows<PIXEL>()[line][sample]
-  slave.Map((folder + "/slave.ras").c_str(), 0);
-
   PARAMETER_POOL insar((folder + "/insar.pool").c_str());
-  int samples = 0, lines = 0, step_rg = 0, step_az = 0;
-  insar.Read("n_samples", samples);
-  insar.Read("n_lines", lines);
-  insar.Read("shift_matrices_subsampling_rg", step_rg);
-  insar.Read("shift_matrices_subsampling_az", step_az);
-  const MAPPING_MATRIX mapping((folder + "/rg_map.ras").c_str(), (folder + "/az_map.ras").c_str(),
-                               step_rg, step_az);
+  const MAPPING_PARAMETERS mapping = {.format = MappingFormatType(MappingFormatType::MATRIX),
+                                      .rg_file = folder + "/rg_map.ras",
+                                      .az_file = folder + "/az_map.ras"};
+  const KERNEL_PARAMETERS kernel = {.type = KernelType(KernelType::TRUNCATED_SINC_KAISER_WEIGHT),
+                                    .coefficient = 2.5,
+                                    .length = 16,
+                                    .subpix_positions = 4096};
 
-  PARAMETER_POOL slave_pool((folder + "/slave.pool").c_str());
-  DOPPLER_CENTROID_MODEL doppler;
-  doppler.Setup(slave_pool);
-  insar.Read("slave_first_rg_time", doppler.range_start_time);
-  insar.Read("slave_first_az_time", doppler.azimuth_start_time);
-  ZARVO::ImageMode mode;
-  slave_pool.ReadEnumeration("imaging_mode", mode);
-
-  BASIC::TYPES::KernelType type;
-  type.Assign("truncated_sinc_kaiser_weight");
-  INTERPOLATION_KERNEL kernel;
-  kernel.InitKernel(type, 16, 4096, 2.5F);
-
-  MEM_MGR output;
-  output.Create(output_path, 0, 0, samples - 1, lines - 1, slave.PixelType());
-  RESAMPLE_THR_ARG work;  // several workers would take a block of lines each, see app/threads.h
-  work.block = {0U, static_cast<unsigned>(lines)};
-  work.Set({.input_slave = &slave,
-            .input_width = static_cast<int>(slave.Width()),
-            .input_height = static_cast<int>(slave.Height()),
-            .output_slave = &output,
-            .output_width = samples,
-            .output_height = lines,
-            .core = &ChooseCoreVariant(),
-            .mapping = &mapping,
-            .kernel = &kernel,
-            .doppler = &doppler,
-            .imaging_mode = &mode});
-  ResampleThread(work);
+  RESAMPLE_INPUT input;  // its parts can come from memory too, see core/resample_input.h
+  MapSlave(folder + "/slave.ras", input);
+  BuildKernel(kernel, input);
+  OpenMapping(mapping, insar, input);
+  ReadAnnotation(folder + "/slave.pool", insar, input);
+  insar.Read("n_samples", input.n_samples);
+  insar.Read("n_lines", input.n_lines);
+  RESAMPLE_OUTPUT output;  // the file's pixels in memory: output.slave.Rows<PIXEL>()[line][sample]
+  output.slave.Create(output_path, 0, 0, input.n_samples - 1, input.n_lines - 1,
+                      input.slave.PixelType());
+  Resample(input, output);
 }
 
 int main(int argc, char** argv) try {

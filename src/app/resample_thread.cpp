@@ -1,7 +1,6 @@
 #include "app/resample_thread.h"
 
 #include "base/error_exception.h"
-#include "core/core_variant.h"
 #include "logging/logging.h"
 
 namespace {
@@ -9,11 +8,10 @@ namespace {
 using enum LOGGING_LEVEL_T;
 
 template <class CODEC>
-void RunCore(const RESAMPLE_THR_ARG& argument) {
+void RunCore(const RESAMPLE_WORK& work) {
   using PIXEL = typename CODEC::PIXEL;
-  const RESAMPLE_FUNCTION<CODEC> resample = argument.job.core->Function<CODEC>();
-  resample(argument, argument.job.input_slave->Rows<PIXEL>(),
-           argument.job.output_slave->Rows<PIXEL>());
+  const RESAMPLE_FUNCTION<CODEC> resample = work.core->Function<CODEC>();
+  resample(work, work.job.input_slave->Rows<PIXEL>(), work.job.output_slave->Rows<PIXEL>());
 }
 
 /// Calls `handle` with the codec of the slave's pixels.
@@ -38,14 +36,14 @@ void CheckPixelTypeIsSupported(PIXEL_TYPE type) {
   WithCodec(type, [](auto) {});
 }
 
-void ResampleThread(RESAMPLE_THR_ARG& argument) {
-  const URANGE<unsigned int>& block = argument.block;
-  Log().Message(TRACE, "Thread %d, getstart = %u,getend = %u", argument.worker_number,
-                block.First(), block.Last());
-  const PIXEL_TYPE type = argument.job.input_slave->PixelType();
-  if (type != argument.job.output_slave->PixelType()) {
+void ResampleThread(RESAMPLE_WORK& work) {
+  const URANGE<unsigned int>& block = work.block;
+  Log().Message(TRACE, "Thread %d, getstart = %u,getend = %u", work.worker_number, block.First(),
+                block.Last());
+  const PIXEL_TYPE type = work.job.input_slave->PixelType();
+  if (type != work.job.output_slave->PixelType()) {
     Log() << ALARM << "ERROR : Both input images must have the same type.";
     throw ERROR_DATA();
   }
-  WithCodec(type, [&]<class CODEC>(CODEC) { RunCore<CODEC>(argument); });
+  WithCodec(type, [&]<class CODEC>(CODEC) { RunCore<CODEC>(work); });
 }

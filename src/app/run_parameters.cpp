@@ -37,63 +37,75 @@ const char* MappingFormatKey(PARAMETER_POOL& pool) {
   return !pool.Exists(key) && pool.Exists(upper_case_key) ? upper_case_key : key;
 }
 
-std::optional<MappingFormatType> ReadMappingFormat(CONTROLLER_IFC& controller,
-                                                   PARAMETER_POOL_READ_WRITE_CHANGE* insar_pool) {
+MappingFormatType ReadMappingFormat(CONTROLLER_IFC& controller,
+                                    PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
   MappingFormatType format;
   if (const auto forced = OptionalParameter(controller, "MAPPING_FORMAT")) {
     format.Assign(forced->c_str());
-    if (insar_pool != nullptr) {
-      insar_pool->WriteEnumeration(MappingFormatKey(*insar_pool), format);
-    }
+    insar_pool.WriteEnumeration(MappingFormatKey(insar_pool), format);
     Log().Message(INFO,
                   "  - Mapping type has been forced by PCF value. It has been written to pool");
-    return format;
+  } else {
+    insar_pool.ReadEnumeration(MappingFormatKey(insar_pool), format);
+    Log().Message(INFO, "  - Mapping type has been read from pool");
   }
-  if (insar_pool == nullptr) {
-    return std::nullopt;
-  }
-  insar_pool->ReadEnumeration(MappingFormatKey(*insar_pool), format);
-  Log().Message(INFO, "  - Mapping type has been read from pool");
   return format;
 }
 
-std::optional<KERNEL_PARAMETERS> ReadKernelParameters(CONTROLLER_IFC& controller,
-                                                      const SETUP_STEPS& steps) {
-  KERNEL_PARAMETERS kernel;
-  const bool is_read = steps.TakeAll(
-      {[&] { kernel.type.Assign(MandatoryParameter(controller, "KERNEL_TYPE").c_str()); },
-       [&] {
-         const std::string coefficient = MandatoryParameter(controller, "KERNEL_COEFFICIENT");
-         kernel.coefficient = std::strtod(coefficient.c_str(), nullptr);
-       },
-       [&] { kernel.length = MandatoryInteger(controller, "KERNEL_LENGTH"); },
-       [&] { kernel.subpix_positions = MandatoryInteger(controller, "KERNEL_SUBPIX_POS"); }});
-  return is_read ? std::optional(kernel) : std::nullopt;
-}
-
-void CheckOutputSize(int n_samples, int n_lines) {
-  if (n_samples < 1 || n_lines < 1) {
-    Log().Message(ALARM, "output without pixels: n_samples = %d, n_lines = %d", n_samples, n_lines);
+void CheckOutputSize(const OUTPUT_SIZE& size) {
+  if (size.n_samples < 1 || size.n_lines < 1) {
+    Log().Message(ALARM, "output without pixels: n_samples = %d, n_lines = %d", size.n_samples,
+                  size.n_lines);
     throw ERROR_ARGUMENT();
   }
 }
 
-void ReadOutputSize(CONTROLLER_IFC& controller, PARAMETER_POOL* insar_pool,
-                    const SETUP_STEPS& steps, RUN_PARAMETERS& parameters) {
-  int n_samples = 0;
-  int n_lines = 0;
-  bool is_read = false;
-  if (const auto text = OptionalParameter(controller, "n_samples")) {
-    n_samples = ToInteger(*text);
-    is_read = steps.Take([&] { n_lines = MandatoryInteger(controller, "n_lines"); });
-  } else if (insar_pool != nullptr) {
-    is_read = steps.TakeAll({[&] { insar_pool->Read("n_samples", n_samples); },
-                             [&] { insar_pool->Read("n_lines", n_lines); }});
+}  // namespace
+
+std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name) {
+  std::string value;
+  controller.GetParameter(name, value);
+  return value;
+}
+
+INPUT_FILES ReadInputFiles(CONTROLLER_IFC& controller) {
+  return {.slave_pool = MandatoryParameter(controller, "SLAVE_PARAMETER_POOL"),
+          .slave = MandatoryParameter(controller, "SlaveIn"),
+          .mask = OptionalParameter(controller, "MaskIn")};
+}
+
+MAPPING_PARAMETERS ReadMappingParameters(CONTROLLER_IFC& controller,
+                                         PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
+  MAPPING_PARAMETERS mapping;
+  mapping.format = ReadMappingFormat(controller, insar_pool);
+  if (mapping.format.Id() == MappingFormatType::MATRIX) {
+    mapping.rg_file = MandatoryParameter(controller, "RG_MAPPING_FILE");
+    mapping.az_file = MandatoryParameter(controller, "AZ_MAPPING_FILE");
   }
-  if (is_read && steps.Take([&] { CheckOutputSize(n_samples, n_lines); })) {
-    parameters.n_samples = n_samples;
-    parameters.n_lines = n_lines;
+  return mapping;
+}
+
+KERNEL_PARAMETERS ReadKernelParameters(CONTROLLER_IFC& controller) {
+  KERNEL_PARAMETERS kernel;
+  kernel.type.Assign(MandatoryParameter(controller, "KERNEL_TYPE").c_str());
+  kernel.coefficient =
+      std::strtod(MandatoryParameter(controller, "KERNEL_COEFFICIENT").c_str(), nullptr);
+  kernel.length = MandatoryInteger(controller, "KERNEL_LENGTH");
+  kernel.subpix_positions = MandatoryInteger(controller, "KERNEL_SUBPIX_POS");
+  return kernel;
+}
+
+OUTPUT_SIZE ReadOutputSize(CONTROLLER_IFC& controller, PARAMETER_POOL& insar_pool) {
+  OUTPUT_SIZE size;
+  if (const auto n_samples = OptionalParameter(controller, "n_samples")) {
+    size.n_samples = ToInteger(*n_samples);
+    size.n_lines = MandatoryInteger(controller, "n_lines");
+  } else {
+    insar_pool.Read("n_samples", size.n_samples);
+    insar_pool.Read("n_lines", size.n_lines);
   }
+  CheckOutputSize(size);
+  return size;
 }
 
 void ApplyNumberOfCpus(CONTROLLER_IFC& controller) {
@@ -108,56 +120,45 @@ void ApplyNumberOfCpus(CONTROLLER_IFC& controller) {
   }
 }
 
-}  // namespace
+OUTPUT_FILES ReadOutputFiles(CONTROLLER_IFC& controller) {
+  return {.slave = MandatoryParameter(controller, "SlaveOut"),
+          .mask = OptionalParameter(controller, "MaskOut")};
+}
 
-std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name) {
-  std::string value;
-  controller.GetParameter(name, value);
-  return value;
+bool ReadPsMode(CONTROLLER_IFC& controller) {
+  return ToInteger(OptionalParameter(controller, "PS_MODE").value_or("0")) == 1;
 }
 
 RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
-                                 PARAMETER_POOL_READ_WRITE_CHANGE* insar_pool,
-                                 const SETUP_STEPS& steps) {
+                                 PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
   RUN_PARAMETERS parameters;
-  const auto read = [&](const char* name, std::optional<std::string>& value) {
-    steps.Take([&] { value = MandatoryParameter(controller, name); });
-  };
-  read("SLAVE_PARAMETER_POOL", parameters.slave_pool);
-  read("SlaveIn", parameters.slave_in);
-  parameters.mask_in = OptionalParameter(controller, "MaskIn");
-  steps.Take([&] { parameters.mapping_format = ReadMappingFormat(controller, insar_pool); });
-  if (parameters.mapping_format && parameters.mapping_format->Id() == MappingFormatType::MATRIX) {
-    read("RG_MAPPING_FILE", parameters.rg_mapping_file);
-    read("AZ_MAPPING_FILE", parameters.az_mapping_file);
-  }
-  parameters.kernel = ReadKernelParameters(controller, steps);
-  ReadOutputSize(controller, insar_pool, steps, parameters);
+  parameters.inputs = ReadInputFiles(controller);
+  parameters.mapping = ReadMappingParameters(controller, insar_pool);
+  parameters.kernel = ReadKernelParameters(controller);
+  parameters.size = ReadOutputSize(controller, insar_pool);
   ApplyNumberOfCpus(controller);
-  read("SlaveOut", parameters.slave_out);
-  parameters.mask_out = OptionalParameter(controller, "MaskOut");
-  parameters.ps_mode = ToInteger(OptionalParameter(controller, "PS_MODE").value_or("0")) == 1;
+  parameters.outputs = ReadOutputFiles(controller);
+  parameters.ps_mode = ReadPsMode(controller);
   return parameters;
 }
 
-void EchoRunParameters(const RUN_PARAMETERS& parameters,
-                       const std::optional<std::string>& insar_pool_name) {
+void EchoRunParameters(const RUN_PARAMETERS& parameters, const std::string& insar_pool_name) {
   const auto echo = [](const char* label, const std::optional<std::string>& value) {
     if (value) {
       Log().Message(INFO, "   - %-15s: %s", label, value->c_str());
     }
   };
   echo("InsarPoolName", insar_pool_name);
-  echo("SlavePoolName", parameters.slave_pool);
-  echo("SlaveIn", parameters.slave_in);
-  echo("MaskIn", parameters.mask_in);
-  if (parameters.mapping_format) {
-    echo("Mapping type", parameters.mapping_format->Name());
+  echo("SlavePoolName", parameters.inputs.slave_pool);
+  echo("SlaveIn", parameters.inputs.slave);
+  echo("MaskIn", parameters.inputs.mask);
+  echo("Mapping type", parameters.mapping.format.Name());
+  if (parameters.mapping.format.Id() == MappingFormatType::MATRIX) {
+    echo("RgMappingFile", parameters.mapping.rg_file);
+    echo("AzMappingFile", parameters.mapping.az_file);
   }
-  echo("RgMappingFile", parameters.rg_mapping_file);
-  echo("AzMappingFile", parameters.az_mapping_file);
-  Log().Message(INFO, "   - n_samples      : %d", parameters.n_samples);
-  Log().Message(INFO, "   - n_lines        : %d", parameters.n_lines);
-  echo("SlaveOut", parameters.slave_out);
-  echo("MaskOut", parameters.mask_out);
+  Log().Message(INFO, "   - n_samples      : %d", parameters.size.n_samples);
+  Log().Message(INFO, "   - n_lines        : %d", parameters.size.n_lines);
+  echo("SlaveOut", parameters.outputs.slave);
+  echo("MaskOut", parameters.outputs.mask);
 }

@@ -3,11 +3,22 @@
 #include <optional>
 #include <string>
 
-#include "base/setup_steps.h"
 #include "control/controller_ifc.h"
 #include "interpolation/kernel_type.h"
 #include "mapping/mapping_format_type.h"
 #include "pool/parameter_pool_read_write_change.h"
+
+struct INPUT_FILES {
+  std::string slave_pool;
+  std::string slave;
+  std::optional<std::string> mask;
+};
+
+struct MAPPING_PARAMETERS {
+  BASIC::TYPES::MappingFormatType format;
+  std::string rg_file;  ///< of the format matrix, like the next one
+  std::string az_file;
+};
 
 /// The kernel as asked for; the kernel tables correct what they must.
 struct KERNEL_PARAMETERS {
@@ -17,36 +28,51 @@ struct KERNEL_PARAMETERS {
   int subpix_positions = 0;
 };
 
-/// Everything that a run takes from the controller, and what the INSAR pool adds to it. What is
-/// optional to the run has no value when it is not given, the mapping files unless the mapping
-/// format is matrix. Anything required has none, or 0, only when the step that reads it has failed.
-struct RUN_PARAMETERS {
-  std::optional<std::string> slave_pool;
-  std::optional<std::string> slave_in;
-  std::optional<std::string> mask_in;
-  std::optional<BASIC::TYPES::MappingFormatType> mapping_format;
-  std::optional<std::string> rg_mapping_file;
-  std::optional<std::string> az_mapping_file;
-  std::optional<KERNEL_PARAMETERS> kernel;
+struct OUTPUT_SIZE {
   int n_samples = 0;
   int n_lines = 0;
-  std::optional<std::string> slave_out;
-  std::optional<std::string> mask_out;
+};
+
+struct OUTPUT_FILES {
+  std::string slave;
+  std::optional<std::string> mask;
+};
+
+/// Everything that a run takes from the controller, the pools' names excepted, and what the INSAR
+/// pool adds to it.
+struct RUN_PARAMETERS {
+  INPUT_FILES inputs;
+  MAPPING_PARAMETERS mapping;
+  KERNEL_PARAMETERS kernel;
+  OUTPUT_SIZE size;
+  OUTPUT_FILES outputs;
   bool ps_mode = false;
 };
 
 /// A mandatory parameter; asked for at the keyboard when no source has it.
 std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name);
 
-/// Reads the parameters of a run in their fixed order, those of the pools' names excepted. A
-/// mapping format that comes from the controller is written into the INSAR pool. `no_of_cpu`
-/// ends up in the environment. Throws the errors of the pools and enumerations, and
-/// ERROR_ARGUMENT for an output without pixels. Each parameter is a step; without the INSAR pool
-/// those that need it are left out.
-RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
-                                 PARAMETER_POOL_READ_WRITE_CHANGE* insar_pool,
-                                 const SETUP_STEPS& steps);
+// The groups of the parameters in the order in which a run asks for them. All throw the text of a
+// parameter that cannot be had.
 
-/// Logs the parameters as the run understood them, those that have a value.
-void EchoRunParameters(const RUN_PARAMETERS& parameters,
-                       const std::optional<std::string>& insar_pool_name);
+INPUT_FILES ReadInputFiles(CONTROLLER_IFC& controller);
+/// A format that comes from the controller is written into the INSAR pool, which has it otherwise.
+/// Throws the errors of pools and enumerations.
+MAPPING_PARAMETERS ReadMappingParameters(CONTROLLER_IFC& controller,
+                                         PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);
+/// Throws the enumeration's error for an unknown kernel.
+KERNEL_PARAMETERS ReadKernelParameters(CONTROLLER_IFC& controller);
+/// From the controller or else from the INSAR pool. Throws the pool's errors, and ERROR_ARGUMENT
+/// for an output without pixels.
+OUTPUT_SIZE ReadOutputSize(CONTROLLER_IFC& controller, PARAMETER_POOL& insar_pool);
+/// Puts `no_of_cpu` into the environment as PARALLEL.
+void ApplyNumberOfCpus(CONTROLLER_IFC& controller);
+OUTPUT_FILES ReadOutputFiles(CONTROLLER_IFC& controller);
+bool ReadPsMode(CONTROLLER_IFC& controller);
+
+/// All of them.
+RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
+                                 PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);
+
+/// Logs the parameters as the run understood them, those that are given.
+void EchoRunParameters(const RUN_PARAMETERS& parameters, const std::string& insar_pool_name);

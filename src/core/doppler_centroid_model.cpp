@@ -4,8 +4,6 @@
 #include <cmath>
 
 #include "base/error_exception.h"
-#include "base/matrix.h"
-#include "base/vector.h"
 #include "logging/logging.h"
 
 namespace {
@@ -25,24 +23,8 @@ bool AreFinite(const double* values, int count) {
   return std::all_of(values, values + count, [](double value) { return std::isfinite(value); });
 }
 
-/// The annotation as it stands in the pool.
-struct ANNOTATION {
-  VECTOR<double> azimuth_times;
-  VECTOR<double> reference_times;
-  MATRIX<double> coefficients;
-
-  int PolynomialCount() const { return azimuth_times.Size(); }
-  int CoefficientCount() const { return coefficients.Columns().Count(); }
-  double AzimuthTime(int polynomial) const { return azimuth_times.Pointer(0)[polynomial]; }
-  double ReferenceTime(int polynomial) const { return reference_times.Pointer(0)[polynomial]; }
-  double Coefficient(int polynomial, int degree) const {
-    return coefficients.At(coefficients.Rows().First() + polynomial,
-                           coefficients.Columns().First() + degree);
-  }
-};
-
 /// One NaN would turn every pixel of the result into nothing.
-void CheckNumbers(const ANNOTATION& annotation) {
+void CheckNumbers(const DOPPLER_ANNOTATION& annotation) {
   const int count = annotation.PolynomialCount();
   bool are_finite = AreFinite(annotation.azimuth_times.Pointer(0), count) &&
                     AreFinite(annotation.reference_times.Pointer(0), count);
@@ -56,7 +38,7 @@ void CheckNumbers(const ANNOTATION& annotation) {
   }
 }
 
-void CheckAnnotation(const ANNOTATION& annotation) {
+void CheckAnnotation(const DOPPLER_ANNOTATION& annotation) {
   const int count = annotation.PolynomialCount();
   if (count < 1) {
     RefuseAnnotation("fdc_poly_az_time holds no polynomial");
@@ -80,7 +62,8 @@ void CheckAnnotation(const ANNOTATION& annotation) {
 
 /// Points (azimuth time i, value_of(i)) for all polynomials.
 template <class VALUE_OF>
-void FillPoints(ARRAY<POINT<double>>& points, const ANNOTATION& annotation, VALUE_OF value_of) {
+void FillPoints(ARRAY<POINT<double>>& points, const DOPPLER_ANNOTATION& annotation,
+                VALUE_OF value_of) {
   const int count = annotation.PolynomialCount();
   if (points.Create(RANGE<int>(0, count)) != CONTAINER_OK) {
     Log() << ALARM << "fDC: no memory for the annotation";
@@ -93,23 +76,33 @@ void FillPoints(ARRAY<POINT<double>>& points, const ANNOTATION& annotation, VALU
 
 }  // namespace
 
-void DOPPLER_CENTROID_MODEL::ReadRates(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps) {
-  const bool is_read = steps.TakeAll(
-      {[&] { slave_pool.Read("prf", prf_); },
-       [&] { slave_pool.Read("range_sampling_frequency", range_sampling_frequency_); },
-       [&] { slave_pool.Read("oversampling", oversampling_); }});
+void DOPPLER_CENTROID_MODEL::Setup(PARAMETER_POOL& slave_pool) {
+  DOPPLER_ANNOTATION annotation;
+  slave_pool.Read("prf", annotation.prf);
+  slave_pool.Read("range_sampling_frequency", annotation.range_sampling_frequency);
+  slave_pool.Read("oversampling", annotation.oversampling);
+  SetRates(annotation);
+  slave_pool.Read("fdc_poly_az_time", annotation.azimuth_times);
+  slave_pool.Read("fdc_poly_rg_ref_time", annotation.reference_times);
+  slave_pool.Read("fdc_poly_coeff", annotation.coefficients);
+  SetPolynomials(annotation);
+}
+
+void DOPPLER_CENTROID_MODEL::Setup(const DOPPLER_ANNOTATION& annotation) {
+  SetRates(annotation);
+  SetPolynomials(annotation);
+}
+
+void DOPPLER_CENTROID_MODEL::SetRates(const DOPPLER_ANNOTATION& annotation) {
+  prf_ = annotation.prf;
+  range_sampling_frequency_ = annotation.range_sampling_frequency;
+  oversampling_ = annotation.oversampling;
   LOGGING& log = Log();
   log.Message(PARAMETER, "fDC: prf = %f", prf_);
   log.Message(PARAMETER, "fDC: rsf = %f", range_sampling_frequency_);
   log.Message(PARAMETER, "fDC: oversampling = %f", oversampling_);
   log.Message(PARAMETER, "fDC: t_az_start = Not initialized here");
   log.Message(PARAMETER, "fDC: t_rg_start = Not initialized here");
-  if (is_read) {
-    steps.Take([&] { CheckRates(); });
-  }
-}
-
-void DOPPLER_CENTROID_MODEL::CheckRates() const {
   // With their products, by which the evaluation divides.
   for (const double rate : {prf_, range_sampling_frequency_, oversampling_, prf_ * prf_,
                             oversampling_ * prf_, oversampling_ * range_sampling_frequency_}) {
@@ -119,22 +112,13 @@ void DOPPLER_CENTROID_MODEL::CheckRates() const {
   }
 }
 
-void DOPPLER_CENTROID_MODEL::Setup(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps) {
-  ReadRates(slave_pool, steps);
-
-  ANNOTATION annotation;
-  if (!steps.TakeAll({[&] { slave_pool.Read("fdc_poly_az_time", annotation.azimuth_times); },
-                      [&] { slave_pool.Read("fdc_poly_rg_ref_time", annotation.reference_times); },
-                      [&] { slave_pool.Read("fdc_poly_coeff", annotation.coefficients); }})) {
-    return;
-  }
+void DOPPLER_CENTROID_MODEL::SetPolynomials(const DOPPLER_ANNOTATION& annotation) {
+  coefficient_count_ = 0;  // until they are there
   const int polynomial_count = annotation.PolynomialCount();
-  coefficient_count_ = annotation.CoefficientCount();
+  const int coefficient_count = annotation.CoefficientCount();
   Log().Message(PARAMETER, "fDC: number of range polynomials over az: %d", polynomial_count);
-  Log().Message(PARAMETER, "fDC: number of coeffs over range: %d", coefficient_count_);
-  if (!steps.Take([&] { CheckAnnotation(annotation); })) {
-    return;
-  }
+  Log().Message(PARAMETER, "fDC: number of coeffs over range: %d", coefficient_count);
+  CheckAnnotation(annotation);
 
   const int support_count = polynomial_count >= 3 ? 2 : polynomial_count;
   FillPoints(reference_time_.points, annotation,
@@ -143,14 +127,15 @@ void DOPPLER_CENTROID_MODEL::Setup(PARAMETER_POOL& slave_pool, const SETUP_STEPS
   reference_time_.interpolation.SetSupportPointCount(support_count);
   reference_time_.interpolation.Init(reference_time_.points);
 
-  coefficients_ = std::make_unique<AZIMUTH_SERIES[]>(static_cast<std::size_t>(coefficient_count_));
-  for (int degree = 0; degree < coefficient_count_; ++degree) {
+  coefficients_ = std::make_unique<AZIMUTH_SERIES[]>(static_cast<std::size_t>(coefficient_count));
+  for (int degree = 0; degree < coefficient_count; ++degree) {
     AZIMUTH_SERIES& coefficient = coefficients_[static_cast<std::size_t>(degree)];
     FillPoints(coefficient.points, annotation,
                [&](int polynomial) { return annotation.Coefficient(polynomial, degree); });
     coefficient.interpolation.SetSupportPointCount(support_count);
     coefficient.interpolation.Init(coefficient.points);
   }
+  coefficient_count_ = coefficient_count;
 }
 
 double DOPPLER_CENTROID_MODEL::Frequency(double azimuth_time, double range_time) const {

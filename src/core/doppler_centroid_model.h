@@ -3,11 +3,31 @@
 #include <memory>
 
 #include "base/array.h"
-#include "base/setup_steps.h"
+#include "base/matrix.h"
 #include "base/tuple.h"
+#include "base/vector.h"
 #include "interpolation/local_interpolation.h"
 #include "interpolation/polynom.h"
 #include "pool/parameter_pool.h"
+
+/// What a slave's annotation says about its timing and its Doppler centroid.
+struct DOPPLER_ANNOTATION {
+  double prf = 0.0;                       ///< [Hz]
+  double range_sampling_frequency = 0.0;  ///< [Hz]
+  double oversampling = 1.0;              ///< of the image grid
+  VECTOR<double> azimuth_times;           ///< of the polynomials [s], rising
+  VECTOR<double> reference_times;         ///< the range times [s] that they are expanded around
+  MATRIX<double> coefficients;  ///< row i: of polynomial i, column k: of degree k [Hz / s^k]
+
+  int PolynomialCount() const { return azimuth_times.Size(); }
+  int CoefficientCount() const { return coefficients.Columns().Count(); }
+  double AzimuthTime(int polynomial) const { return azimuth_times.Pointer(0)[polynomial]; }
+  double ReferenceTime(int polynomial) const { return reference_times.Pointer(0)[polynomial]; }
+  double Coefficient(int polynomial, int degree) const {
+    return coefficients.At(coefficients.Rows().First() + polynomial,
+                           coefficients.Columns().First() + degree);
+  }
+};
 
 /// Timing of the slave and its Doppler centroid frequency at any azimuth and range time.
 ///
@@ -26,12 +46,13 @@ class DOPPLER_CENTROID_MODEL {
   DOPPLER_CENTROID_MODEL& operator=(const DOPPLER_CENTROID_MODEL&) = delete;
 
   /// Reads "prf", "range_sampling_frequency", "oversampling", "fdc_poly_az_time",
-  /// "fdc_poly_rg_ref_time" and "fdc_poly_coeff" (row i: coefficients of polynomial i, column k:
-  /// degree k). Throws the pool's errors, and ERROR_DATA for an annotation that defines no
-  /// centroid: no polynomial or coefficient, lengths that differ, times or coefficients that are
-  /// no numbers, azimuth times that do not rise, rates that are not positive numbers. Every entry
-  /// is a step.
-  void Setup(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps = SETUP_STEPS());
+  /// "fdc_poly_rg_ref_time" and "fdc_poly_coeff", which are the annotation in its order, and sets
+  /// up. Throws the pool's errors besides.
+  void Setup(PARAMETER_POOL& slave_pool);
+  /// Throws ERROR_DATA for an annotation that defines no centroid: no polynomial or coefficient,
+  /// lengths that differ, times or coefficients that are no numbers, azimuth times that do not
+  /// rise, rates that are not positive numbers; and ERROR_NO_MEMORY.
+  void Setup(const DOPPLER_ANNOTATION& annotation);
 
   double Prf() const noexcept { return prf_; }
   double RangeSamplingFrequency() const noexcept { return range_sampling_frequency_; }
@@ -57,8 +78,8 @@ class DOPPLER_CENTROID_MODEL {
     INTERPOLATION_OVER_AZIMUTH interpolation;
   };
 
-  void ReadRates(PARAMETER_POOL& slave_pool, const SETUP_STEPS& steps);
-  void CheckRates() const;
+  void SetRates(const DOPPLER_ANNOTATION& annotation);
+  void SetPolynomials(const DOPPLER_ANNOTATION& annotation);
 
   double prf_ = 0.0;
   double range_sampling_frequency_ = 0.0;

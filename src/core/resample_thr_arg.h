@@ -10,20 +10,17 @@
 #include "mapping/mapping_base.h"
 #include "raster/mem_mgr.h"
 
-struct CORE_VARIANT;
-
-/// One resampling as the workers see it. Everything is borrowed from the driver, which keeps it
+/// One resampling as the workers see it. Everything is borrowed, see `RESAMPLE_INPUT`, and kept
 /// alive until the workers are joined, and only the output rasters are written.
 struct RESAMPLE_JOB {
-  MEM_MGR* input_slave = nullptr;
-  MEM_MGR* input_mask = nullptr;  ///< null when every pixel of the slave is valid
-  int input_width = 0;            ///< samples of the slave
-  int input_height = 0;           ///< lines of the slave
+  const MEM_MGR* input_slave = nullptr;
+  const MEM_MGR* input_mask = nullptr;  ///< null when every pixel of the slave is valid
+  int input_width = 0;                  ///< samples of the slave
+  int input_height = 0;                 ///< lines of the slave
   MEM_MGR* output_slave = nullptr;
   MEM_MGR* output_mask = nullptr;  ///< null when nobody wants it
   int output_width = 0;            ///< samples of the master grid
   int output_height = 0;           ///< lines of the master grid
-  const CORE_VARIANT* core = nullptr;
   const MAPPING_BASE* mapping = nullptr;
   const INTERPOLATION_KERNEL* kernel = nullptr;
   const DOPPLER_CENTROID_MODEL* doppler = nullptr;

@@ -94,6 +94,7 @@ bool FitsIntoMemory(int subpix_count, int length) {
 
 void INTERPOLATION_KERNEL::InitKernel(const KernelType& type, int length, int subpix_count,
                                       float coefficient) {
+  rows_.clear();
   type_ = type;
   coefficient_ = coefficient;
   length_ = length;

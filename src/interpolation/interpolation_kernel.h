@@ -42,6 +42,8 @@ class INTERPOLATION_KERNEL {
   int Length() const noexcept { return length_; }
   /// Number of sub-pixel positions N.
   int SubpixCount() const noexcept { return subpix_count_; }
+  /// Whether the table has been computed.
+  bool HasTable() const noexcept { return !rows_.empty(); }
   /// The L weights of sub-pixel position k, 0 <= k < N.
   const double* Row(int k) const noexcept { return rows_[static_cast<std::size_t>(k)]; }
 

@@ -1,5 +1,7 @@
 #include "mapping/mapping_matrix.h"
 
+#include <cstring>
+
 #include "base/error_exception.h"
 #include "logging/logging.h"
 
@@ -25,6 +27,12 @@ void MapShifts(MEM_MGR& raster, const char* file) {
   }
 }
 
+void CopyShifts(MEM_MGR& raster, const float* shifts, unsigned columns, unsigned lines) {
+  raster.CreateInMemory(0, 0, std::int64_t{columns} - 1, std::int64_t{lines} - 1,
+                        PIXEL_TYPE::FLT_6);
+  std::memcpy(raster.Data(), shifts, static_cast<std::size_t>(raster.DataLength()));
+}
+
 void InitOnRaster(MATRIX_INTERPOLATION<float>& interpolation, const MEM_MGR& raster) {
   interpolation.Init(raster.Rows<float>(), static_cast<unsigned>(raster.Width()),
                      static_cast<unsigned>(raster.Height()));
@@ -33,29 +41,35 @@ void InitOnRaster(MATRIX_INTERPOLATION<float>& interpolation, const MEM_MGR& ras
 }  // namespace
 
 MAPPING_MATRIX::MAPPING_MATRIX(const char* rg_file, const char* az_file, int rg_subsampling,
-                               int az_subsampling, const SETUP_STEPS& steps) {
-  Open(rg_file, az_file, rg_subsampling, az_subsampling, steps);
+                               int az_subsampling) {
+  Open(rg_file, az_file, rg_subsampling, az_subsampling);
 }
 
 void MAPPING_MATRIX::Open(const char* rg_file, const char* az_file, int rg_subsampling,
-                          int az_subsampling, const SETUP_STEPS& steps) {
+                          int az_subsampling) {
+  Restart(rg_subsampling, az_subsampling);
+  Log().Message(TRACE, "- open range mapping file: %s", rg_file);
+  MapShifts(rg_raster_, rg_file);
+  Log().Message(TRACE, "- open azimuth mapping file: %s", az_file);
+  MapShifts(az_raster_, az_file);
+  CheckEqualSizes();
+  InitInterpolation();
+}
+
+void MAPPING_MATRIX::Copy(const float* rg_shifts, const float* az_shifts, unsigned columns,
+                          unsigned lines, int rg_subsampling, int az_subsampling) {
+  Restart(rg_subsampling, az_subsampling);
+  CopyShifts(rg_raster_, rg_shifts, columns, lines);
+  CopyShifts(az_raster_, az_shifts, columns, lines);
+  InitInterpolation();
+}
+
+void MAPPING_MATRIX::Restart(int rg_subsampling, int az_subsampling) {
   rg_interpolation_ = {};
   az_interpolation_ = {};
-  const bool is_subsampled = steps.Take([&] { CheckSubsampling(rg_subsampling, az_subsampling); });
+  CheckSubsampling(rg_subsampling, az_subsampling);
   rg_subsampling_ = rg_subsampling;
   az_subsampling_ = az_subsampling;
-  const bool is_mapped =
-      steps.TakeAll({[&] {
-                       Log().Message(TRACE, "- open range mapping file: %s", rg_file);
-                       MapShifts(rg_raster_, rg_file);
-                     },
-                     [&] {
-                       Log().Message(TRACE, "- open azimuth mapping file: %s", az_file);
-                       MapShifts(az_raster_, az_file);
-                     }});
-  if (is_mapped && steps.Take([&] { CheckEqualSizes(); }) && is_subsampled) {
-    InitInterpolation();
-  }
 }
 
 void MAPPING_MATRIX::CheckEqualSizes() const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/setup_steps.h"
 #include "mapping/mapping_base.h"
 #include "mapping/matrix_interpolation.h"
 #include "raster/mem_mgr.h"
@@ -22,8 +21,7 @@ class MAPPING_MATRIX : public MAPPING_BASE {
   /// An empty mapping: evaluating it throws ERROR_UNHANDLED_CASE until `Open`.
   MAPPING_MATRIX() = default;
   /// As `Open` on an empty mapping.
-  MAPPING_MATRIX(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling,
-                 const SETUP_STEPS& steps = SETUP_STEPS());
+  MAPPING_MATRIX(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling);
   MAPPING_MATRIX(const MAPPING_MATRIX&) = delete;
   MAPPING_MATRIX& operator=(const MAPPING_MATRIX&) = delete;
   ~MAPPING_MATRIX() override = default;
@@ -32,10 +30,12 @@ class MAPPING_MATRIX : public MAPPING_BASE {
   ///
   /// Throws ERROR_ARGUMENT for a subsampling below 1, ERROR_NOT_SUPPORTED_PIXEL_TYPE for files of
   /// other pixels, ERROR_DATA for files of different sizes, and what `MEM_MGR::Map` throws.
-  /// Evaluating the mapping after a failure throws as on an empty one. The subsampling, each file
-  /// and the comparison of their sizes are steps.
-  void Open(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling,
-            const SETUP_STEPS& steps = SETUP_STEPS());
+  /// Evaluating the mapping after a failure throws as on an empty one.
+  void Open(const char* rg_file, const char* az_file, int rg_subsampling, int az_subsampling);
+  /// The same with copies of shifts in memory, row-major matrices of `columns` x `lines` nodes.
+  /// Throws ERROR_ARGUMENT for a subsampling below 1 and matrices without nodes, ERROR_NO_MEMORY.
+  void Copy(const float* rg_shifts, const float* az_shifts, unsigned columns, unsigned lines,
+            int rg_subsampling, int az_subsampling);
   /// Sets up the interpolations on the open files, and prints their overviews, again.
   void InitInterpolation();
 
@@ -50,6 +50,8 @@ class MAPPING_MATRIX : public MAPPING_BASE {
   const MATRIX_INTERPOLATION<float>& AzInterpolation() const noexcept { return az_interpolation_; }
 
  private:
+  /// Leaves an empty mapping of these subsamplings.
+  void Restart(int rg_subsampling, int az_subsampling);
   void CheckEqualSizes() const;
 
   int rg_subsampling_ = 0;

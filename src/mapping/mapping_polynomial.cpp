@@ -4,26 +4,37 @@
 #include <cmath>
 
 #include "base/error_exception.h"
+#include "base/vector.h"
 #include "logging/logging.h"
 
 namespace {
 
 using enum LOGGING_LEVEL_T;
 
-void ReadCoefficients(PARAMETER_POOL& pool, const char* key, VECTOR<double>& coefficients) {
-  pool.Read(key, coefficients);
-  if (coefficients.Size() < MAPPING_POLYNOMIAL::coefficient_count) {
-    Log() << ALARM << "mapping polynomial \"" << key << "\" needs "
-          << MAPPING_POLYNOMIAL::coefficient_count << " coefficients, it has "
-          << coefficients.Size();
-    throw ERROR_DATA();
-  }
-  const double* const c = coefficients.Pointer(0);
-  if (std::any_of(c, c + MAPPING_POLYNOMIAL::coefficient_count,
-                  [](double coefficient) { return !std::isfinite(coefficient); })) {
+using COEFFICIENTS = MAPPING_POLYNOMIAL::COEFFICIENTS;
+
+constexpr const char* range_key = "respl_poly_rg";
+constexpr const char* azimuth_key = "respl_poly_az";
+
+void CheckNumbers(const COEFFICIENTS& coefficients, const char* key) {
+  if (!std::ranges::all_of(coefficients, [](double c) { return std::isfinite(c); })) {
     Log() << ALARM << "mapping polynomial \"" << key << "\" has coefficients that are no numbers";
     throw ERROR_DATA();
   }
+}
+
+COEFFICIENTS ReadCoefficients(PARAMETER_POOL& pool, const char* key) {
+  VECTOR<double> entry;
+  pool.Read(key, entry);
+  if (entry.Size() < MAPPING_POLYNOMIAL::coefficient_count) {
+    Log() << ALARM << "mapping polynomial \"" << key << "\" needs "
+          << MAPPING_POLYNOMIAL::coefficient_count << " coefficients, it has " << entry.Size();
+    throw ERROR_DATA();
+  }
+  COEFFICIENTS coefficients{};
+  std::copy_n(entry.Pointer(0), coefficients.size(), coefficients.begin());
+  CheckNumbers(coefficients, key);
+  return coefficients;
 }
 
 unsigned ReadSize(PARAMETER_POOL& pool, const char* key) {
@@ -43,20 +54,27 @@ double Shift(const double* c, double x, double y) {
 
 }  // namespace
 
-MAPPING_POLYNOMIAL::MAPPING_POLYNOMIAL(PARAMETER_POOL& pool, const SETUP_STEPS& steps) {
-  ReadItems(pool, steps);
+MAPPING_POLYNOMIAL::MAPPING_POLYNOMIAL(PARAMETER_POOL& pool) {
+  ReadItems(pool);
 }
 
 MAPPING_POLYNOMIAL::MAPPING_POLYNOMIAL(const char* pool_file) {
   PARAMETER_POOL pool(pool_file);
-  ReadItems(pool, SETUP_STEPS());
+  ReadItems(pool);
 }
 
-void MAPPING_POLYNOMIAL::ReadItems(PARAMETER_POOL& pool, const SETUP_STEPS& steps) {
-  steps.TakeAll({[&] { ReadCoefficients(pool, "respl_poly_az", respl_poly_az_); },
-                 [&] { ReadCoefficients(pool, "respl_poly_rg", respl_poly_rg_); },
-                 [&] { n_samples_ = ReadSize(pool, "n_samples"); },
-                 [&] { n_lines_ = ReadSize(pool, "n_lines"); }});
+MAPPING_POLYNOMIAL::MAPPING_POLYNOMIAL(const COEFFICIENTS& rg, const COEFFICIENTS& az,
+                                       unsigned n_samples, unsigned n_lines)
+    : respl_poly_rg_(rg), respl_poly_az_(az), n_samples_(n_samples), n_lines_(n_lines) {
+  CheckNumbers(az, azimuth_key);
+  CheckNumbers(rg, range_key);
+}
+
+void MAPPING_POLYNOMIAL::ReadItems(PARAMETER_POOL& pool) {
+  respl_poly_az_ = ReadCoefficients(pool, azimuth_key);
+  respl_poly_rg_ = ReadCoefficients(pool, range_key);
+  n_samples_ = ReadSize(pool, "n_samples");
+  n_lines_ = ReadSize(pool, "n_lines");
 }
 
 double MAPPING_POLYNOMIAL::GetSlaveRange(double range, double azimuth) const {

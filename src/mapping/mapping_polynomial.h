@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/setup_steps.h"
-#include "base/vector.h"
+#include <array>
+
 #include "mapping/mapping_base.h"
 #include "pool/parameter_pool.h"
 
@@ -16,13 +16,18 @@ class MAPPING_POLYNOMIAL : public MAPPING_BASE {
  public:
   /// Number of coefficients that are used; a vector may hold more.
   static constexpr int coefficient_count = 6;
+  /// c0 ... c5
+  using COEFFICIENTS = std::array<double, coefficient_count>;
 
   /// Reads "respl_poly_az", "respl_poly_rg", "n_samples" and "n_lines" from a pool. Throws the
   /// pool's errors, and ERROR_DATA for too few coefficients and for those that are no numbers.
-  /// Every entry is a step.
-  explicit MAPPING_POLYNOMIAL(PARAMETER_POOL& pool, const SETUP_STEPS& steps = SETUP_STEPS());
+  explicit MAPPING_POLYNOMIAL(PARAMETER_POOL& pool);
   /// The same from a pool file, which is closed again.
   explicit MAPPING_POLYNOMIAL(const char* pool_file);
+  /// Of given coefficients over a master of this size. Throws ERROR_DATA for those that are no
+  /// numbers.
+  MAPPING_POLYNOMIAL(const COEFFICIENTS& rg, const COEFFICIENTS& az, unsigned n_samples,
+                     unsigned n_lines);
 
   double GetSlaveRange(double range, double azimuth) const override;
   double GetSlaveAzimuth(double range, double azimuth) const override;
@@ -31,15 +36,15 @@ class MAPPING_POLYNOMIAL : public MAPPING_BASE {
   unsigned GetMaxAzimuth() const override { return n_lines_ - 1; }
 
   /// c0 ... c5 of the range polynomial.
-  const double* RgCoefficients() const noexcept { return respl_poly_rg_.Pointer(0); }
+  const double* RgCoefficients() const noexcept { return respl_poly_rg_.data(); }
   /// c0 ... c5 of the azimuth polynomial.
-  const double* AzCoefficients() const noexcept { return respl_poly_az_.Pointer(0); }
+  const double* AzCoefficients() const noexcept { return respl_poly_az_.data(); }
 
  private:
-  void ReadItems(PARAMETER_POOL& pool, const SETUP_STEPS& steps);
+  void ReadItems(PARAMETER_POOL& pool);
 
-  VECTOR<double> respl_poly_rg_;
-  VECTOR<double> respl_poly_az_;
+  COEFFICIENTS respl_poly_rg_{};
+  COEFFICIENTS respl_poly_az_{};
   unsigned n_samples_ = 0;
   unsigned n_lines_ = 0;
 };

@@ -94,9 +94,9 @@ TEST(ResampleThreadTest, RefusesAnOutputOfAnotherTypeThanTheInput) {
   MEM_MGR output;
   input.CreateInMemory(0, 0, 1, 1, PIXEL_TYPE::C_INT_16);
   output.CreateInMemory(0, 0, 1, 1, PIXEL_TYPE::C_FLT_2);
-  RESAMPLE_THR_ARG argument;
-  argument.Set({.input_slave = &input, .output_slave = &output});
-  EXPECT_THROW(ResampleThread(argument), ERROR_DATA);
+  RESAMPLE_WORK work;
+  work.Set({.input_slave = &input, .output_slave = &output});
+  EXPECT_THROW(ResampleThread(work), ERROR_DATA);
   EXPECT_TRUE(log.Has("ALARM : ERROR : Both input images must have the same type."));
 }
 

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <memory>
 #include <utility>
 #include <vector>
 
 #include "core/core_variant.h"
-#include "core/resample_thr_arg.h"
+#include "core/resample_input.h"
 #include "support/scene.h"
 #include "support/temporary_directory.h"
 
@@ -31,14 +30,8 @@ class CORE_JOB {
 
  private:
   TEMPORARY_DIRECTORY directory_;
-  MEM_MGR input_;
-  MEM_MGR output_;
-  MEM_MGR input_mask_;
-  MEM_MGR output_mask_;
-  DOPPLER_CENTROID_MODEL doppler_;
-  INTERPOLATION_KERNEL kernel_;
-  ZARVO::ImageMode imaging_mode_;
-  std::unique_ptr<MAPPING_BASE> mapping_;
+  RESAMPLE_INPUT input_;
+  RESAMPLE_OUTPUT output_;
   RESAMPLE_JOB job_;
 };
 
@@ -52,7 +45,7 @@ void CORE_JOB::Resample(RESAMPLE_FUNCTION<CODEC> resample, std::vector<unsigned>
   unsigned first = 0;
   for (const unsigned end : block_ends) {
     argument.block = URANGE<unsigned int>(first, end - first);
-    resample(argument, input_.Rows<PIXEL>(), output_.Rows<PIXEL>());
+    resample(argument, input_.slave.Rows<PIXEL>(), output_.slave.Rows<PIXEL>());
     first = end;
   }
 }

@@ -33,7 +33,7 @@ FINDINGS::~FINDINGS() {
   Log().SetScreenLevel(ALARM);
 }
 
-bool FINDINGS::Take(const STEP& step) const {
+bool FINDINGS::Take(const std::function<void()>& step) {
   alarms_.clear();
   try {
     step();

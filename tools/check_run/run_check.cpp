@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/input_setup.h"
+#include "app/output_setup.h"
 #include "app/resample_thread.h"
 #include "control/processors.h"
 #include "core/core_variant.h"
@@ -22,35 +24,87 @@ std::int64_t CoveredLength(unsigned nodes, int subsampling, int length) {
 }  // namespace
 
 RUN_CHECK::~RUN_CHECK() {
-  for (const auto& pool : {insar_pool_.get(), log_pool_.get()}) {
-    if (pool != nullptr) {
+  for (const auto& pool : {pools_.insar, pools_.log}) {
+    if (pool) {
       pool->Discard();
     }
   }
 }
 
-void RUN_CHECK::AllocateOutput() {
-  CheckOutputPaths();
-  if (parameters_.slave_out) {
-    // Any type will do to look at the path.
-    CheckCreate(*parameters_.slave_out,
-                HasSlave() ? input_slave_.PixelType() : PIXEL_TYPE::C_INT_16);
+void RUN_CHECK::Execute(const VERSION_RECORD& version) {
+  ReadParameters();
+  if (is_read_.kernel) {
+    findings_.Take([&] { BuildKernel(parameters_.kernel, input_); });
   }
-  if (parameters_.mask_out) {
-    CheckCreate(*parameters_.mask_out, PIXEL_TYPE::U_INT_8);
+  MapInputs();
+  if (is_read_.mapping) {
+    findings_.Take([&] { OpenMapping(parameters_.mapping, *pools_.insar, input_); });
+  }
+  CheckOutput();
+  if (is_read_.inputs && pools_.insar) {
+    findings_.Take([&] { ReadAnnotation(parameters_.inputs.slave_pool, *pools_.insar, input_); });
+  }
+  CheckProcessing();
+  CheckPoolUpdates(version);
+}
+
+void RUN_CHECK::ReadParameters() {
+  findings_.Take([&] { pools_.OpenInsarPool(controller_); });
+  findings_.Take([&] { pools_.OpenLogPool(controller_); });
+  is_read_.inputs = findings_.Take([&] { parameters_.inputs = ReadInputFiles(controller_); });
+  is_read_.mapping = pools_.insar && findings_.Take([&] {
+    parameters_.mapping = ReadMappingParameters(controller_, *pools_.insar);
+  });
+  is_read_.kernel = findings_.Take([&] { parameters_.kernel = ReadKernelParameters(controller_); });
+  is_read_.size = pools_.insar && findings_.Take([&] {
+    parameters_.size = ReadOutputSize(controller_, *pools_.insar);
+  });
+  findings_.Take([&] { ApplyNumberOfCpus(controller_); });
+  is_read_.outputs = findings_.Take([&] { parameters_.outputs = ReadOutputFiles(controller_); });
+  findings_.Take([&] { parameters_.ps_mode = ReadPsMode(controller_); });
+  input_.n_samples = parameters_.size.n_samples;
+  input_.n_lines = parameters_.size.n_lines;
+  input_.ps_mode = parameters_.ps_mode;
+}
+
+void RUN_CHECK::MapInputs() {
+  if (!is_read_.inputs) {
+    return;
+  }
+  has_slave_ = findings_.Take([&] { MapSlave(parameters_.inputs.slave, input_); });
+  if (parameters_.inputs.mask) {
+    const bool has_mask = findings_.Take([&] { MapMask(*parameters_.inputs.mask, input_); });
+    if (has_slave_ && has_mask) {
+      findings_.Take([&] { input_.CheckMask(); });
+    }
+  }
+}
+
+void RUN_CHECK::CheckOutput() {
+  if (!is_read_.outputs) {
+    return;
+  }
+  const OUTPUT_FILES& outputs = parameters_.outputs;
+  findings_.Take([&] { CheckOutputPaths(outputs, FilesInUse(parameters_, pools_, controller_)); });
+  if (!is_read_.size) {
+    return;
+  }
+  // Any type will do to look at the path.
+  CheckCreate(outputs.slave, has_slave_ ? input_.slave.PixelType() : PIXEL_TYPE::C_INT_16);
+  if (outputs.mask) {
+    CheckCreate(*outputs.mask, PIXEL_TYPE::U_INT_8);
   }
 }
 
 void RUN_CHECK::CheckCreate(const std::string& path, PIXEL_TYPE type) {
   findings_.Take([&] {
-    MEM_MGR::CheckCreate(path.c_str(), 0, 0, parameters_.n_samples - 1, parameters_.n_lines - 1,
-                         type);
+    MEM_MGR::CheckCreate(path.c_str(), 0, 0, input_.n_samples - 1, input_.n_lines - 1, type);
   });
 }
 
-void RUN_CHECK::PerformProcessing() {
-  if (HasSlave()) {
-    findings_.Take([&] { CheckPixelTypeIsSupported(input_slave_.PixelType()); });
+void RUN_CHECK::CheckProcessing() {
+  if (has_slave_) {
+    findings_.Take([&] { CheckPixelTypeIsSupported(input_.slave.PixelType()); });
   }
   // Both warn about what the environment says.
   NumberOfProcessors();
@@ -64,15 +118,15 @@ void RUN_CHECK::PerformProcessing() {
 
 RUN_FIGURES RUN_CHECK::Measure() const {
   RUN_FIGURES figures;
-  figures.n_samples = parameters_.n_samples;
-  figures.n_lines = parameters_.n_lines;
-  figures.pixel_type = input_slave_.PixelType();
-  figures.coverage = MeasureCoverage({.mapping = mapping_.get(),
-                                      .footprint = FOOTPRINT(kernel_->Length()),
-                                      .slave_width = static_cast<int>(input_slave_.Width()),
-                                      .slave_height = static_cast<int>(input_slave_.Height()),
-                                      .n_samples = parameters_.n_samples,
-                                      .n_lines = parameters_.n_lines},
+  figures.n_samples = input_.n_samples;
+  figures.n_lines = input_.n_lines;
+  figures.pixel_type = input_.slave.PixelType();
+  figures.coverage = MeasureCoverage({.mapping = input_.mapping.get(),
+                                      .footprint = FOOTPRINT(input_.kernel.Length()),
+                                      .slave_width = static_cast<int>(input_.slave.Width()),
+                                      .slave_height = static_cast<int>(input_.slave.Height()),
+                                      .n_samples = input_.n_samples,
+                                      .n_lines = input_.n_lines},
                                      most_pixels_);
   figures.outputs = Outputs(figures.coverage.Share());
   figures.mapped_bytes = MappedInputBytes();
@@ -85,23 +139,23 @@ RUN_FIGURES RUN_CHECK::Measure() const {
 }
 
 std::vector<NEW_FILE> RUN_CHECK::Outputs(double share) const {
-  const std::int64_t pixels = std::int64_t{parameters_.n_samples} * parameters_.n_lines;
+  const std::int64_t pixels = std::int64_t{input_.n_samples} * input_.n_lines;
   const auto output = [&](const std::string& path, PIXEL_TYPE type) {
     constexpr std::int64_t header = 32;
     const std::int64_t length = pixels * BytesPerPixel(type);
     const auto written = static_cast<std::int64_t>(static_cast<double>(length) * share);
     return NEW_FILE{path, header + length, header + written};
   };
-  std::vector<NEW_FILE> outputs = {output(*parameters_.slave_out, input_slave_.PixelType())};
-  if (parameters_.mask_out) {
-    outputs.push_back(output(*parameters_.mask_out, PIXEL_TYPE::U_INT_8));
+  std::vector<NEW_FILE> outputs = {output(parameters_.outputs.slave, input_.slave.PixelType())};
+  if (parameters_.outputs.mask) {
+    outputs.push_back(output(*parameters_.outputs.mask, PIXEL_TYPE::U_INT_8));
   }
   return outputs;
 }
 
 std::int64_t RUN_CHECK::MappedInputBytes() const {
-  std::int64_t bytes = PixelBytes(input_slave_) + PixelBytes(input_mask_);
-  if (const auto* matrix = dynamic_cast<const MAPPING_MATRIX*>(mapping_.get())) {
+  std::int64_t bytes = PixelBytes(input_.slave) + PixelBytes(input_.mask);
+  if (const auto* matrix = dynamic_cast<const MAPPING_MATRIX*>(input_.mapping.get())) {
     const auto& grid = matrix->RgInterpolation();
     constexpr std::int64_t bytes_a_node = 2 * sizeof(float);
     bytes += std::int64_t{grid.RgSize()} * grid.AzSize() * bytes_a_node;
@@ -110,23 +164,22 @@ std::int64_t RUN_CHECK::MappedInputBytes() const {
 }
 
 std::int64_t RUN_CHECK::OwnBytes() const {
-  const std::int64_t weights = std::int64_t{kernel_->Length()} * kernel_->SubpixCount();
-  const std::int64_t rows = input_slave_.Height() + input_mask_.Height() +
-                            std::int64_t{parameters_.n_lines} * (parameters_.mask_out ? 2 : 1);
+  const std::int64_t weights = std::int64_t{input_.kernel.Length()} * input_.kernel.SubpixCount();
+  const std::int64_t rows = input_.slave.Height() + input_.mask.Height() +
+                            std::int64_t{input_.n_lines} * (parameters_.outputs.mask ? 2 : 1);
   return weights * std::int64_t{sizeof(double)} + rows * std::int64_t{sizeof(void*)};
 }
 
 void RUN_CHECK::JudgeMapping() {
-  const auto* matrix = dynamic_cast<const MAPPING_MATRIX*>(mapping_.get());
+  const auto* matrix = dynamic_cast<const MAPPING_MATRIX*>(input_.mapping.get());
   if (matrix == nullptr) {
     return;
   }
   const auto& grid = matrix->RgInterpolation();
   const std::int64_t samples =
-      CoveredLength(grid.RgSize(), matrix->RgSubsampling(), parameters_.n_samples);
-  const std::int64_t lines =
-      CoveredLength(grid.AzSize(), matrix->AzSubsampling(), parameters_.n_lines);
-  if (samples < parameters_.n_samples || lines < parameters_.n_lines) {
+      CoveredLength(grid.RgSize(), matrix->RgSubsampling(), input_.n_samples);
+  const std::int64_t lines = CoveredLength(grid.AzSize(), matrix->AzSubsampling(), input_.n_lines);
+  if (samples < input_.n_samples || lines < input_.n_lines) {
     findings_.AddWarning("the mapping matrices cover " + std::to_string(samples) + " x " +
                          std::to_string(lines) +
                          " pixels of the output; the others are resampled "
@@ -150,12 +203,13 @@ void RUN_CHECK::JudgeFigures(const RUN_FIGURES& figures) {
   }
 }
 
-void RUN_CHECK::ReleaseMemory(const VERSION_RECORD& version) {
-  if (has_one_pool_ ? insar_pool_ != nullptr : log_pool_ != nullptr) {
-    findings_.Take([&] { RegisterHistory(version); });
+void RUN_CHECK::CheckPoolUpdates(const VERSION_RECORD& version) {
+  if (pools_.log) {
+    findings_.Take([&] { pools_.AddRunToHistory(version); });
   }
-  for (const auto& pool : {log_pool_.get(), insar_pool_.get()}) {
-    if (pool != nullptr) {
+  for (const auto& pool : pools_.log == pools_.insar ? std::vector{pools_.insar}
+                                                     : std::vector{pools_.log, pools_.insar}) {
+    if (pool) {
       findings_.Take([&] { pool->CheckUpdate(); });
     }
   }

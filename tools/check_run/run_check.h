@@ -3,10 +3,14 @@
 #include <optional>
 #include <vector>
 
-#include "app/resample_run.h"
+#include "app/run_parameters.h"
+#include "app/run_pools.h"
 #include "check_run/coverage.h"
 #include "check_run/disk_need.h"
 #include "check_run/findings.h"
+#include "control/controller_ifc.h"
+#include "core/resample_input.h"
+#include "logging/version_record.h"
 
 /// What a run without faults will need and do.
 struct RUN_FIGURES {
@@ -21,9 +25,10 @@ struct RUN_FIGURES {
   std::vector<DISK_NEED> disks;
 };
 
-/// A run that is only looked at: it takes all steps of a run but those that write, in whose place
-/// it finds out what they would say.
-class RUN_CHECK : public RESAMPLE_RUN {
+/// A run that is only looked at: each step of a run that does not write, on its own, so that one
+/// that fails does not hide the others; in place of those that write it finds out what they would
+/// say. What depends on a step that has failed is left out.
+class RUN_CHECK {
  public:
   /// So many pixels take about a second.
   static constexpr std::int64_t all_that_is_quick = std::int64_t{1} << 26;
@@ -31,21 +36,26 @@ class RUN_CHECK : public RESAMPLE_RUN {
   /// The share of the output that is computed is told from at most `most_pixels` of its pixels.
   RUN_CHECK(CONTROLLER_IFC& controller, FINDINGS& findings,
             std::int64_t most_pixels = all_that_is_quick)
-      : RESAMPLE_RUN(controller, findings), findings_(findings), most_pixels_(most_pixels) {}
+      : controller_(controller), findings_(findings), most_pixels_(most_pixels) {}
+  RUN_CHECK(const RUN_CHECK&) = delete;
+  RUN_CHECK& operator=(const RUN_CHECK&) = delete;
   /// Lets no pool be updated.
-  ~RUN_CHECK() override;
+  ~RUN_CHECK();
+
+  /// Takes all steps. `version` would go into the processing history.
+  void Execute(const VERSION_RECORD& version);
 
   /// Nothing while there are failures.
   const std::optional<RUN_FIGURES>& Figures() const noexcept { return figures_; }
 
- protected:
-  void AllocateOutput() override;
-  void PerformProcessing() override;
-  void ReleaseMemory(const VERSION_RECORD& version) override;
-
  private:
+  void ReadParameters();
+  void MapInputs();
+  void CheckOutput();
   void CheckCreate(const std::string& path, PIXEL_TYPE type);
-  bool HasSlave() const { return input_slave_.PixelType() != PIXEL_TYPE::OTHERS; }
+  void CheckProcessing();
+  void CheckPoolUpdates(const VERSION_RECORD& version);
+
   RUN_FIGURES Measure() const;
   std::vector<NEW_FILE> Outputs(double share) const;
   std::int64_t MappedInputBytes() const;
@@ -53,7 +63,19 @@ class RUN_CHECK : public RESAMPLE_RUN {
   void JudgeMapping();
   void JudgeFigures(const RUN_FIGURES& figures);
 
+  CONTROLLER_IFC& controller_;
   FINDINGS& findings_;
   std::int64_t most_pixels_;
+  RESAMPLE_INPUT input_;
+  RUN_PARAMETERS parameters_;
+  RUN_POOLS pools_;
+  struct {
+    bool inputs = false;
+    bool mapping = false;
+    bool kernel = false;
+    bool size = false;
+    bool outputs = false;
+  } is_read_;  ///< the groups of the parameters
+  bool has_slave_ = false;
   std::optional<RUN_FIGURES> figures_;
 };
