@@ -12,6 +12,7 @@
 #include "import/import_command.h"
 #include "info/info_command.h"
 #include "logging/logging.h"
+#include "match/match_command.h"
 #include "offsets/offsets_command.h"
 #include "png/png_command.h"
 #include "pools/pool_command.h"
@@ -26,9 +27,9 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {
-    AddSceneCommand,   AddCompareCommand, AddPngCommand,      AddInfoCommand,
-    AddDopplerCommand, AddImportCommand,  AddExportCommand,   AddVrtCommand,
-    AddOffsetsCommand, AddPoolCommand,    AddCheckRunCommand, AddReportCommand};
+    AddSceneCommand,  AddCompareCommand,  AddPngCommand,   AddInfoCommand,  AddDopplerCommand,
+    AddImportCommand, AddExportCommand,   AddVrtCommand,   AddMatchCommand, AddOffsetsCommand,
+    AddPoolCommand,   AddCheckRunCommand, AddReportCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, converts, measures and shows the files around a run of resample."};

@@ -2,10 +2,10 @@
 #include <random>
 #include <vector>
 
+#include "common/polynomial_fit.h"
 #include "compare/compare_command.h"
 #include "offsets/node_matrices.h"
 #include "offsets/offsets_command.h"
-#include "offsets/polynomial_fit.h"
 #include "scene/scene_command.h"
 #include "scene/scene_warp.h"
 #include "tools/command_test.h"

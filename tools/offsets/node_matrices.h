@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "offsets/polynomial_fit.h"
+#include "common/polynomial_fit.h"
 
 /// Where dense offsets lie and where the nodes of mapping matrices do, both in master samples or
 /// lines along one axis. Node i belongs to position i * subsampling.

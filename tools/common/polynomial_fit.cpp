@@ -1,4 +1,4 @@
-#include "offsets/polynomial_fit.h"
+#include "common/polynomial_fit.h"
 
 #include <Eigen/Dense>
 #include <algorithm>
