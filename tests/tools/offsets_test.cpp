@@ -1,11 +1,15 @@
 #include <cmath>
+#include <fstream>
 #include <random>
 #include <vector>
 
+#include "common/offset_record.h"
 #include "common/polynomial_fit.h"
 #include "compare/compare_command.h"
 #include "offsets/node_matrices.h"
+#include "offsets/offset_source.h"
 #include "offsets/offsets_command.h"
+#include "scene/random.h"
 #include "scene/scene_command.h"
 #include "scene/scene_warp.h"
 #include "tools/command_test.h"
@@ -180,6 +184,11 @@ TEST_F(OFFSETS, ImpossibleRequestsAreRefused) {
   EXPECT_THROW(MakeMapping(""), CLI::RequiredError);
   EXPECT_THROW(MakeMapping("--subsampling 0,4"), CLI::ValidationError);
   EXPECT_THROW(MakeMapping("--subsampling 4,4 --band 1,2"), std::runtime_error);
+  for (const char* posting : {"nan,100", "-1,1", "1e300,1"}) {
+    EXPECT_ANY_THROW(MakeMapping(std::string("--subsampling 4,4 --posting ") + posting)) << posting;
+  }
+  EXPECT_NO_THROW(MakeMapping("--subsampling 2147483647,65535 --range-map " + Path("a") +
+                              " --azimuth-map " + Path("b")));
   const std::string matrices = "--subsampling 4,4 --azimuth-map " + Path("map") + " --range-map ";
   EXPECT_THROW(MakeMapping(matrices + Path("map")), std::invalid_argument);
   EXPECT_THROW(MakeMapping(matrices + Path("rg.off")), std::invalid_argument);
@@ -193,6 +202,108 @@ TEST_F(OFFSETS, ImpossibleRequestsAreRefused) {
   EXPECT_THROW(Run(AddOffsetsCommand,
                    "offsets " + Path("rg.off.vrt") + " " + Path("missing") + " --subsampling 4,4"),
                std::runtime_error);
+}
+
+/// Hills that no polynomial follows, offsets every 64 pixels, and a share of blunders among them.
+class HILLS : public COMMAND_TEST, public testing::WithParamInterface<double> {
+ protected:
+  static constexpr int posting = 64;
+  static constexpr int size = 4096;
+  static constexpr int subsampling = 32;
+
+  static double Shift(double x, double y) {
+    return 2.0 + 1e-3 * x + 2.0 * std::sin(x / 300.0) * std::cos(y / 350.0);
+  }
+  OFFSET At(int column, int row) const {
+    const double x = 31.5 + posting * column;
+    const double y = 31.5 + posting * row;
+    const auto index = static_cast<std::uint64_t>(size * row + column);
+    const bool is_blunder = RandomUniform(1, index) < GetParam();
+    const auto measured = [&](double shift, std::uint64_t seed) {
+      const double unit = 2.0 * RandomUniform(seed, index) - 1.0;
+      return shift + (is_blunder ? 8.0 : 0.03) * unit;
+    };
+    return {x, y, measured(Shift(x, y), 2), measured(-Shift(x, y), 3), 20.0};
+  }
+
+  static std::string MakeMatrices(const std::string& arguments) {
+    return Run(AddOffsetsCommand, "offsets " + arguments);
+  }
+  std::string Results() const {
+    return " --subsampling 32,32 --range-map " + Path("rg") + " --azimuth-map " + Path("az");
+  }
+  /// Against the shifts of the hills, within the offsets.
+  double RmsError(const char* map, double sign) const {
+    const RASTER_READER nodes(Path(map));
+    EXPECT_EQ(nodes.Width(), (size - 1) / subsampling + 2);
+    std::vector<VALUE> row(static_cast<std::size_t>(nodes.Width()));
+    double squares = 0.0;
+    int count = 0;
+    for (int line = 1; line < size / subsampling - 1; ++line) {
+      nodes.ReadLine(line, 0, row);
+      for (int column = 1; column < size / subsampling - 1; ++column) {
+        const double truth = sign * Shift(subsampling * column, subsampling * line);
+        squares += std::pow(row[static_cast<std::size_t>(column)].real() - truth, 2);
+        ++count;
+      }
+    }
+    return std::sqrt(squares / count);
+  }
+};
+
+TEST_P(HILLS, BlundersAreFoundByTheirNeighboursAndReplaced) {
+  const auto write = [&](const char* name, double OFFSET::*value) {
+    Real(name, size / posting, size / posting,
+         [&](int column, int row) { return At(column, row).*value; });
+  };
+  write("m_range.ras", &OFFSET::range);
+  write("m_azimuth.ras", &OFFSET::azimuth);
+  write("m_snr.ras", &OFFSET::snr);
+  OFFSET_RECORD{{posting, posting}, {31.5, 31.5}, {size, size}}.Write(Path("m.pool"));
+  testing::internal::CaptureStderr();
+  MakeMatrices(Path("m_range.ras") + " " + Path("m_azimuth.ras") + Results());
+  const bool is_warned =
+      testing::internal::GetCapturedStderr().find("more than 5 %") != std::string::npos;
+  EXPECT_EQ(is_warned, GetParam() > 0.06);
+  EXPECT_LT(RmsError("rg", 1.0), 0.04);
+  EXPECT_LT(RmsError("az", -1.0), 0.04);
+}
+
+TEST_P(HILLS, TablesWithColumnsInAnyOrderAreRead) {
+  std::ofstream table(Path("table"));
+  table << "# line sample azimuth quality range\n\n";
+  for (int i = 0; i < size / posting * size / posting; ++i) {
+    const OFFSET offset = At(i % (size / posting), i / (size / posting));
+    table << offset.y << " " << offset.x << " " << -offset.azimuth << " good " << -offset.range
+          << "\n";
+  }
+  table.close();
+  const std::string arguments =
+      Path("table") + " --negate --columns line,sample,azimuth,-,range" + Results();
+  MakeMatrices(arguments + " --size 4096,4096");
+  EXPECT_LT(RmsError("rg", 1.0), 0.04);
+  EXPECT_LT(RmsError("az", -1.0), 0.04);
+  EXPECT_THROW(MakeMatrices(arguments), std::invalid_argument) << "the size of the master";
+  EXPECT_THROW(MakeMatrices(Path("table") + Results()), std::runtime_error);
+  EXPECT_THROW(MakeMatrices(Path("table") + " --columns line,sample,range" + Results()),
+               std::invalid_argument);
+}
+
+INSTANTIATE_TEST_SUITE_P(ShareOfBlunders, HILLS, testing::Values(0.0, 0.12, 0.2));
+
+TEST_F(OFFSETS, WeakOffsetsAreGapsAndAForgottenPostingIsTold) {
+  WriteOffsets(8, 0, 1.0);
+  Real("snr", 40, 30, [](int x, int y) { return (7 * 8 * x + 13 * 8 * y) % 31 < 3 ? 2.0 : 9.0; });
+  testing::internal::CaptureStderr();
+  const std::string report =
+      MakeMapping("--subsampling 8,8 --snr " + Path("snr") + " --min-snr 3 --posting 8,8" +
+                  " --range-map " + Path("a") + " --azimuth-map " + Path("b"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_NE(report.find("outliers among their neighbours: 0"), std::string::npos) << report;
+  testing::internal::CaptureStderr();
+  MakeMapping("--subsampling 8,8 --size 320,240 --range-map " + Path("a") + " --azimuth-map " +
+              Path("b"));
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("--posting"), std::string::npos);
 }
 
 }  // namespace

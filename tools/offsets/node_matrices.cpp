@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <stdexcept>
 
 namespace {
 
@@ -26,8 +28,11 @@ double Weight(const NODE_AXIS& axis, int node, double position) {
 }  // namespace
 
 NODE_AXIS NODE_AXIS::For(std::int64_t n_pixels, int subsampling, double posting) {
-  return {static_cast<int>((n_pixels - 1) / subsampling + 2), subsampling,
-          std::max(0.5 * subsampling, posting)};
+  const std::int64_t n_nodes = (n_pixels - 1) / subsampling + 2;
+  if (n_nodes > std::numeric_limits<int>::max()) {
+    throw std::invalid_argument("more nodes than a raster can have; take a larger subsampling");
+  }
+  return {static_cast<int>(n_nodes), subsampling, std::max(0.5 * subsampling, posting)};
 }
 
 NODE_MATRICES::NODE_MATRICES(const NODE_AXIS& x, const NODE_AXIS& y, const POLYNOMIAL& range_trend,
@@ -38,13 +43,13 @@ NODE_MATRICES::NODE_MATRICES(const NODE_AXIS& x, const NODE_AXIS& y, const POLYN
       azimuth_trend_(azimuth_trend),
       nodes_(static_cast<std::size_t>(x.n_nodes) * static_cast<std::size_t>(y.n_nodes)) {}
 
-void NODE_MATRICES::Add(double x, double y, double range, double azimuth) noexcept {
+void NODE_MATRICES::Add(double x, double y, double range, double azimuth, double factor) noexcept {
   const NODE_RUN columns = NodesAround(x_, x);
   const NODE_RUN rows = NodesAround(y_, y);
   const double range_deviation = range - Evaluate(range_trend_, x, y);
   const double azimuth_deviation = azimuth - Evaluate(azimuth_trend_, x, y);
   for (int row = rows.first; row <= rows.last; ++row) {
-    const double row_weight = Weight(y_, row, y);
+    const double row_weight = factor * Weight(y_, row, y);
     for (int column = columns.first; column <= columns.last; ++column) {
       const double weight = row_weight * Weight(x_, column, x);
       NODE& node = At(column, row);
@@ -93,8 +98,8 @@ NODE_MATRICES::NODE NODE_MATRICES::Filled(int column, int row) const noexcept {
         }
         const NODE& other = At(other_column, other_row);
         if (other.weight > 0.0) {
-          const double weight = 1.0 / (std::pow(x_.subsampling * n * step_x, 2) +
-                                       std::pow(y_.subsampling * n * step_y, 2));
+          const double weight =
+              1.0 / (std::pow(x_.Position(n) * step_x, 2) + std::pow(y_.Position(n) * step_y, 2));
           weights += weight;
           filled.range += weight * other.range;
           filled.azimuth += weight * other.azimuth;

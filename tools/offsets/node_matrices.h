@@ -13,7 +13,8 @@ struct NODE_AXIS {
   double reach = 1.0;  ///< an offset closer than this to a node counts for it
 
   /// Nodes for an image of `n_pixels`: one past the last pixel, as bilinear interpolation needs it.
-  /// `posting` is the spacing of the offsets.
+  /// `posting` is the spacing of the offsets. Throws std::invalid_argument for more nodes than a
+  /// raster can have.
   static NODE_AXIS For(std::int64_t n_pixels, int subsampling, double posting);
 
   double Position(int node) const noexcept { return static_cast<double>(node) * subsampling; }
@@ -38,7 +39,8 @@ class NODE_MATRICES {
   NODE_MATRICES(const NODE_AXIS& x, const NODE_AXIS& y, const POLYNOMIAL& range_trend,
                 const POLYNOMIAL& azimuth_trend);
 
-  void Add(double x, double y, double range, double azimuth) noexcept;
+  /// An offset that counts `factor` times as much as others.
+  void Add(double x, double y, double range, double azimuth, double factor = 1.0) noexcept;
 
   /// To be called once, after the last `Add`. `width` and `height` are those of the image.
   NODE_COUNTS Finish(std::int64_t width, std::int64_t height);

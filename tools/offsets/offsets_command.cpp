@@ -10,16 +10,20 @@
 
 #include "common/progress_bar.h"
 #include "common/raster_writer.h"
-#include "offsets/dense_offsets.h"
+#include "offsets/clean_offsets.h"
 #include "offsets/node_matrices.h"
+#include "offsets/raster_offsets.h"
+#include "offsets/text_offsets.h"
 #include "pool/parameter_pool_read_write_change.h"
 
 namespace {
 
 struct OFFSETS_OPTIONS {
-  DENSE_OFFSETS_OPTIONS offsets;
+  RASTER_OFFSETS_OPTIONS rasters;
+  TEXT_OFFSETS_OPTIONS table;
   std::array<int, 2> size = {0, 0};  ///< samples and lines of the master; 0: as the offsets tell
-  double reject = 4.0;
+  CLEANING cleaning;
+  std::optional<double> least_snr;  ///< without one as the source has it
   double max_deviation = HUGE_VAL;
 
   std::array<int, 2> subsampling = {0, 0};
@@ -33,21 +37,27 @@ struct OFFSETS_OPTIONS {
 struct TRENDS {
   POLYNOMIAL_FIT range;
   POLYNOMIAL_FIT azimuth;
+  double median_snr = 1.0;
 };
 
 std::int64_t QuotientUp(std::int64_t a, std::int64_t b) {
   return (a + b - 1) / b;
 }
 
-/// How many columns and lines to step over so that six coefficients are not fitted to more offsets
+/// How many columns and rows to step over so that six coefficients are not fitted to more offsets
 /// than they are worth.
-int StrideOf(const DENSE_OFFSETS& offsets) {
+int StrideOf(const OFFSET_SOURCE& offsets) {
   constexpr std::int64_t enough = 1 << 18;
   int stride = 1;
-  while (QuotientUp(offsets.Columns(), stride) * QuotientUp(offsets.Lines(), stride) > enough) {
+  while (QuotientUp(offsets.Columns(), stride) * QuotientUp(offsets.Rows(), stride) > enough) {
     ++stride;
   }
   return stride;
+}
+
+void PrintShare(const char* name, std::int64_t part, std::int64_t all) {
+  std::cout << name << ": " << part << " ("
+            << 100.0 * static_cast<double>(part) / static_cast<double>(all) << " %)\n";
 }
 
 void PrintFit(const char* name, const POLYNOMIAL_FIT& fit) {
@@ -58,22 +68,31 @@ void PrintFit(const char* name, const POLYNOMIAL_FIT& fit) {
             << " %)\n";
 }
 
-TRENDS FitTrends(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options) {
+TRENDS FitTrends(const OFFSET_SOURCE& offsets, const CLEANING& cleaning) {
   const int stride = StrideOf(offsets);
   std::vector<FIELD_POINT> range;
   std::vector<FIELD_POINT> azimuth;
+  std::vector<double> ratios;
+  std::int64_t looked_at = 0;
   PROGRESS_BAR bar;
-  offsets.ForEach(
-      stride,
-      [&](const DENSE_OFFSET& offset) {
+  for (int row = 0; row < offsets.Rows(); row += stride) {
+    for (const OFFSET& offset : offsets.Row(row)) {
+      if (offset.column % stride != 0) {
+        continue;
+      }
+      ++looked_at;
+      if (!offset.IsGap() && offset.snr > 0.0 && offset.snr >= cleaning.least_snr) {
         range.push_back({offset.x, offset.y, offset.range});
         azimuth.push_back({offset.x, offset.y, offset.azimuth});
-      },
-      [&bar](double part) { bar.Show(part); });
-  const std::int64_t looked_at =
-      QuotientUp(offsets.Columns(), stride) * QuotientUp(offsets.Lines(), stride);
-  const TRENDS trends = {FitPolynomial(range, options.reject),
-                         FitPolynomial(azimuth, options.reject)};
+        ratios.push_back(offset.snr);
+      }
+    }
+    bar.Show(static_cast<double>(row) / offsets.Rows());
+  }
+  TRENDS trends = {FitPolynomial(range, cleaning.reject), FitPolynomial(azimuth, cleaning.reject)};
+  const auto middle = ratios.begin() + static_cast<std::ptrdiff_t>(ratios.size() / 2);
+  std::nth_element(ratios.begin(), middle, ratios.end());
+  trends.median_snr = *middle;
   std::cout << "offsets looked at for the polynomials: " << looked_at << "\n"
             << "gaps among them: " << looked_at - trends.range.points << "\n";
   PrintFit("range", trends.range);
@@ -81,40 +100,75 @@ TRENDS FitTrends(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options) {
   return trends;
 }
 
-void FillWith(NODE_MATRICES& matrices, const DENSE_OFFSETS& offsets, const TRENDS& trends,
-              double max_deviation) {
-  const auto departs = [&](const POLYNOMIAL_FIT& trend, const DENSE_OFFSET& offset, double value) {
-    return std::abs(value - Evaluate(trend.coefficients, offset.x, offset.y)) > max_deviation;
+void Warn(const std::string& text) {
+  std::cerr << "slctool: warning: " << text << "\n";
+}
+
+void Print(const CLEANING_COUNTS& counts, std::int64_t beyond_deviation) {
+  constexpr double many = 0.05;
+  std::cout << "offsets: " << counts.measured << "\n";
+  PrintShare("too low an snr", counts.weak, counts.measured);
+  PrintShare("outliers among their neighbours", counts.outliers, counts.measured);
+  std::cout << "replaced by their neighbours: " << counts.predicted << "\n"
+            << "beyond the deviation: " << beyond_deviation << "\n";
+  if (static_cast<double>(counts.outliers) > many * static_cast<double>(counts.measured)) {
+    Warn("more than 5 % of the offsets are outliers; look at them, or raise --min-snr");
+  }
+}
+
+void FillWith(NODE_MATRICES& matrices, const OFFSET_SOURCE& offsets, const TRENDS& trends,
+              const OFFSETS_OPTIONS& options) {
+  const auto departs = [&](const POLYNOMIAL_FIT& trend, const OFFSET& offset, double value) {
+    return std::abs(value - Evaluate(trend.coefficients, offset.x, offset.y)) >
+           options.max_deviation;
   };
-  constexpr int every_one = 1;
   std::int64_t dropped = 0;
-  PROGRESS_BAR bar;
-  offsets.ForEach(
-      every_one,
-      [&](const DENSE_OFFSET& offset) {
-        if (departs(trends.range, offset, offset.range) ||
-            departs(trends.azimuth, offset, offset.azimuth)) {
-          ++dropped;
-        } else {
-          matrices.Add(offset.x, offset.y, offset.range, offset.azimuth);
-        }
-      },
-      [&bar](double part) { bar.Show(part); });
-  std::cout << "offsets beyond the deviation: " << dropped << "\n";
+  CLEANING_COUNTS counts;
+  {
+    PROGRESS_BAR bar;
+    counts = ForEachCleanOffset(
+        offsets, options.cleaning,
+        [&](const OFFSET& offset) {
+          if (departs(trends.range, offset, offset.range) ||
+              departs(trends.azimuth, offset, offset.azimuth)) {
+            ++dropped;
+          } else {
+            // The variance of a shift goes with 1 / snr^2. Above the median all count the same, so
+            // that a few strong ones do not draw the nodes around to themselves.
+            const double ratio = std::min(offset.snr / trends.median_snr, 1.0);
+            matrices.Add(offset.x, offset.y, offset.range, offset.azimuth, ratio * ratio);
+          }
+        },
+        [&bar](double part) { bar.Show(part); });
+  }
+  Print(counts, dropped);
 }
 
-std::int64_t MasterLength(int given, double first, double posting, int n_offsets) {
-  return given > 0 ? given : std::llround(first + posting * n_offsets);
+/// Samples and lines of the master.
+RANGE_AZIMUTH<int> MasterSize(const OFFSET_SOURCE& offsets, const OFFSETS_OPTIONS& options) {
+  const RANGE_AZIMUTH<int> size = options.size[0] > 0
+                                      ? RANGE_AZIMUTH<int>{options.size[0], options.size[1]}
+                                      : offsets.MasterSize();
+  if (size.range < 1 || size.azimuth < 1) {
+    throw std::invalid_argument("the offsets do not tell the size of the master: give --size");
+  }
+  return size;
 }
 
-void PrintShare(const char* name, std::int64_t nodes, std::int64_t all) {
-  std::cout << name << ": " << nodes << " ("
-            << 100.0 * static_cast<double>(nodes) / static_cast<double>(all) << " %)\n";
+void PrintNodes(const NODE_COUNTS& counts) {
+  PrintShare("filled in gaps", counts.in_gaps, counts.nodes);
+  PrintShare("filled past the edges", counts.past_edges, counts.nodes);
+  if (2 * (counts.in_gaps + counts.past_edges) > counts.nodes) {
+    Warn(
+        "most nodes have no offsets near them and follow from the polynomials and distant ones; "
+        "are "
+        "--posting, --first and --size right?");
+  }
 }
 
-void CheckMatrixPaths(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options) {
+void CheckMatrixPaths(const OFFSET_SOURCE& offsets, const OFFSETS_OPTIONS& options) {
   for (const std::string& path : {options.range_map, options.azimuth_map}) {
-    if (offsets.AreMadeOf(path)) {
+    if (offsets.IsMadeOf(path)) {
       throw std::invalid_argument(path + " belongs to the offsets; name the matrices otherwise");
     }
   }
@@ -125,16 +179,14 @@ void CheckMatrixPaths(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& optio
 
 using POOL = PARAMETER_POOL_READ_WRITE_CHANGE;
 
-void WriteMatrices(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options, POOL* pool) {
+void WriteMatrices(const OFFSET_SOURCE& offsets, const OFFSETS_OPTIONS& options, POOL* pool) {
   CheckMatrixPaths(offsets, options);
-  const auto& [first, posting] = std::pair(options.offsets.first, options.offsets.posting);
-  const std::int64_t width = MasterLength(options.size[0], first[0], posting[0], offsets.Columns());
-  const std::int64_t height = MasterLength(options.size[1], first[1], posting[1], offsets.Lines());
-  const NODE_AXIS x = NODE_AXIS::For(width, options.subsampling[0], posting[0]);
-  const NODE_AXIS y = NODE_AXIS::For(height, options.subsampling[1], posting[1]);
-  const TRENDS trends = FitTrends(offsets, options);
+  const auto [width, height] = MasterSize(offsets, options);
+  const NODE_AXIS x = NODE_AXIS::For(width, options.subsampling[0], offsets.Posting().range);
+  const NODE_AXIS y = NODE_AXIS::For(height, options.subsampling[1], offsets.Posting().azimuth);
+  const TRENDS trends = FitTrends(offsets, options.cleaning);
   NODE_MATRICES matrices(x, y, trends.range.coefficients, trends.azimuth.coefficients);
-  FillWith(matrices, offsets, trends, options.max_deviation);
+  FillWith(matrices, offsets, trends, options);
   const NODE_COUNTS counts = matrices.Finish(width, height);
 
   const auto write = [&](const std::string& path,
@@ -151,8 +203,7 @@ void WriteMatrices(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options,
   write(options.azimuth_map, &NODE_MATRICES::Azimuth);
   std::cout << "master: " << width << " x " << height << "\n"
             << "nodes: " << x.n_nodes << " x " << y.n_nodes << "\n";
-  PrintShare("filled in gaps", counts.in_gaps, counts.nodes);
-  PrintShare("filled past the edges", counts.past_edges, counts.nodes);
+  PrintNodes(counts);
 
   if (pool != nullptr) {
     pool->Write("mapping_format", STRING("matrix"));
@@ -179,8 +230,8 @@ void PrintPolynomial(const char* name, const POLYNOMIAL& coefficients) {
   std::cout << "\n";
 }
 
-void WritePolynomials(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& options, POOL& pool) {
-  const TRENDS trends = FitTrends(offsets, options);
+void WritePolynomials(const OFFSET_SOURCE& offsets, const OFFSETS_OPTIONS& options, POOL& pool) {
+  const TRENDS trends = FitTrends(offsets, options.cleaning);
   PrintPolynomial("range", trends.range.coefficients);
   PrintPolynomial("azimuth", trends.azimuth.coefficients);
   pool.Write("mapping_format", STRING("polynomial"));
@@ -189,36 +240,65 @@ void WritePolynomials(const DENSE_OFFSETS& offsets, const OFFSETS_OPTIONS& optio
   pool.Update();
 }
 
-void MakeMapping(const OFFSETS_OPTIONS& options) {
-  const DENSE_OFFSETS offsets(options.offsets);
+std::unique_ptr<OFFSET_SOURCE> OpenOffsets(const OFFSETS_OPTIONS& options) {
+  if (!options.rasters.azimuth.empty()) {
+    return std::make_unique<RASTER_OFFSETS>(options.rasters);
+  }
+  return std::make_unique<TEXT_OFFSETS>(options.table);
+}
+
+void MakeMapping(OFFSETS_OPTIONS options) {
+  options.table.path = options.rasters.range;
+  options.table.negate = options.rasters.negate;
+  const auto offsets = OpenOffsets(options);
+  options.cleaning.least_snr = options.least_snr.value_or(offsets->LeastSnr());
   const bool polynomial = !options.polynomial_pool.empty();
   const std::string& pool_path = polynomial ? options.polynomial_pool : options.matrix_pool;
   // Opened first: offsets are not read for a pool that can not be written.
   const auto pool = pool_path.empty() ? nullptr : std::make_unique<POOL>(pool_path.c_str());
   if (polynomial) {
-    WritePolynomials(offsets, options, *pool);
+    WritePolynomials(*offsets, options, *pool);
   } else {
-    WriteMatrices(offsets, options, pool.get());
+    WriteMatrices(*offsets, options, pool.get());
   }
 }
 
 /// An option of two numbers, for range and azimuth.
-template <class T>
-CLI::Option* AddPair(CLI::App& command, const char* name, std::array<T, 2>& pair,
-                     const char* description) {
+template <class PAIR>
+CLI::Option* AddPair(CLI::App& command, const char* name, PAIR& pair, const char* description) {
   return command.add_option(name, pair, description)->delimiter(',');
 }
 
-void AddInputOptions(CLI::App& command, DENSE_OFFSETS_OPTIONS& offsets) {
-  command.add_option("RANGE", offsets.range, "GDAL raster of range offsets [samples]")->required();
-  command.add_option("AZIMUTH", offsets.azimuth, "GDAL raster of azimuth offsets [lines]")
+const CLI::Validator finite(
+    [](std::string& text) {
+      double number = 0.0;
+      return CLI::detail::lexical_cast(text, number) && std::isfinite(number)
+                 ? std::string()
+                 : "not a finite number: " + text;
+    },
+    "FINITE");
+
+void AddInputOptions(CLI::App& command, OFFSETS_OPTIONS& options) {
+  RASTER_OFFSETS_OPTIONS& rasters = options.rasters;
+  command
+      .add_option("RANGE", rasters.range,
+                  "Raster of range offsets [samples]; alone, a table of text")
       ->required();
-  AddPair(command, "--band", offsets.bands, "Bands of RANGE and AZIMUTH, as in 2,1");
-  AddPair(command, "--posting", offsets.posting, "Master samples and lines from offset to offset")
-      ->check(CLI::PositiveNumber);
-  AddPair(command, "--first", offsets.first, "Master sample and line of the first offset");
-  command.add_option("--nodata", offsets.no_data, "Value of gaps, besides NaN");
-  command.add_flag("--negate", offsets.negate,
+  command.add_option("AZIMUTH", rasters.azimuth, "Raster of azimuth offsets [lines]");
+  command.add_option("--snr", rasters.snr, "Raster of the signal-to-noise ratios, for weights");
+  command
+      .add_option("--columns", options.table.columns,
+                  "What the columns of a table are: these names in any order, - to skip one")
+      ->capture_default_str();
+  AddPair(command, "--band", rasters.bands, "Bands of RANGE and AZIMUTH, as in 2,1");
+  AddPair(command, "--posting", rasters.posting,
+          "Master samples and lines from offset to offset of rasters")
+      ->check(finite & CLI::PositiveNumber);
+  AddPair(command, "--first", rasters.first,
+          "Master sample and line of the first offset of rasters")
+      ->check(finite);
+  command.add_option("--nodata", rasters.no_data, "Value of gaps, besides NaN");
+  command.add_flag("--negate", rasters.negate,
                    "The offsets are master minus slave, not slave minus master");
 }
 
@@ -238,10 +318,16 @@ void AddResultOptions(CLI::App& command, OFFSETS_OPTIONS& options) {
   AddPair(command, "--size", options.size, "Samples and lines of the master")
       ->check(CLI::PositiveNumber);
   command
-      .add_option("--reject", options.reject,
-                  "Standard deviations from a polynomial at which an offset is an outlier of it")
+      .add_option(
+          "--reject", options.cleaning.reject,
+          "Standard deviations, from its neighbours or a polynomial, at which an offset is an "
+          "outlier")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
+  command.add_flag("--keep-outliers", options.cleaning.keep_outliers,
+                   "Do not compare offsets with their neighbours");
+  command.add_option("--min-snr", options.least_snr,
+                     "Offsets of a lower SNR are gaps; 5 for those of slctool match");
   command
       .add_option("--max-deviation", options.max_deviation,
                   "Pixels from the polynomials at which an offset is a gap of the matrices")
@@ -254,7 +340,7 @@ void AddOffsetsCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "offsets", "Make mapping matrices, or polynomials, of dense range and azimuth offsets");
   const auto options = std::make_shared<OFFSETS_OPTIONS>();
-  AddInputOptions(*command, options->offsets);
+  AddInputOptions(*command, *options);
   AddResultOptions(*command, *options);
   command->callback([options] { MakeMapping(*options); });
 }
