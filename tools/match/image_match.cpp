@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 
 #include "common/parallel_lines.h"
@@ -10,7 +11,11 @@
 
 namespace {
 
-constexpr MATCHED_SHIFT no_match = {NAN, NAN, 0.0};
+constexpr double no_shift = NAN;
+
+MATCHED_SHIFT NoMatch() {
+  return {no_shift, no_shift, 0.0, {}};
+}
 
 /// What shift to expect at a place of the master.
 struct EXPECTED_SHIFT {
@@ -22,11 +27,14 @@ struct EXPECTED_SHIFT {
   }
 };
 
-RANGE_AZIMUTH<double> Centre(const MATCH_GRID& grid, const WINDOW_SHAPE& shape, int column,
-                             int row) {
-  return {static_cast<double>(grid.first.range + std::int64_t{column} * grid.posting.range) +
+/// Of the window that stands at this place of a list row by row.
+RANGE_AZIMUTH<double> Centre(const MATCH_GRID& grid, const WINDOW_SHAPE& shape, std::size_t index) {
+  const auto columns = static_cast<std::size_t>(grid.count.range);
+  return {static_cast<double>(grid.first.range) +
+              static_cast<double>(index % columns) * grid.posting.range +
               0.5 * (shape.window.range - 1),
-          static_cast<double>(grid.first.azimuth + std::int64_t{row} * grid.posting.azimuth) +
+          static_cast<double>(grid.first.azimuth) +
+              static_cast<double>(index / columns) * grid.posting.azimuth +
               0.5 * (shape.window.azimuth - 1)};
 }
 
@@ -41,17 +49,42 @@ std::vector<MATCHED_SHIFT> MatchAll(const RASTER_READER& master, const RASTER_RE
   ForEachLine(grid.count.azimuth, [&](std::int64_t row) {
     WINDOW_MATCH window(shape);
     for (int column = 0; column < grid.count.range; ++column) {
-      const auto [x, y] = Centre(grid, shape, column, static_cast<int>(row));
-      shifts[static_cast<std::size_t>(row * grid.count.range + column)] =
+      const auto index = static_cast<std::size_t>(row * grid.count.range + column);
+      const auto [x, y] = Centre(grid, shape, index);
+      shifts[index] =
           window
               .Find(master, slave, grid.first.range + std::int64_t{column} * grid.posting.range,
                     grid.first.azimuth + row * grid.posting.azimuth, expected.At(x, y))
-              .value_or(no_match);
+              .value_or(NoMatch());
     }
     const std::lock_guard lock(mutex);
     progress(static_cast<double>(++finished) / grid.count.azimuth);
   });
   return shifts;
+}
+
+/// Surfaces through the sure ones of some shifts; nothing when these are too few.
+std::optional<EXPECTED_SHIFT> FitSurfaces(const std::vector<MATCHED_SHIFT>& shifts,
+                                          const WINDOW_SHAPE& shape, const MATCH_GRID& grid) {
+  constexpr double sure_snr = 8.0;
+  constexpr std::size_t enough = 20;
+  constexpr std::size_t more_than_enough = 1 << 16;
+  constexpr double reject = 4.0;
+  std::vector<FIELD_POINT> range;
+  std::vector<FIELD_POINT> azimuth;
+  for (std::size_t i = 0; i < shifts.size(); i += shifts.size() / more_than_enough + 1) {
+    const MATCHED_SHIFT& shift = shifts[i];
+    if (shift.snr >= sure_snr) {
+      const auto [x, y] = Centre(grid, shape, i);
+      range.push_back({x + shift.features.range, y + shift.features.azimuth, shift.range});
+      azimuth.push_back({x + shift.features.range, y + shift.features.azimuth, shift.azimuth});
+    }
+  }
+  if (range.size() < enough) {
+    return std::nullopt;
+  }
+  return EXPECTED_SHIFT{FitPolynomial(range, reject).coefficients,
+                        FitPolynomial(azimuth, reject).coefficients};
 }
 
 /// The grid of at most 9 x 9 windows that fill the master evenly.
@@ -71,10 +104,7 @@ EXPECTED_SHIFT ExpectShifts(const RASTER_READER& master, const RASTER_READER& sl
                             const COARSE_SHIFT& coarse) {
   constexpr int window = 128;
   constexpr int least_search = 32;
-  constexpr double sure_snr = 8.0;
-  constexpr std::size_t enough = 20;
-  constexpr double reject = 4.0;
-  EXPECTED_SHIFT expected{{coarse.shift.range}, {coarse.shift.azimuth}};
+  const EXPECTED_SHIFT expected{{coarse.shift.range}, {coarse.shift.azimuth}};
   if (master.Width() < window || master.Height() < window) {
     return expected;
   }
@@ -83,21 +113,26 @@ EXPECTED_SHIFT ExpectShifts(const RASTER_READER& master, const RASTER_READER& sl
                             std::max(least_search, 2 * coarse.cell.azimuth)}};
   const MATCH_GRID grid = PilotGrid(master, shape);
   const auto shifts = MatchAll(master, slave, shape, grid, expected, [](double) {});
-  std::vector<FIELD_POINT> range;
-  std::vector<FIELD_POINT> azimuth;
+  return FitSurfaces(shifts, shape, grid).value_or(expected);
+}
+
+/// What a surface has more at a distance than here, by its slopes here.
+double Rise(const POLYNOMIAL& surface, double x, double y, const RANGE_AZIMUTH<double>& distance) {
+  const auto& c = surface;
+  return distance.range * (c[2] + c[3] * y + 2.0 * c[5] * x) +
+         distance.azimuth * (c[1] + c[3] * x + 2.0 * c[4] * y);
+}
+
+/// Where the shift changes over the window, the one that is found belongs to the window's features,
+/// which are not always in its middle: one bright target is enough.
+void MoveToCentres(std::vector<MATCHED_SHIFT>& shifts, const WINDOW_SHAPE& shape,
+                   const MATCH_GRID& grid, const EXPECTED_SHIFT& expected) {
   for (std::size_t i = 0; i < shifts.size(); ++i) {
-    if (shifts[i].snr >= sure_snr) {
-      const auto at = static_cast<int>(i);
-      const auto [x, y] = Centre(grid, shape, at % grid.count.range, at / grid.count.range);
-      range.push_back({x, y, shifts[i].range});
-      azimuth.push_back({x, y, shifts[i].azimuth});
-    }
+    const auto [x, y] = Centre(grid, shape, i);
+    MATCHED_SHIFT& shift = shifts[i];
+    shift.range -= Rise(expected.range, x, y, shift.features);
+    shift.azimuth -= Rise(expected.azimuth, x, y, shift.features);
   }
-  if (range.size() >= enough) {
-    expected = {FitPolynomial(range, reject).coefficients,
-                FitPolynomial(azimuth, reject).coefficients};
-  }
-  return expected;
 }
 
 }  // namespace
@@ -129,5 +164,7 @@ MATCHES MatchImages(const RASTER_READER& master, const RASTER_READER& slave,
                   [](const MATCHED_SHIFT& shift) { return shift.snr == 0.0; })) {
     throw std::runtime_error("no window of " + master.Path() + " has a match in " + slave.Path());
   }
+  MoveToCentres(matches.shifts, shape, grid,
+                FitSurfaces(matches.shifts, shape, grid).value_or(expected));
   return matches;
 }

@@ -72,7 +72,26 @@ std::optional<MATCHED_SHIFT> WINDOW_MATCH::Find(const RASTER_READER& master,
   return MATCHED_SHIFT{
       static_cast<double>(expected.range) + lag.column / samples_a_pixel - shape_.search.range,
       static_cast<double>(expected.azimuth) + lag.row / samples_a_pixel - shape_.search.azimuth,
-      SignalToNoise(peak)};
+      SignalToNoise(peak), CentroidOfFeatures()};
+}
+
+/// A part of the window counts for the shift as the square of its amplitudes' slope.
+RANGE_AZIMUTH<double> WINDOW_MATCH::CentroidOfFeatures() const {
+  double sum = 0.0;
+  double x = 0.0;
+  double y = 0.0;
+  for (int row = 0; row + 1 < master_.Rows(); ++row) {
+    for (int column = 0; column + 1 < master_.Columns(); ++column) {
+      const double across = master_.At(row, column + 1) - master_.At(row, column);
+      const double along = master_.At(row + 1, column) - master_.At(row, column);
+      const double weight = across * across + along * along;
+      sum += weight;
+      x += weight * column;
+      y += weight * row;
+    }
+  }
+  return {(x / sum - 0.5 * (master_.Columns() - 2)) / samples_a_pixel,
+          (y / sum - 0.5 * (master_.Rows() - 2)) / samples_a_pixel};
 }
 
 /// Fills the surface with the sums of master times shifted slave, for now without a norm.

@@ -20,6 +20,8 @@ struct MATCHED_SHIFT {
   /// Height of the correlation's peak over the mean of the rest of the searched shifts, in standard
   /// deviations of that rest: between images that have nothing in common 3 to 5.
   double snr = 0.0;
+  /// Where in the window, from its centre, the features lie that tell the shift: their centroid.
+  RANGE_AZIMUTH<double> features;
 };
 
 /// Finds the shift of single windows of the master by cross-correlation of amplitudes.
@@ -68,6 +70,7 @@ class WINDOW_MATCH {
   void Normalise();
   PEAK FindPeak();
   double SignalToNoise(const PEAK& peak);
+  RANGE_AZIMUTH<double> CentroidOfFeatures() const;
   LAG Refine(const PEAK& peak) const;
   NINE Correlations(const LAG& centre, double step) const;
 
