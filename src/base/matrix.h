@@ -57,6 +57,9 @@ class MATRIX {
     columns_ = RANGE<int>();
   }
 
+  /// False where there are no elements, or no memory was found for them: the ranges stay then.
+  bool HasStorage() const noexcept { return storage_ != nullptr; }
+
   RANGE<int> Rows() const { return rows_; }
   RANGE<int> Columns() const { return columns_; }
 
@@ -93,6 +96,9 @@ class MATRIX {
   }
 
   T** AddRowTable(int column_origin) {
+    if (!HasStorage() && ElementCount() > 0) {
+      RefuseForMemory("the elements");
+    }
     const auto row_count = static_cast<std::size_t>(rows_.Count());
     const auto column_count = static_cast<std::size_t>(columns_.Count());
     std::unique_ptr<T*[]> table(new (std::nothrow) T*[row_count]);

@@ -30,15 +30,28 @@ void PARAMETER_POOL::ReadEnumeration(const STRING& key, BASIC::TYPES::ENUM_BASE&
 }
 
 bool PARAMETER_POOL::Exists(const STRING& key) const {
-  RequireFile();
-  const POOL_LOCK lock(file_, POOL_LOCK::KIND::SHARED);
-  POOL_LINES lines(file_);
   POOL_LINE line;
-  return FindKeyLine(lines, key.Text(), line);
+  return FindLine(key, line);
 }
 
 PoolValueType PARAMETER_POOL::TypeOf(const STRING& key) const {
-  return Entry(key).Type();
+  POOL_LINE line;
+  if (!FindLine(key, line)) {
+    throw PARAMETER_KEY_NOT_FOUND();
+  }
+  line.NextWord();
+  const std::string_view type = line.NextWord();
+  if (type.empty()) {
+    throw ERROR_PARAMETER_POOL();
+  }
+  return PoolTypeOfWord(type);
+}
+
+bool PARAMETER_POOL::FindLine(const STRING& key, POOL_LINE& line) const {
+  RequireFile();
+  const POOL_LOCK lock(file_, POOL_LOCK::KIND::SHARED);
+  POOL_LINES lines(file_);
+  return FindKeyLine(lines, key.Text(), line);
 }
 
 POOL_ENTRY PARAMETER_POOL::Entry(const STRING& key) const {

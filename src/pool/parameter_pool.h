@@ -52,8 +52,8 @@ class PARAMETER_POOL {
 
   /// Whether there is an entry of the key.
   bool Exists(const STRING& key) const;
-  /// The type of the entry, UNKNOWN when its type word is none of the format. Throws
-  /// PARAMETER_KEY_NOT_FOUND.
+  /// The type of the entry, UNKNOWN when its type word is none of the format. Nothing is logged.
+  /// Throws PARAMETER_KEY_NOT_FOUND, and ERROR_PARAMETER_POOL without a type word.
   PoolValueType TypeOf(const STRING& key) const;
 
   const char* FileName() const noexcept { return file_.Name(); }
@@ -77,6 +77,7 @@ class PARAMETER_POOL {
 
  private:
   POOL_ENTRY Entry(const STRING& key) const;
+  bool FindLine(const STRING& key, POOL_LINE& line) const;
 
   POOL_FILE file_;
   int flags_ = 0;

@@ -14,8 +14,9 @@ class PARAMETER_POOL_ITEM {
   /// `comments` come without "#". Throws what POOL_ENTRY_TEXT throws.
   template <POOL_VALUE T>
   PARAMETER_POOL_ITEM(const STRING& key, const T& value, const LIST<STRING>& comments)
-      : key_(key), type_(pool_type_of<T>), comments_(CommentLines(comments)) {
+      : key_(key), type_(pool_type_of<T>) {
     POOL_ENTRY_TEXT text(key, type_);
+    comments_ = text.CommentLines(comments);
     text.Write(value);
     entry_ = text.Finish();
   }
@@ -27,9 +28,6 @@ class PARAMETER_POOL_ITEM {
   const std::string& Entry() const noexcept { return entry_; }
 
  private:
-  /// "#<text>" each; a text with line ends makes several comment lines.
-  static std::string CommentLines(const LIST<STRING>& comments);
-
   STRING key_;
   PoolValueType type_;
   std::string comments_;

@@ -48,8 +48,9 @@ bool FindKeyLine(POOL_LINES& lines, std::string_view key, POOL_LINE& line) {
   return false;
 }
 
-POOL_ENTRY::POOL_ENTRY(const POOL_FILE& file, const STRING& key, LOGGING_LEVEL_T not_found_level)
-    : key_(key), lock_(file, POOL_LOCK::KIND::SHARED), lines_(file) {
+POOL_ENTRY::POOL_ENTRY(const POOL_FILE& file, const STRING& key, LOGGING_LEVEL_T not_found_level,
+                       POOL_PLACE from)
+    : key_(key), lock_(file, POOL_LOCK::KIND::SHARED), lines_(file, from) {
   if (!FindKeyLine(lines_, key.Text(), line_)) {
     if (not_found_level < LOGGING_LEVEL_T::NO_MESSAGE) {
       Log() << not_found_level << "parameter pool: parameter key >> " << key.Text()

@@ -14,10 +14,11 @@
 /// error is thrown.
 class POOL_ENTRY {
  public:
-  /// Finds the first key line of the key and holds a shared lock on the file from then on.
-  /// Without one: a line at `not_found_level` (none for NO_MESSAGE) and PARAMETER_KEY_NOT_FOUND.
-  /// A key line without type word is an ERROR_PARAMETER_POOL.
-  POOL_ENTRY(const POOL_FILE& file, const STRING& key, LOGGING_LEVEL_T not_found_level);
+  /// Finds the first key line of the key behind the place and holds a shared lock on the file from
+  /// then on. Without one: a line at `not_found_level` (none for NO_MESSAGE) and
+  /// PARAMETER_KEY_NOT_FOUND. A key line without type word is an ERROR_PARAMETER_POOL.
+  POOL_ENTRY(const POOL_FILE& file, const STRING& key, LOGGING_LEVEL_T not_found_level,
+             POOL_PLACE from = {});
 
   /// UNKNOWN when the type word is none of the format.
   PoolValueType Type() const noexcept { return type_; }
@@ -89,7 +90,8 @@ class POOL_ENTRY {
     ExpectWord<INVALID_PARAMETER_VALUE>(" << no correct range for MATRIX");
     const RANGE<int> columns = ReadRange();
     const bool fits = lines_.CanHold(frame_lines + rows.Count() * LinesOfBlock(columns));
-    const bool in_place = matrix.Rows() == rows && matrix.Columns() == columns;
+    const bool in_place =
+        matrix.HasStorage() && matrix.Rows() == rows && matrix.Columns() == columns;
     if (fits && !in_place && matrix.Create(rows, columns) != CONTAINER_OK) {
       Refuse<ERROR_NO_MEMORY>(" << not enough memory to create MATRIX");
     }

@@ -92,14 +92,34 @@ void POOL_ENTRY_TEXT::Write(const TUPLE<STRING>& value) {
 
 std::string POOL_ENTRY_TEXT::Finish() {
   text_ += '\n';
-  std::size_t start = 0;
-  for (std::size_t end = 0; (end = text_.find('\n', start)) != std::string::npos; start = end + 1) {
-    if (end - start > pool_line_length) {
-      Refuse<INVALID_PARAMETER_VALUE>(" << a value longer than a line can not be written");
-    }
-  }
+  RefuseLongLines(text_, " << a value longer than a line can not be written");
   text_ += '\n';
   return std::move(text_);
+}
+
+std::string POOL_ENTRY_TEXT::CommentLines(const LIST<STRING>& comments) const {
+  std::string lines;
+  for (const STRING& comment : comments) {
+    lines += '#';
+    for (const char character : std::string_view(comment.Text())) {
+      lines += character;
+      if (character == '\n' || character == '\r') {
+        lines += '#';
+      }
+    }
+    lines += '\n';
+  }
+  RefuseLongLines(lines, " << a comment longer than a line can not be written");
+  return lines;
+}
+
+void POOL_ENTRY_TEXT::RefuseLongLines(std::string_view lines, const char* reason) const {
+  for (std::size_t end = 0; !lines.empty(); lines.remove_prefix(end + 1)) {
+    end = lines.find_first_of("\r\n");
+    if (end > pool_line_length) {
+      Refuse<INVALID_PARAMETER_VALUE>(reason);
+    }
+  }
 }
 
 void POOL_ENTRY_TEXT::WriteRange(const RANGE<int>& range) {

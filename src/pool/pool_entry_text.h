@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/list.h"
 #include "base/string.h"
 #include "logging/logging.h"
 #include "pool/pool_errors.h"
@@ -81,6 +82,10 @@ class POOL_ENTRY_TEXT {
     CloseBlock();
   }
 
+  /// The comment lines of the entry, "#<text>" each; a text with line ends makes several. One that
+  /// is longer than what is read as a line is refused: its rest would not read back as a comment.
+  std::string CommentLines(const LIST<STRING>& comments) const;
+
   /// Ends the entry and hands its lines out.
   std::string Finish();
 
@@ -93,6 +98,7 @@ class POOL_ENTRY_TEXT {
   }
   void WriteInteger(long long value) { text_ += std::to_string(value); }
   void WriteRange(const RANGE<int>& range);
+  void RefuseLongLines(std::string_view lines, const char* reason) const;
 
   void NewLine();
   void OpenBlock();

@@ -12,6 +12,19 @@
 
 #include "logging/logging.h"
 
+namespace {
+
+/// Whether it worked; errno says why not.
+bool TakeLock(int descriptor, int operation) noexcept {
+  int result = 0;
+  do {
+    result = ::flock(descriptor, operation);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
+}  // namespace
+
 POOL_FILE::POOL_FILE(const char* name, int flags)
     // Without O_NONBLOCK a FIFO in place of the pool would hang the program.
     : name_(name), descriptor_(::open(name, flags | O_CLOEXEC | O_NONBLOCK)) {}
@@ -95,11 +108,12 @@ POOL_LOCK::POOL_LOCK(const POOL_FILE& file, KIND kind) : file_(file.is_locked_ ?
     return;
   }
   const int operation = kind == KIND::SHARED ? LOCK_SH : LOCK_EX;
-  int result = 0;
-  do {
-    result = ::flock(file.descriptor_, operation);
-  } while (result != 0 && errno == EINTR);
-  if (result != 0 && kind == KIND::EXCLUSIVE) {
+  bool is_held = TakeLock(file.descriptor_, operation | LOCK_NB);
+  if (!is_held && errno == EWOULDBLOCK) {
+    Log() << LOGGING_LEVEL_T::WARNING << "waiting for the lock of parameter file " << file.Name();
+    is_held = TakeLock(file.descriptor_, operation);
+  }
+  if (!is_held && kind == KIND::EXCLUSIVE) {
     Log() << LOGGING_LEVEL_T::WARNING << "can not lock parameter file " << file.Name() << ": "
           << std::strerror(errno);
   }

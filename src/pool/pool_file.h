@@ -56,8 +56,9 @@ class POOL_LOCK {
  public:
   enum class KIND { SHARED, EXCLUSIVE };
 
-  /// Waits for the lock. The file must stay where it is until the lock is given back. While it has
-  /// a lock already a further one changes nothing, so that an update can read its own pool.
+  /// Waits for the lock, with a line at WARNING where it is not free. The file must stay where it
+  /// is until the lock is given back. While it has a lock already a further one changes nothing, so
+  /// that an update can read its own pool.
   POOL_LOCK(const POOL_FILE& file, KIND kind);
   POOL_LOCK(POOL_LOCK&& other) noexcept : file_(std::exchange(other.file_, nullptr)) {}
   ~POOL_LOCK();

@@ -46,10 +46,17 @@ class POOL_LINE {
   std::size_t cursor_ = 0;
 };
 
-/// Reads an open pool file line by line from its start.
+/// A place between two lines of a pool file.
+struct POOL_PLACE {
+  long long offset = 0;  ///< of the line behind it, in bytes
+  long long number = 0;  ///< of the line in front of it
+};
+
+/// Reads an open pool file line by line, from its start or another place.
 class POOL_LINES {
  public:
-  explicit POOL_LINES(const POOL_FILE& file) : file_(&file) {}
+  explicit POOL_LINES(const POOL_FILE& file, POOL_PLACE from = {})
+      : file_(&file), offset_(from.offset), number_(from.number) {}
 
   /// False at the end of the file. A read error is an ALARM line and ERROR_CAN_NOT_READ_FILE.
   bool Next(POOL_LINE& line);

@@ -150,12 +150,13 @@ TEST_F(PARAMETER_POOL_REFUSES, BadRanges) {
 }
 
 TEST_F(PARAMETER_POOL_REFUSES, ValuesThatMemoryCanNotHold) {
-  SetPool("v STR_V 0 1\n{\na\n}\nm STR_M 0 1 0 1\n{\n{\na\n}\n}\n");
+  SetPool("v STR_V 0 1\n{\na\n}\nm STR_M 0 2 0 1\n{\n{\na\n}\n{\nb\n}\n}\n");
   PARAMETER_POOL pool(Path());
   ARRAY<STRING> vector;
   MATRIX<STRING> matrix;
   EXPECT_GT(RefusalsUntilMemorySuffices([&] { pool.Read("v", vector); }), 2);
   EXPECT_GT(RefusalsUntilMemorySuffices([&] { pool.Read("m", matrix); }), 2);
+  EXPECT_TRUE(matrix.HasStorage() && matrix.At(1, 0) == STRING("b"));
   for (const char* alarm :
        {"v << not enough memory to create ARRAY", "m << not enough memory to create MATRIX"}) {
     EXPECT_TRUE(log_.Has(std::string("ALARM : parameter pool: parameter key >> ") + alarm));
@@ -245,9 +246,10 @@ TEST_F(PARAMETER_POOL_READS, MissingKeysAreReportedAtTheErrorLevel) {
   EXPECT_THROW(pool.Read("none", number), PARAMETER_KEY_NOT_FOUND);
   EXPECT_EQ(log_.Lines().back(), "ALARM : parameter pool: parameter key >> none << not found");
   pool.SetErrorLevel(LOGGING_LEVEL_T::INFO);
-  EXPECT_THROW(pool.TypeOf("none"), PARAMETER_KEY_NOT_FOUND);
+  EXPECT_THROW(pool.Read("none", number), PARAMETER_KEY_NOT_FOUND);
   EXPECT_EQ(log_.Lines().back(), "INFO  : parameter pool: parameter key >> none << not found");
   const std::size_t lines = log_.Lines().size();
+  EXPECT_THROW(pool.TypeOf("none"), PARAMETER_KEY_NOT_FOUND);
   pool.SetErrorLevel(LOGGING_LEVEL_T::NO_MESSAGE);
   EXPECT_THROW(pool.Read("none", number), PARAMETER_KEY_NOT_FOUND);
   EXPECT_EQ(log_.Lines().size(), lines);

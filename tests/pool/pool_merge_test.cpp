@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "pool/pool_contents.h"
 #include "pool/pool_test.h"
 
 namespace {
@@ -25,13 +26,7 @@ class POOL_MERGE : public POOL_TEST {
 
   std::string MergedWith(std::string_view text, const PARAMETER_POOL_LIST& items) {
     SetPool(text);
-    const POOL_FILE file(Path(), O_RDONLY);
-    POOL_LINES lines(file);
-    std::vector<POOL_LINE> all;
-    for (POOL_LINE line; lines.Next(line);) {
-      all.push_back(line);
-    }
-    return MergeIntoPool(all, items);
+    return MergeIntoPool(ReadPoolLines(POOL_FILE(Path(), O_RDONLY)), items);
   }
 
   /// Merging replaces the part between the other two by the entry and keeps those.
@@ -57,6 +52,25 @@ TEST_F(POOL_MERGE, KeepsWhatFollowsADamagedEntry) {
   ExpectReplaced("", "k INT_32 1\n", " indented\n# comment\n");
 }
 
+TEST_F(POOL_MERGE, DropsWholeBlocksAndNoLineOfOthers) {
+  // Elements are what the key line counts, whatever they look like.
+  ExpectReplaced("", "k STR_V 0 2\n{\nfoo STR bar\nplain text\n}\n", "last INT_32 1\n");
+  ExpectReplaced("", "k STR_V 0 2\n{\n} }\n{\n}\n", "}\n");
+  ExpectReplaced("", "k STR_M 0 1 0 2\n{\n{\na INT_32 1\n} x\n}\n}\n", "last INT_32 1\n");
+  ExpectReplaced("", "k STR_V 0 3\n{\n1\n}\n", "last INT_32 1\n}\n");
+  ExpectReplaced("keys STR_V 0 2\n{\nn\nk\n}\n", "k INT_32 1\n", "m STR_V 0 1\n{\nk\n}\n");
+  EXPECT_TRUE(log_.Has(
+      "WARN  : parameter pool: parameter key >> k << is still found first in line 4, in the block "
+      "of keys"))
+      << log_.Text();
+  ExpectReplaced("keys STR_V 0 2\n{\nn\n", "k\n", "}\nm STR_V 0 1\n{\nk\n}\n");
+
+  // A long line goes as a whole, but for what readers find in it.
+  const std::string fill = "k STR " + std::string(1018, 'x');
+  ExpectReplaced("", fill + std::string(3000, 'y') + " z\n", "last INT_32 1\n");
+  ExpectReplaced("", fill, "next INT_32 5\n");
+}
+
 TEST_F(POOL_MERGE, AppendsBehindABlankLine) {
   const std::string both = std::string(entry) + other_entry;
   EXPECT_EQ(Merged("", true), both);
@@ -66,6 +80,14 @@ TEST_F(POOL_MERGE, AppendsBehindABlankLine) {
   EXPECT_EQ(Merged("a INT_32 1", true), "a INT_32 1\n\n" + both);
   EXPECT_EQ(Merged("k INT_32 1\na INT_32 1", true),
             entry + std::string("a INT_32 1\n\n") + other_entry);
+}
+
+TEST_F(POOL_MERGE, RefusesCommentsThatWouldNotReadBack) {
+  const std::string longest(1023, 'c');
+  PARAMETER_POOL_ITEM("k", 2, {longest.c_str(), (longest + "\r" + longest).c_str()});
+  for (const std::string& text : {longest + "c", "a\n" + longest + "c", longest + "c\nb"}) {
+    EXPECT_THROW(PARAMETER_POOL_ITEM("k", 2, {text.c_str()}), INVALID_PARAMETER_VALUE);
+  }
 }
 
 TEST_F(POOL_MERGE, DoesNotRepeatCommentsThatStandThere) {
@@ -103,7 +125,7 @@ TEST_F(POOL_MERGE, KeepsAllButTheEntriesOfAnyPool) {
       "\tindented\n",
       "v STR_V 0 2\n{\n k\n\"k\"\n}\n",
       "m STR_M 0 1 0 1\r\n{\r\n{\r\nx\r\n}\r\n}\r\n",
-      "damaged INT_32_V 0 2\n{\n1\n",
+      "damaged INT_32_V 0 99\n{\n1\n",
       "}\n",
       "no_type\r",
       "long STR " + std::string(5000, 'x') + " k INT_32 1\n",

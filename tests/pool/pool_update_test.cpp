@@ -232,6 +232,13 @@ TEST_F(POOL_UPDATE, GoesOnAfterAnInterruption) {
   }
 }
 
+TEST_F(POOL_UPDATE, TellsThatItWaitsForTheLock) {
+  const FILE_FAULTS faults("flock", 0, EWOULDBLOCK);
+  Update();
+  EXPECT_EQ(PoolText(), merged);
+  EXPECT_TRUE(log_.Has(std::string("WARN  : waiting for the lock of parameter file ") + Path()));
+}
+
 TEST_F(POOL_UPDATE, IsRefusedBeforehandWhereItCouldNotBeDone) {
   PARAMETER_POOL_READ_WRITE_CHANGE pool(Path());
   WriteEntries(pool);

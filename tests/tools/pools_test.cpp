@@ -118,7 +118,10 @@ TEST_F(POOLS, CheckTellsEachFaultWithItsLine) {
       "v FLT_15_V 0 3\n{\n 1\n two\n 3\n}\n"
       "short FLT_15_V 0 2\n{\n 1\n}\n"
       "broken INT_32_V 0 2\n{\n 1\n"
-      "last INT_32 1\n");
+      "last INT_32 1\n"
+      "keys STR_V 0 3\n{\nfoo STR bar\nhidden\n{\n}\n"
+      "hidden INT_32 1\n"
+      "\x1b[2J STR x\n");
   EXPECT_EQ(Faults(),
             ":2: bad: read value is : 5x INT_32 (no additional character) value expected\n"
             ":3: wide: 4294967297 is beyond the type\n"
@@ -129,7 +132,9 @@ TEST_F(POOLS, CheckTellsEachFaultWithItsLine) {
             ":11: v: two is no number\n"
             ":18: short: no } at end of FLT_8_V\n"
             ":21: broken: read value is : last INT_32 (no additional character) value expected\n"
-            "entries: 9\nfaults: 9\n");
+            ":28: hidden: is hidden by line 25, in the block of another entry\n"
+            "entries: 12\nfaults: 10\n");
+  EXPECT_NE(Pool("list").find("\n\\x1b[2J  "), std::string::npos);
 }
 
 TEST_F(POOLS, CheckTellsWhatARunWouldMiss) {

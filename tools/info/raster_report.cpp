@@ -10,6 +10,7 @@
 #include "common/read_raster_header.h"
 #include "info/amplitude_histogram.h"
 #include "info/value_statistics.h"
+#include "logging/printable_text.h"
 
 namespace {
 
@@ -78,7 +79,7 @@ void WritePercentiles(const AMPLITUDE_HISTOGRAM& amplitudes, std::ostream& repor
 }  // namespace
 
 void WriteRasterReport(const std::string& path, std::ostream& report) {
-  report << "file: " << path << "\n";
+  report << "file: " << PrintableText(path) << "\n";
   WriteHeader(ReadRasterHeader(path), report);
   report.flush();
   const RASTER_READER raster(path);

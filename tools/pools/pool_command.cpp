@@ -6,6 +6,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "logging/printable_text.h"
 #include "pools/pool_listing.h"
 #include "pools/pool_setting.h"
 #include "pools/resample_keys.h"
@@ -61,13 +62,13 @@ void PrintTable(const POOL_LISTING& listing) {
   std::size_t key_width = 0;
   std::size_t type_width = 0;
   for (const LISTED_ENTRY& entry : listing.entries) {
-    key_width = std::max(key_width, entry.key.size());
-    type_width = std::max(type_width, entry.type.size());
+    key_width = std::max(key_width, PrintableText(entry.key).size());
+    type_width = std::max(type_width, PrintableText(entry.type).size());
   }
   for (const LISTED_ENTRY& entry : listing.entries) {
-    std::cout << std::left << std::setw(static_cast<int>(key_width)) << entry.key << "  "
-              << std::setw(static_cast<int>(type_width)) << entry.type << "  " << ShortText(entry)
-              << "\n";
+    std::cout << std::left << std::setw(static_cast<int>(key_width)) << PrintableText(entry.key)
+              << "  " << std::setw(static_cast<int>(type_width)) << PrintableText(entry.type)
+              << "  " << PrintableText(ShortText(entry)) << "\n";
   }
 }
 
@@ -91,7 +92,7 @@ void PrintValue(const std::string& file, const std::string& key) {
     if (fault.key == key && found->value.is_null()) {
       std::string message = file;
       message.append(":").append(std::to_string(fault.line)).append(": ").append(key);
-      throw std::runtime_error(message.append(": ").append(fault.reason));
+      throw std::runtime_error(PrintableText(message.append(": ").append(fault.reason)));
     }
   }
   if (!HasBlock(found->type)) {
@@ -126,8 +127,8 @@ std::vector<std::string> MissingKeys(const POOL_LISTING& listing, const CHECK_OP
 void Check(const CHECK_OPTIONS& options) {
   const POOL_LISTING listing = ListPool(options.file);
   for (const POOL_FAULT& fault : listing.faults) {
-    std::cout << options.file << ":" << fault.line << ": " << fault.key << ": " << fault.reason
-              << "\n";
+    std::cout << options.file << ":" << fault.line << ": "
+              << PrintableText(fault.key + ": " + fault.reason) << "\n";
   }
   const std::vector<std::string> missing = MissingKeys(listing, options);
   for (const std::string& text : missing) {

@@ -112,9 +112,14 @@ class LISTER {
  public:
   explicit LISTER(const POOL_FILE& file)
       : file_(file), lines_(ReadPoolLines(file)), numbers_(lines_.size()) {
+    POOL_PLACE place;
     for (std::size_t i = 0; i < lines_.size(); ++i) {
       const bool goes_on = i > 0 && !lines_[i - 1].HasEnd();
-      numbers_[i] = (i > 0 ? numbers_[i - 1] : 0) + (goes_on ? 0 : 1);
+      numbers_[i] = place.number + (goes_on ? 0 : 1);
+      if (lines_[i].IsKeyLine()) {
+        found_.try_emplace(std::string(lines_[i].Key()), place);
+      }
+      place = {place.offset + static_cast<long long>(lines_[i].Raw().size()), numbers_[i]};
     }
   }
 
@@ -154,6 +159,17 @@ class LISTER {
       return;
     }
     const std::size_t n_faults = listing_.faults.size();
+    if (const long long read_line = found_.at(key).number + 1; read_line < entry.line) {
+      AddFault(
+          entry, entry.line,
+          "is hidden by line " + std::to_string(read_line) + ", in the block of another entry");
+      listing_.entries.push_back(std::move(entry));
+      return;
+    }
+    if (!lines_[place.begin].HasEnd() && place.begin + 1 < lines_.size()) {
+      AddFault(entry, entry.line,
+               "only " + std::to_string(pool_line_length) + " characters of the line are read");
+    }
     const PoolValueType type = PoolTypeOfWord(entry.type);
     if (entry.type.empty()) {
       AddFault(entry, entry.line, "no type information found");
@@ -169,7 +185,8 @@ class LISTER {
   void Read(const POOL_ENTRY_LINES& place, LISTED_ENTRY& entry) {
     std::optional<POOL_ENTRY> reader;
     try {
-      reader.emplace(file_, STRING(entry.key.c_str()), LOGGING_LEVEL_T::NO_MESSAGE);
+      reader.emplace(file_, STRING(entry.key.c_str()), LOGGING_LEVEL_T::NO_MESSAGE,
+                     found_.at(entry.key));
       T value{};
       reader->Read(value);
       entry.value = ToJson(value);
@@ -213,7 +230,8 @@ class LISTER {
   const POOL_FILE& file_;
   std::vector<POOL_LINE> lines_;
   std::vector<long long> numbers_;
-  std::map<std::string, long long> first_lines_;
+  std::map<std::string, POOL_PLACE> found_;       ///< where readers find a key, blocks included
+  std::map<std::string, long long> first_lines_;  ///< of the entries
   bool in_damaged_block_ = false;
   POOL_LISTING listing_;
 };
@@ -224,5 +242,6 @@ POOL_LISTING ListPool(const std::string& path) {
   const PARAMETER_POOL refuses_what_is_no_pool(path.c_str());
   const SILENT_SCREEN silence;
   const POOL_FILE file(path.c_str(), O_RDONLY);
+  const POOL_LOCK lock(file, POOL_LOCK::KIND::SHARED);
   return LISTER(file).List();
 }
