@@ -7,7 +7,7 @@ test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh)
 # Without Slurm the tests of stacks on a cluster are skipped.
 slurm_packages=(munge slurmctld slurmd slurm-client)
 # Without GDAL some of the tool's commands are left out: the tests need them, the demo does not.
-gdal_packages=(libgdal-dev gdal-bin)
+gdal_packages=(libgdal-dev libhdf5-dev gdal-bin)
 # The fuzzers: clang with its libFuzzer and sanitizers.
 fuzz_packages=(clang libclang-rt-dev)
 # The presets configure the tests and benchmarks as well.
@@ -23,6 +23,7 @@ is_present() {
     libeigen3-dev) pkg-config --exists eigen3 ;;
     nlohmann-json3-dev) pkg-config --exists nlohmann_json ;;
     libgdal-dev) pkg-config --exists gdal ;;
+    libhdf5-dev) pkg-config --exists hdf5 ;;
     gdal-bin) command -v gdal_translate ;;
     libgtest-dev) pkg-config --exists gtest ;;
     libbenchmark-dev) pkg-config --exists benchmark ;;

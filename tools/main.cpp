@@ -16,6 +16,7 @@
 #include "offsets/offsets_command.h"
 #include "png/png_command.h"
 #include "pools/pool_command.h"
+#include "product/product_command.h"
 #include "report/report_command.h"
 #include "scene/scene_command.h"
 #include "vrt/vrt_command.h"
@@ -27,9 +28,9 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {
-    AddSceneCommand,  AddCompareCommand,  AddPngCommand,   AddInfoCommand,  AddDopplerCommand,
-    AddImportCommand, AddExportCommand,   AddVrtCommand,   AddMatchCommand, AddOffsetsCommand,
-    AddPoolCommand,   AddCheckRunCommand, AddReportCommand};
+    AddSceneCommand,   AddCompareCommand, AddPngCommand,      AddInfoCommand,  AddDopplerCommand,
+    AddProductCommand, AddImportCommand,  AddExportCommand,   AddVrtCommand,   AddMatchCommand,
+    AddOffsetsCommand, AddPoolCommand,    AddCheckRunCommand, AddReportCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, converts, measures and shows the files around a run of resample."};

@@ -56,6 +56,19 @@ struct BINARY_16_ENCODER {
   }
 };
 
+struct STANDARD_BINARY_16_ENCODER : BINARY_16_ENCODER {
+  static ENCODED<std::uint16_t> Encode(double number) noexcept {
+    constexpr double steps = 0x1p24;
+    const double magnitude = std::nearbyint(std::abs(number) * steps);
+    if (!(magnitude < 0x1p10)) {
+      return BINARY_16_ENCODER::Encode(number);
+    }
+    const int sign = std::signbit(number) && magnitude > 0.0 ? 0x8000 : 0;
+    const auto bits = static_cast<std::uint16_t>(sign | static_cast<int>(magnitude));
+    return {bits, Binary16ToDouble(bits)};
+  }
+};
+
 template <class ENCODER>
 void Encode(std::span<const double> numbers, std::byte* pixels, ENCODING_COUNTS& counts) {
   for (const double number : numbers) {
@@ -114,4 +127,9 @@ void EncodePixels(PIXEL_TYPE type, std::span<const double> numbers, std::byte* p
     default:
       throw std::invalid_argument("pixels of this type hold no numbers");
   }
+}
+
+void EncodeStandardBinary16(std::span<const double> numbers, std::byte* pixels,
+                            ENCODING_COUNTS& counts) {
+  Encode<STANDARD_BINARY_16_ENCODER>(numbers, pixels, counts);
 }

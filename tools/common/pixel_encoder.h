@@ -22,3 +22,8 @@ bool HoldsPairs(PIXEL_TYPE type) noexcept;
 /// Throws std::invalid_argument for types that hold no numbers.
 void EncodePixels(PIXEL_TYPE type, std::span<const double> numbers, std::byte* pixels,
                   ENCODING_COUNTS& counts);
+
+/// Encodes numbers as binary16 of the standard, subnormal ones included: what was binary16 before
+/// stays as it was, but for the sign of zeros, which `resample` would take for numbers.
+void EncodeStandardBinary16(std::span<const double> numbers, std::byte* pixels,
+                            ENCODING_COUNTS& counts);

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <functional>
+
+/// Is told which part of the work, 0 to 1, is done.
+using PROGRESS = std::function<void(double part)>;
+
 /// A bar that tells how much of a long work is done, drawn over itself on standard error while it
 /// lives. Where that is no terminal nothing is written.
 class PROGRESS_BAR {

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "common/progress_bar.h"
 #include "common/raster_reader.h"
-
-/// Is told which part of the work, 0 to 1, is done.
-using PROGRESS = std::function<void(double part)>;
 
 /// Writes a raster of any type as a file of any GDAL driver, without ever holding more than a few
 /// lines of it. Binary16 becomes Float32 or CFloat32 and pairs of bytes CInt16, both of which hold
