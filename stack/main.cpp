@@ -3,7 +3,7 @@
 #include <exception>
 #include <iostream>
 
-#include "app/parameter_guide.h"
+#include "app/parameter_table.h"
 #include "app/program_version.h"
 #include "base/error_exception.h"
 #include "commands/commands.h"
@@ -19,8 +19,10 @@ const LOGGING_USER stack_log("", "resample-stack", LOGGING_LEVEL_T::ALARM, LOGGI
 
 /// A description gives all parameters of its runs: none may come from the environment by chance.
 void ForgetParametersInEnvironment() {
-  for (const PARAMETER_GUIDE& guide : ParameterGuides()) {
-    ::unsetenv(std::string(guide.name).c_str());
+  for (const PARAMETER_ENTRY& parameter : Parameters()) {
+    if (parameter.source != PARAMETER_SOURCE::ENVIRONMENT) {
+      ::unsetenv(parameter.name.c_str());
+    }
   }
 }
 

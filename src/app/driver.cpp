@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "app/error_report.h"
-#include "app/parameter_guide.h"
+#include "app/parameter_table.h"
 #include "app/program_version.h"
 #include "app/resample_run.h"
 #include "control/controller_ifc.h"
@@ -47,8 +47,7 @@ void RunDriver(int argc, char** argv) {
   std::optional<RESAMPLE_RUN> run;
   VERSION_RECORD version = ProgramVersion();
   try {
-    controller.KeepFromLog({"INSAR_PARAMETER_POOL", "log_pp", "SLAVE_PARAMETER_POOL", "SlaveIn",
-                            "MaskIn", "RG_MAPPING_FILE", "AZ_MAPPING_FILE"});
+    controller.KeepFromLog(ParametersOf({PARAMETER_KIND::POOL, PARAMETER_KIND::RASTER}));
     controller.ExplainParameters(ParameterHint);
     controller.init(argc, argv, 1);
     version.configuration_file = controller.ConfigurationFileName();

@@ -2,6 +2,7 @@
 
 #include "app/input_setup.h"
 #include "app/output_setup.h"
+#include "app/parameter_check.h"
 #include "app/resampling.h"
 #include "logging/logging.h"
 
@@ -24,6 +25,7 @@ void RESAMPLE_RUN::ReadParameters() {
   pools_.OpenLogPool(controller_);
   parameters_ = ReadRunParameters(controller_, *pools_.insar);
   EchoRunParameters(parameters_, pools_.insar_name);
+  WarnOfUnknownParameters(controller_);
   input_.n_samples = parameters_.size.n_samples;
   input_.n_lines = parameters_.size.n_lines;
   input_.ps_mode = parameters_.ps_mode;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "app/parameter_table.h"
 #include "base/error_exception.h"
 #include "logging/logging.h"
 
@@ -19,15 +20,24 @@ std::optional<std::string> OptionalParameter(CONTROLLER_IFC& controller, const c
   return MandatoryParameter(controller, name);
 }
 
+/// A text that is no number counts as what stands at its beginning.
+void WarnOfBadNumber(const char* name, const std::string& text) {
+  if (const std::string complaint = NumberComplaint(*FindParameter(name), text);
+      !complaint.empty()) {
+    Log() << WARNING << name << " " << complaint;
+  }
+}
+
 /// Decimal integer at the start of the text, 0 without one; saturated to 32 bits.
-int ToInteger(const std::string& text) {
+int ToInteger(const char* name, const std::string& text) {
+  WarnOfBadNumber(name, text);
   const long value = std::strtol(text.c_str(), nullptr, 10);
   return static_cast<int>(
       std::clamp<long>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
 int MandatoryInteger(CONTROLLER_IFC& controller, const char* name) {
-  return ToInteger(MandatoryParameter(controller, name));
+  return ToInteger(name, MandatoryParameter(controller, name));
 }
 
 /// The pool key of the mapping format. Older pools hold it in upper case only, and keep it so.
@@ -88,8 +98,9 @@ MAPPING_PARAMETERS ReadMappingParameters(CONTROLLER_IFC& controller,
 KERNEL_PARAMETERS ReadKernelParameters(CONTROLLER_IFC& controller) {
   KERNEL_PARAMETERS kernel;
   kernel.type.Assign(MandatoryParameter(controller, "KERNEL_TYPE").c_str());
-  kernel.coefficient =
-      std::strtod(MandatoryParameter(controller, "KERNEL_COEFFICIENT").c_str(), nullptr);
+  const std::string coefficient = MandatoryParameter(controller, "KERNEL_COEFFICIENT");
+  WarnOfBadNumber("KERNEL_COEFFICIENT", coefficient);
+  kernel.coefficient = std::strtod(coefficient.c_str(), nullptr);
   kernel.length = MandatoryInteger(controller, "KERNEL_LENGTH");
   kernel.subpix_positions = MandatoryInteger(controller, "KERNEL_SUBPIX_POS");
   return kernel;
@@ -98,7 +109,7 @@ KERNEL_PARAMETERS ReadKernelParameters(CONTROLLER_IFC& controller) {
 OUTPUT_SIZE ReadOutputSize(CONTROLLER_IFC& controller, PARAMETER_POOL& insar_pool) {
   OUTPUT_SIZE size;
   if (const auto n_samples = OptionalParameter(controller, "n_samples")) {
-    size.n_samples = ToInteger(*n_samples);
+    size.n_samples = ToInteger("n_samples", *n_samples);
     size.n_lines = MandatoryInteger(controller, "n_lines");
   } else {
     insar_pool.Read("n_samples", size.n_samples);
@@ -113,7 +124,7 @@ void ApplyNumberOfCpus(CONTROLLER_IFC& controller) {
   if (!text) {
     return;
   }
-  const int count = ToInteger(*text);
+  const int count = ToInteger("no_of_cpu", *text);
   Log().Message(PARAMETER, "init no_of_cpu                 : %d", count);
   if (count > 0 && ::setenv("PARALLEL", text->c_str(), 1) != 0) {
     Log().Message(ALARM, "failed to execute setenv PARALLEL %s", text->c_str());
@@ -126,7 +137,7 @@ OUTPUT_FILES ReadOutputFiles(CONTROLLER_IFC& controller) {
 }
 
 bool ReadPsMode(CONTROLLER_IFC& controller) {
-  return ToInteger(OptionalParameter(controller, "PS_MODE").value_or("0")) == 1;
+  return ToInteger("PS_MODE", OptionalParameter(controller, "PS_MODE").value_or("0")) == 1;
 }
 
 RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,

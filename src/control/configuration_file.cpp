@@ -42,14 +42,33 @@ std::optional<std::string> CONFIGURATION_FILE::Find(const std::string& name) {
 }
 
 std::optional<std::string> CONFIGURATION_FILE::FindFromStart(const std::string& name) {
+  std::optional<std::string> value;
+  LookFromStart([&] { value = FindOnward(name); });
+  return value;
+}
+
+std::vector<std::string> CONFIGURATION_FILE::Names() {
+  std::vector<std::string> names;
+  LookFromStart([&] {
+    std::string line;
+    while (ReadLine(line)) {
+      std::string_view rest = line;
+      if (const std::string_view name = TakeWord(rest); !name.empty()) {
+        names.emplace_back(name);
+      }
+    }
+  });
+  return names;
+}
+
+void CONFIGURATION_FILE::LookFromStart(const std::function<void()>& look) {
   const long position = IsOpen() ? std::ftell(file_.get()) : -1;
   if (position < 0) {
-    return std::nullopt;
+    return;
   }
   std::rewind(file_.get());
-  std::optional<std::string> value = FindOnward(name);
+  look();
   std::fseek(file_.get(), position, SEEK_SET);
-  return value;
 }
 
 std::optional<std::string> CONFIGURATION_FILE::FindOnward(const std::string& name) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// The controller's configuration file: lines of a name and a value, separated by white space.
 /// What follows the value is ignored.
@@ -25,11 +27,16 @@ class CONFIGURATION_FILE {
   /// had not been. Nothing is found in a pipe, which can be read but once.
   std::optional<std::string> FindFromStart(const std::string& name);
 
+  /// The first words of all lines that have one, likewise without an effect on the next search.
+  std::vector<std::string> Names();
+
  private:
   struct CLOSER {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
   };
 
+  /// Reads from the start of the file and returns to where it was. Does nothing in a pipe.
+  void LookFromStart(const std::function<void()>& look);
   bool ReadLine(std::string& line);
   /// Searches up to the end of the file.
   std::optional<std::string> FindOnward(const std::string& name);

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -65,6 +66,12 @@ class CONTROLLER_IFC {
   /// Ends with "/", or is empty for the current directory.
   const std::string& StatusPath() const noexcept { return status_path_; }
   const std::string& ConfigurationFileName() const noexcept { return configuration_file_name_; }
+  /// All words of the argument list, the program's name first.
+  std::span<const char* const> Arguments() const noexcept {
+    return {argv_, static_cast<std::size_t>(argc_)};
+  }
+  /// The names in the configuration file, as they stand there; none of one that is a pipe.
+  std::vector<std::string> ConfigurationFileNames() { return configuration_file_.Names(); }
   /// The files of the run's control: configuration file, log, marker and process identifier files.
   std::vector<std::string> OwnFiles() const;
   int SupervisorFlag() const noexcept { return supervisor_flag_; }

@@ -6,6 +6,8 @@
 #include "base/array.h"
 #include "interpolation/kernel_type.h"
 
+struct KERNEL_SHAPE;
+
 /// A table of one-dimensional interpolation weights: one row for each of N sub-pixel positions,
 /// L weights a row.
 ///
@@ -24,10 +26,10 @@ class INTERPOLATION_KERNEL {
   /// Computes the table, again on an object that holds one already.
   ///
   /// `length` is L, `subpix_count` N, `coefficient` the Kaiser weight (the window's shape
-  /// parameter divided by pi). Each shape has its rules, and what breaks them is corrected with a
-  /// warning: cubic convolution has exactly 6 taps, the others at least 6, and the Kaiser weight
-  /// is not negative. The Kaiser window is scaled by the length as requested, so that taps beyond
-  /// half of that length are outside of it: each is reported and weighs 0.
+  /// parameter divided by pi). Each shape has its rules, see `KERNEL_SHAPE`, and what breaks them
+  /// is corrected with a warning: cubic convolution has exactly 6 taps, the others at least 6, and
+  /// the Kaiser weight is not negative. The Kaiser window is scaled by the length as requested, so
+  /// that taps beyond half of that length are outside of it: each is reported and weighs 0.
   ///
   /// A type without a kernel leaves the new rows 0. Throws ERROR_ARGUMENT for less than one
   /// sub-pixel position and for a Kaiser weight whose window is no number, and ERROR_NO_MEMORY for
@@ -48,19 +50,14 @@ class INTERPOLATION_KERNEL {
   const double* Row(int k) const noexcept { return rows_[static_cast<std::size_t>(k)]; }
 
  private:
-  void CorrectParameters();
-  void RequireLength(bool fits, const char* warning);
+  void CorrectParameters(const KERNEL_SHAPE& shape);
   void ResizeTable();
-  void FillTable();
-  double Value(double x) const;
-  double KaiserSinc(double x) const;
+  void FillTable(const KERNEL_SHAPE& shape, float requested_length);
 
   BASIC::TYPES::KernelType type_;
   float coefficient_ = 0.0F;
   int length_ = 0;
   int subpix_count_ = 0;
-  float length_f_ = 0.0F;  ///< as requested, never corrected
-  float subpix_f_ = 0.0F;
   ARRAY<ARRAY<double>> table_;
   std::vector<const double*> rows_;  ///< of the table, for quick access
 };

@@ -24,8 +24,7 @@ class INPUTS {
  public:
   explicit INPUTS(const std::vector<STACK_SLAVE>& slaves) {
     for (const STACK_SLAVE& slave : slaves) {
-      Add(ValuesOf(slave.parameters, pool_parameters));
-      Add(ValuesOf(slave.parameters, raster_parameters));
+      Add(ValuesOf(slave.parameters, {PARAMETER_KIND::POOL, PARAMETER_KIND::RASTER}));
     }
   }
 
@@ -55,12 +54,23 @@ std::filesystem::path PartialOutput(const std::filesystem::path& output) {
   return output.string() + ".partial";
 }
 
+std::vector<std::string> ValuesOf(const std::map<std::string, std::string>& parameters,
+                                  std::initializer_list<PARAMETER_KIND> kinds) {
+  std::vector<std::string> values;
+  for (const std::string& name : ParametersOf(kinds)) {
+    if (const auto found = parameters.find(name); found != parameters.end()) {
+      values.push_back(found->second);
+    }
+  }
+  return values;
+}
+
 std::vector<std::string> ClashingOutputs(const std::vector<STACK_SLAVE>& slaves) {
   const INPUTS inputs(slaves);
   std::map<std::string, std::string> owners;  // of the outputs' paths
   std::vector<std::string> clashes;
   for (const STACK_SLAVE& slave : slaves) {
-    for (const std::string& output : ValuesOf(slave.parameters, output_parameters)) {
+    for (const std::string& output : ValuesOf(slave.parameters, {PARAMETER_KIND::OUTPUT})) {
       for (const std::string& path : {output, PartialOutput(output).string()}) {
         const auto [owner, is_new] = owners.emplace(path, slave.name);
         if (!is_new) {

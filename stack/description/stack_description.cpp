@@ -6,7 +6,7 @@
 #include <set>
 #include <string_view>
 
-#include "app/parameter_guide.h"
+#include "app/parameter_table.h"
 #include "description/slave_files.h"
 
 namespace {
@@ -78,18 +78,11 @@ bool FitsIntoConfigurationFile(const std::string& value) {
                      [](char c) { return static_cast<unsigned char>(c) > ' ' && c != '\x7f'; });
 }
 
-template <std::size_t count>
-bool IsOneOf(const std::array<const char*, count>& names, const std::string& name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-/// Whether a description may give this parameter: those that name the run, its places and what its
-/// screen shows are the stack's own.
-bool IsStackParameter(const std::string& name) {
-  const auto guides = ParameterGuides();
-  return name != "lsl" && std::any_of(guides.begin(), guides.end(), [&](const auto& guide) {
-           return guide.name == name && !guide.is_outside_file;
-         });
+/// Null for a parameter that a description may not give: those that name the run, its places and
+/// what its screen shows are the stack's own.
+const PARAMETER_ENTRY* FindStackParameter(const std::string& name) {
+  const PARAMETER_ENTRY* const parameter = name == "lsl" ? nullptr : FindParameter(name);
+  return parameter != nullptr && parameter->source == PARAMETER_SOURCE::ANY ? parameter : nullptr;
 }
 
 class SLAVE_READER {
@@ -105,8 +98,8 @@ class SLAVE_READER {
     parameters.update(entry);
     parameters.erase(slave_name_key);
     for (const auto& [name, value] : parameters.items()) {
-      if (IsStackParameter(name)) {
-        slave.parameters[name] = Value(name, value);
+      if (const PARAMETER_ENTRY* const parameter = FindStackParameter(name)) {
+        slave.parameters[name] = Value(*parameter, value);
       } else {
         Complain(name + " is no parameter that a stack can give");
       }
@@ -118,7 +111,8 @@ class SLAVE_READER {
  private:
   void Complain(const std::string& text) { complaints_.Add(slave_name_ + ": " + text); }
 
-  std::string Value(const std::string& name, const JSON& json) {
+  std::string Value(const PARAMETER_ENTRY& parameter, const JSON& json) {
+    const std::string& name = parameter.name;
     if (!json.is_string() && !json.is_number()) {
       Complain("the value of " + name + " is neither a text nor a number");
       return "";
@@ -130,32 +124,35 @@ class SLAVE_READER {
       at += slave_name_.size();
     }
     if (!value.empty()) {
-      value = WithAbsolutePath(name, value);
+      value = WithAbsolutePath(parameter.kind, value);
     }
     if (!FitsIntoConfigurationFile(value)) {
       Complain("the value of " + name +
                " is empty, too long or holds blanks, which no configuration file can tell");
+    } else if (const std::string complaint = NumberComplaint(parameter, value);
+               !complaint.empty()) {
+      Complain(name + " " + complaint);
     }
     return value;
   }
 
   /// Outputs are renamed to their final names: those of the files themselves, not of links to them.
-  std::string WithAbsolutePath(const std::string& name, const std::string& value) const {
-    if (IsOneOf(output_parameters, name)) {
+  std::string WithAbsolutePath(PARAMETER_KIND kind, const std::string& value) const {
+    if (kind == PARAMETER_KIND::OUTPUT) {
       std::error_code unresolved;
       const auto path = std::filesystem::weakly_canonical(base_ / value, unresolved);
       return unresolved ? (base_ / value).lexically_normal().string() : path.string();
     }
-    if (IsOneOf(pool_parameters, name) || IsOneOf(raster_parameters, name)) {
+    if (kind == PARAMETER_KIND::POOL || kind == PARAMETER_KIND::RASTER) {
       return (base_ / value).lexically_normal().string();
     }
     return value;
   }
 
   void RequireAll(const STACK_SLAVE& slave) {
-    for (const PARAMETER_GUIDE& guide : ParameterGuides()) {
-      if (guide.need == "required" && !slave.parameters.contains(std::string(guide.name))) {
-        Complain(std::string(guide.name) + " is missing");
+    for (const PARAMETER_ENTRY& parameter : Parameters()) {
+      if (parameter.IsRequired() && !slave.parameters.contains(parameter.name)) {
+        Complain(parameter.name + " is missing");
       }
     }
   }

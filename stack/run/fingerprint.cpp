@@ -83,10 +83,10 @@ std::string StateOfPool(const std::string& path, bool has_forced_mapping) {
 std::string Fingerprint(const SLAVE_PLAN& plan) {
   const bool has_forced_mapping = plan.parameters.contains("MAPPING_FORMAT");
   nlohmann::json inputs = nlohmann::json::object();
-  for (const std::string& path : ValuesOf(plan.parameters, raster_parameters)) {
+  for (const std::string& path : ValuesOf(plan.parameters, {PARAMETER_KIND::RASTER})) {
     inputs[path] = StateOfRaster(path);
   }
-  for (const std::string& path : ValuesOf(plan.parameters, pool_parameters)) {
+  for (const std::string& path : ValuesOf(plan.parameters, {PARAMETER_KIND::POOL})) {
     inputs[path] = StateOfPool(path, has_forced_mapping);
   }
   const nlohmann::json json = {

@@ -8,7 +8,7 @@
 
 std::map<std::string, std::string> SLAVE_PLAN::RunParameters() const {
   std::map<std::string, std::string> result = parameters;
-  for (const char* name : output_parameters) {
+  for (const std::string& name : ParametersOf({PARAMETER_KIND::OUTPUT})) {
     if (const auto output = result.find(name); output != result.end()) {
       output->second = PartialOutput(output->second).string();
     }
@@ -17,7 +17,7 @@ std::map<std::string, std::string> SLAVE_PLAN::RunParameters() const {
 }
 
 std::vector<std::filesystem::path> SLAVE_PLAN::Outputs() const {
-  const std::vector<std::string> values = ValuesOf(parameters, output_parameters);
+  const std::vector<std::string> values = ValuesOf(parameters, {PARAMETER_KIND::OUTPUT});
   return {values.begin(), values.end()};
 }
 

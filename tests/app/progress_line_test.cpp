@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/parameter_guide.h"
+#include "app/parameter_table.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 
 #include "app/input_setup.h"
 #include "app/output_setup.h"
+#include "app/parameter_check.h"
 #include "app/resample_thread.h"
 #include "control/processors.h"
 #include "core/core_variant.h"
@@ -62,6 +63,7 @@ void RUN_CHECK::ReadParameters() {
   findings_.Take([&] { ApplyNumberOfCpus(controller_); });
   is_read_.outputs = findings_.Take([&] { parameters_.outputs = ReadOutputFiles(controller_); });
   findings_.Take([&] { parameters_.ps_mode = ReadPsMode(controller_); });
+  WarnOfUnknownParameters(controller_);
   input_.n_samples = parameters_.size.n_samples;
   input_.n_lines = parameters_.size.n_lines;
   input_.ps_mode = parameters_.ps_mode;

@@ -5,4 +5,4 @@
 
 /// The answer to "--help" or "--version" when this is the only argument: nothing is run then.
 /// Otherwise none.
-std::optional<std::string> TerminalAnswer(int argc, const char* const* argv);
+std::optional<std::string> HelpOrVersion(int argc, const char* const* argv);
