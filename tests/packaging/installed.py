@@ -21,11 +21,14 @@ def run(*command, **options):
 
 
 def parameters():
-    """The parameters of resample, from the tables of its documentation."""
-    text = (SOURCE / "docs/operation.md").read_text()
-    tables = text[text.index("### Parameters of the program"):text.index("### Environment")]
-    cells = re.findall(r"^\| (`.*?) \|", tables, re.MULTILINE)
-    return [name for cell in cells for name in re.findall(r"`(\w+)`", cell)]
+    """The table of the parameters of resample as its help prints it: by name, what is said of need
+    and values, the latter as a list where it is one of words."""
+    text = run("resample", "--help")
+    text = text[text.index("parameters:"):text.index("environment variables:")]
+    entries = re.findall(r"^  (\w+)  \((.*)\)\n      .*\n(?:      values: (.*)\n)?", text,
+                         re.MULTILINE)
+    return {name: (need, re.findall(r"\w+", values) if re.match(r"\w+, ", values) else [])
+            for name, need, values in entries}
 
 
 def subcommands(*command):

@@ -70,7 +70,7 @@ TEST_F(StackDescription, TellsAllThatIsWrong) {
   good["common"]["lsl"] = "INFO";
   good["common"].erase("log_pp");
   good["slaves"][0].update({{"KERNEL_LENGTH", true}, {"MaskIn", "two words"}, {"pid", "x"}});
-  good["slaves"][1]["MAPPING_FORMAT"] = "";
+  good["slaves"][1].update({{"MAPPING_FORMAT", ""}, {"KERNEL_LENGTH", "abc"}, {"n_lines", 1.5}});
   good["slaves"].push_back({{"name", "a"}, {"log_pp", "l\nog_pp"}});
   good["slaves"].push_back({{"name", "../b"}, {"log_pp", std::string(2000, 'x')}});
   const std::string complaint = Complaint(good.dump());
@@ -79,9 +79,11 @@ TEST_F(StackDescription, TellsAllThatIsWrong) {
         "a: pid is no parameter", "a: log_pp is missing",
         "a: the value of KERNEL_LENGTH is neither a text nor a number",
         "a: the value of MaskIn is empty, too long or holds blanks",
-        "b-2.x: the value of MAPPING_FORMAT is empty", "a: the value of log_pp is empty, too long",
-        "../b: the value of log_pp is empty, too long", "two slaves have the name a",
-        "a slave's name has 1 to 100 letters"}) {
+        "b-2.x: the value of MAPPING_FORMAT is empty",
+        "b-2.x: KERNEL_LENGTH \"abc\" is no whole number and counts as 0",
+        "b-2.x: n_lines \"1.5\" is no whole number and counts as 1",
+        "a: the value of log_pp is empty, too long", "../b: the value of log_pp is empty, too long",
+        "two slaves have the name a", "a slave's name has 1 to 100 letters"}) {
     EXPECT_NE(complaint.find(line), std::string::npos) << line << " not in:\n" << complaint;
   }
 }

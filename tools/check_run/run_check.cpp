@@ -7,6 +7,7 @@
 #include "app/output_setup.h"
 #include "app/parameter_check.h"
 #include "app/resample_thread.h"
+#include "check_run/kernel_cost.h"
 #include "control/processors.h"
 #include "core/core_variant.h"
 #include "mapping/mapping_matrix.h"
@@ -34,9 +35,7 @@ RUN_CHECK::~RUN_CHECK() {
 
 void RUN_CHECK::Execute(const VERSION_RECORD& version) {
   ReadParameters();
-  if (is_read_.kernel) {
-    findings_.Take([&] { BuildKernel(parameters_.kernel, input_); });
-  }
+  CheckKernel();
   MapInputs();
   if (is_read_.mapping) {
     findings_.Take([&] { OpenMapping(parameters_.mapping, *pools_.insar, input_); });
@@ -67,6 +66,14 @@ void RUN_CHECK::ReadParameters() {
   input_.n_samples = parameters_.size.n_samples;
   input_.n_lines = parameters_.size.n_lines;
   input_.ps_mode = parameters_.ps_mode;
+}
+
+void RUN_CHECK::CheckKernel() {
+  if (is_read_.kernel && findings_.Take([&] { BuildKernel(parameters_.kernel, input_); })) {
+    if (std::string cost = CostOfSubpixelPositions(input_.kernel); !cost.empty()) {
+      findings_.AddWarning(std::move(cost));
+    }
+  }
 }
 
 void RUN_CHECK::MapInputs() {

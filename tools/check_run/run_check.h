@@ -50,6 +50,7 @@ class RUN_CHECK {
 
  private:
   void ReadParameters();
+  void CheckKernel();
   void MapInputs();
   void CheckOutput();
   void CheckCreate(const std::string& path, PIXEL_TYPE type);
