@@ -28,6 +28,8 @@ class DOPPLER_SAMPLER {
 
   const DOPPLER_CENTROID_MODEL& Model() const { return model_; }
   bool WithRate() const { return with_rate_; }
+  /// Samples a second.
+  double SampleRate() const { return sample_rate_; }
   /// The time of a hundred lines: the rate of change is the centroid's difference over twice it.
   double RateStep() const { return rate_step_; }
 

@@ -15,12 +15,22 @@ class COLUMN_SET {
     return COLUMN_SET(count < strip_columns ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0});
   }
 
+  static COLUMN_SET Column(int x) { return COLUMN_SET(Bit(x)); }
+  /// The group that begins at column `first`.
+  static COLUMN_SET Group(int first) { return COLUMN_SET(GroupBits() << first); }
+
   void Add(int x) { bits_ |= Bit(x); }
-  void AddGroup(int first) { bits_ |= GroupBits() << first; }
-  void Remove(int x) { bits_ &= ~Bit(x); }
   bool Holds(int x) const { return (bits_ & Bit(x)) != 0; }
   bool IsEmpty() const { return bits_ == 0; }
-  int Count() const { return std::popcount(bits_); }
+  std::uint64_t Bits() const { return bits_; }
+  /// Counting all of them takes longer where the processor need not have an instruction for it.
+  bool HoldsMoreThan(int count) const {
+    std::uint64_t rest = bits_;
+    for (; count > 0; --count) {
+      rest &= rest - 1;
+    }
+    return rest != 0;
+  }
 
   /// The part that lies in the group that begins at column `first`.
   COLUMN_SET OfGroup(int first) const { return COLUMN_SET(bits_ & (GroupBits() << first)); }

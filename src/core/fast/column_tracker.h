@@ -10,26 +10,27 @@
 #include "core/footprint.h"
 #include "core/resample_thr_arg.h"
 
-/// What a column of a strip reads.
-struct COLUMN {
-  std::int64_t sample = 0;                  ///< slave sample at or before the position
-  std::int64_t line_shift = 0;              ///< likewise the slave line, minus the output line
-  const double* range_weights = nullptr;    ///< kernel row
-  const double* azimuth_weights = nullptr;  ///< kernel row
-};
-
-/// Neighbouring columns, whole groups, that read consecutive samples of one slave line.
+/// Neighbouring columns that read consecutive samples of one slave line: column first + i reads
+/// sample + i. They are whole groups, or some columns of one group.
 struct COLUMN_RUN {
   int first;
   int count;
+  bool is_whole;  ///< all `count` columns from the first one on
+  COLUMN_SET columns;
+  std::int64_t sample;
+  std::int64_t line_shift;  ///< the slave line minus the output line
 };
 
-/// Follows the slave positions of a strip's columns from line to line.
-///
-/// From one output line to the next a column mostly reads one slave line further down with the
-/// same sample and the same weights. So every column keeps the intervals of its position in which
-/// that is so, and only where it leaves them the position is looked at anew. What changed then is
-/// listed, for those who keep something for the column.
+/// A part of the slave.
+struct SLAVE_WINDOW {
+  std::int64_t first_sample;
+  std::int64_t end_sample;
+  std::int64_t first_line;
+  std::int64_t end_line;
+};
+
+/// Follows the slave positions of a strip's columns from line to line: where their taps lie, what
+/// of it has changed, and which columns read side by side.
 class COLUMN_TRACKER {
  public:
   COLUMN_TRACKER(const RESAMPLE_JOB& job, const FOOTPRINT& footprint,
@@ -41,61 +42,77 @@ class COLUMN_TRACKER {
   void GoTo(unsigned line);
 
   unsigned Line() const { return line_; }
-  const COLUMN& operator[](int x) const { return columns_[x]; }
-  /// The slave line of the position.
-  std::int64_t SlaveLine(int x) const { return columns_[x].line_shift + line_; }
-  std::int64_t FirstTapSample(int x) const { return columns_[x].sample - footprint_.Offset(); }
-  std::int64_t FirstTapLine(int x) const { return SlaveLine(x) - footprint_.Offset(); }
-
   /// The positions themselves, and the fractions of a line by which they exceed the slave line.
   const double* SlaveRange() const { return rg_; }
   const double* SlaveAzimuth() const { return az_; }
   const double* AzimuthFraction() const { return fa_; }
 
+  /// The slave pixel at or before the position, also as a row.
+  const double* Samples() const { return sample_; }
+  std::int64_t Sample(int x) const { return static_cast<std::int64_t>(sample_[x]); }
+  std::int64_t SlaveLine(int x) const { return static_cast<std::int64_t>(line_shift_[x]) + line_; }
+  std::int64_t FirstTapSample(int x) const { return Sample(x) - footprint_.Offset(); }
+  std::int64_t FirstTapLine(int x) const { return SlaveLine(x) - footprint_.Offset(); }
+  /// Kernel rows of the position, in sub-pixel steps.
+  const double* RangeSteps() const { return range_step_; }
+  const double* AzimuthSteps() const { return azimuth_step_; }
+
   /// Columns whose pixel on this line is computed.
   COLUMN_SET Computed() const { return computed_; }
-  /// Those of them that were looked at anew.
-  COLUMN_SET LookedAt() const { return looked_at_; }
-  /// Those of them whose sample, line shift or range weights are not those of the line before.
-  COLUMN_SET Moved() const { return moved_; }
+  /// Those of them whose slave pixel is not that of the line before, one line further down.
+  COLUMN_SET Shifted() const { return shifted_; }
+  /// Those whose kernel rows are not those of the line before.
+  COLUMN_SET RangeStepped() const { return range_stepped_; }
+  COLUMN_SET AzimuthStepped() const { return azimuth_stepped_; }
 
+  /// Computed columns are each in one run, or single because their neighbours read elsewhere.
   std::span<const COLUMN_RUN> Runs() const { return {runs_, run_count_}; }
-  COLUMN_SET InRuns() const { return in_runs_; }
-  /// Computed columns that are in no run.
-  COLUMN_SET Singles() const { return computed_.Without(in_runs_); }
+  COLUMN_SET Singles() const { return singles_; }
+  /// What the runs read, from the first tap of the first one to the last of the last one.
+  SLAVE_WINDOW WindowOfRuns() const;
+  std::int64_t SlaveLine(const COLUMN_RUN& run) const { return run.line_shift + line_; }
+  std::int64_t FirstTapSample(const COLUMN_RUN& run) const {
+    return run.sample - footprint_.Offset();
+  }
+  std::int64_t FirstTapLine(const COLUMN_RUN& run) const {
+    return SlaveLine(run) - footprint_.Offset();
+  }
+
+  /// The window never holds more than so many lines, and samples, beyond those of one group.
+  static constexpr int most_lines_apart = 8;
+  static constexpr int most_samples_apart = strip_columns + 16;
 
  private:
-  bool Fits(int x) const;
-  void LookAtColumn(int x);
-  void Drop(int x);
-  void SetIntervals(int x, const TAP_POSITION& range, const TAP_POSITION& azimuth);
-  bool IsConsecutive(int first) const;
-  void FindRuns();
+  /// In how many parts a group may fall before its columns are looked at one by one.
+  static constexpr int most_parts = 3;
 
-  const INTERPOLATION_KERNEL& kernel_;
+  void FindRuns(COLUMN_SET joined);
+  void AddWhole(int first, bool is_joined);
+  void AddParts(COLUMN_SET group, COLUMN_SET first_of_parts, int first);
+  COLUMN_RUN Part(COLUMN_SET columns, int x, int first) const;
+  bool FitsWindow(const COLUMN_RUN& run);
+
   const FOOTPRINT footprint_;
   const ROW_FUNCTIONS& functions_;
   const std::unique_ptr<POSITION_ROWS> positions_;
-  const double range_below_;  ///< positions that are computed lie below this one
-  const AZIMUTH_LIMITS azimuth_limits_;
+  const POSITION_LIMITS limits_;
+  const double subpix_count_;
 
   unsigned line_ = 0;
-  COLUMN_SET existing_;  ///< columns that the output has
   COLUMN_SET computed_;
-  COLUMN_SET looked_at_;
-  COLUMN_SET moved_;
-  COLUMN_SET in_runs_;
-  bool arrangement_changed_ = false;  ///< runs are to be found again
+  COLUMN_SET shifted_;
+  COLUMN_SET range_stepped_;
+  COLUMN_SET azimuth_stepped_;
+  COLUMN_SET singles_;
   std::size_t run_count_ = 0;
-  COLUMN_RUN runs_[strip_columns / group_columns];
-  COLUMN columns_[strip_columns];
+  COLUMN_RUN runs_[most_parts * strip_columns / group_columns];
+  SLAVE_WINDOW window_;  ///< of the runs: samples of their first columns, line shifts
 
   alignas(64) double rg_[strip_columns] = {};
   alignas(64) double az_[strip_columns] = {};
   alignas(64) double fa_[strip_columns] = {};
-  alignas(64) double rg_first_[strip_columns] = {};
-  alignas(64) double rg_end_[strip_columns] = {};
+  alignas(64) double sample_[strip_columns] = {};
   alignas(64) double line_shift_[strip_columns] = {};
-  alignas(64) double fa_first_[strip_columns] = {};
-  alignas(64) double fa_end_[strip_columns] = {};
+  alignas(64) double range_step_[strip_columns] = {};
+  alignas(64) double azimuth_step_[strip_columns] = {};
 };

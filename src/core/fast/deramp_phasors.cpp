@@ -24,14 +24,17 @@ void DERAMP_PHASORS::Update(const COLUMN_TRACKER& columns) {
 }
 
 void DERAMP_PHASORS::EvaluateCentroids(const COLUMN_TRACKER& columns) {
-  for (const int x : columns.Moved()) {
-    range_time_[x] = doppler_.RangeTime(columns[x].sample);
+  for (int first = 0; first < strip_columns; first += group_columns) {
+    if (!columns.Shifted().OfGroup(first).IsEmpty()) {
+      functions_.range_times(columns.Samples() + first, doppler_.Model().range_start_time,
+                             doppler_.SampleRate(), group_columns, range_time_ + first);
+    }
   }
   for (const COLUMN_RUN& run : columns.Runs()) {
-    const LINE_CENTROID centroid = centroids_.At(columns.SlaveLine(run.first));
-    functions_.centroid(centroid.slope, range_time_ + run.first, run.count, slope_ + run.first);
+    const LINE_CENTROID centroid = centroids_.At(columns.SlaveLine(run));
+    Evaluate(centroid.slope, run, slope_);
     if (doppler_.WithRate()) {
-      functions_.centroid(centroid.rate, range_time_ + run.first, run.count, rate_ + run.first);
+      Evaluate(centroid.rate, run, rate_);
     }
   }
   for (const int x : columns.Singles()) {
@@ -40,5 +43,18 @@ void DERAMP_PHASORS::EvaluateCentroids(const COLUMN_TRACKER& columns) {
     if (doppler_.WithRate()) {
       rate_[x] = ValueAt(centroid.rate, range_time_[x]);
     }
+  }
+}
+
+void DERAMP_PHASORS::Evaluate(const RANGE_POLYNOMIAL& polynomial, const COLUMN_RUN& run,
+                              double* row) const {
+  if (run.is_whole) {
+    functions_.centroid(polynomial, range_time_ + run.first, run.count, row + run.first);
+    return;
+  }
+  double values[group_columns];
+  functions_.centroid(polynomial, range_time_ + run.first, run.count, values);
+  for (const int x : run.columns) {
+    row[x] = values[x - run.first];
   }
 }

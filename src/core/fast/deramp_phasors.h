@@ -52,6 +52,7 @@ class DERAMP_PHASORS {
   };
 
   void EvaluateCentroids(const COLUMN_TRACKER& columns);
+  void Evaluate(const RANGE_POLYNOMIAL& polynomial, const COLUMN_RUN& run, double* row) const;
 
   const DOPPLER_SAMPLER& doppler_;
   const int length_;

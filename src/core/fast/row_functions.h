@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "base/complex.h"
@@ -8,7 +9,7 @@
 /// of this many doubles; two-dimensional ones have one such row a tap.
 inline constexpr int strip_columns = 64;
 
-/// Columns are looked at in groups of this many. Column counts handed to the functions below are
+/// Columns are worked on in groups of this many. Column counts handed to the functions below are
 /// multiples of it, except where they say otherwise.
 inline constexpr int group_columns = 8;
 
@@ -47,21 +48,35 @@ struct POLYNOMIAL_LINE {
   double c4_y_y;
 };
 
-/// Where the positions of a column may move without changing what it reads: the slave's range
-/// position inside [rg_first, rg_end), and the azimuth position minus (line + line_shift) inside
-/// [fa_first, fa_end).
-struct COLUMN_INTERVALS {
-  const double* rg_first;
-  const double* rg_end;
-  const double* line_shift;
-  const double* fa_first;
-  const double* fa_end;
+/// Positions that are computed lie between these, all excluded.
+struct POSITION_LIMITS {
+  double rg_above;
+  double rg_below;
+  double az_above;
+  double az_below;
 };
 
-/// Azimuth positions that are computed lie between these, both excluded.
-struct AZIMUTH_LIMITS {
-  double above;
-  double below;
+/// What the columns of a strip read, in whole numbers.
+struct TAP_ROWS {
+  double* sample;        ///< slave sample at or before the position
+  double* line_shift;    ///< likewise the slave line, minus the output line
+  double* range_step;    ///< fraction of a sample in sub-pixel steps: 0 up to and with their number
+  double* azimuth_step;  ///< likewise the fraction of a line
+  double* fa;            ///< that fraction itself
+};
+
+/// What columns have there that are not computed, but for `fa`, which is any value. No sample is
+/// this, nor has it before it.
+inline constexpr double no_tap = -2.0;
+
+/// Sets of a strip's columns: bit x for column x.
+struct TAP_CHANGES {
+  std::uint64_t computed;
+  /// Read the sample behind that of the column before, of the same line. Only if any have shifted.
+  std::uint64_t joined;
+  std::uint64_t shifted;  ///< have another sample or line shift than before
+  std::uint64_t range;    ///< have another range step than before
+  std::uint64_t azimuth;  ///< have another azimuth step than before
 };
 
 /// The Doppler centroid as a polynomial in range time for one slave line.
@@ -94,18 +109,52 @@ struct RATE_ROWS {
   CONST_COMPLEX_ROW last;
 };
 
+/// Consecutive slave lines in a ring of rows: line i lies in row (first + i) & row_mask.
+template <class T>
+struct RING_LINES {
+  const T* rows;  ///< row 0, at the sample of the first tap of the first column
+  std::ptrdiff_t stride;
+  unsigned row_mask;
+  unsigned first;
+
+  const T* Line(int i) const {
+    return rows +
+           static_cast<std::ptrdiff_t>((first + static_cast<unsigned>(i)) & row_mask) * stride;
+  }
+};
+
+/// The sums along range of the lines of a footprint, likewise in a ring, of rows of
+/// `strip_columns`.
+struct SUM_LINES {
+  COMPLEX_ROW rows;
+  unsigned row_mask;
+  unsigned first;
+
+  std::ptrdiff_t Line(int i) const {
+    return static_cast<std::ptrdiff_t>((first + static_cast<unsigned>(i)) & row_mask) *
+           strip_columns;
+  }
+};
+
+/// sums[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1, for the first
+/// `line_count` lines and those of `count` columns that `columns` names: bit x for column x.
+/// `decoded_im` is how far the imaginary parts lie behind the real ones.
+using RANGE_FILTER = void (*)(const double* weights, const RING_LINES<double>& decoded,
+                              std::ptrdiff_t decoded_im, int length, int count,
+                              std::uint64_t columns, int line_count, const SUM_LINES& sums);
+
 /// sums[x] = sum over k of weights[k][x] filtered[k][x], turned tap by tap.
-using AZIMUTH_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW filtered, int length,
+using AZIMUTH_FILTER = void (*)(const double* weights, const SUM_LINES& filtered, int length,
                                 const RAMP_ROWS& phasors, int count, COMPLEX_ROW sums);
-using RATE_AZIMUTH_FILTER = void (*)(const double* weights, CONST_COMPLEX_ROW filtered, int length,
+using RATE_AZIMUTH_FILTER = void (*)(const double* weights, const SUM_LINES& filtered, int length,
                                      const RATE_ROWS& phasors, int count, COMPLEX_ROW sums);
 
-/// filtered[k][0] = sum over j of weights[j] lines[k][sample + j] for `line_count` lines k: what
-/// `filter_range` makes of a single column, to the last bit. Rows are `strip_columns` apart.
+/// What `RANGE_FILTER` makes of a single column, to the last bit, from pixels that are not decoded
+/// yet: `lines` are rows of the slave, and `sample` that of the first tap.
 template <class PIXEL>
 using FOOTPRINT_FILTER = void (*)(const PIXEL* const* lines, std::int64_t sample,
                                   const double* weights, int length, int line_count,
-                                  COMPLEX_ROW filtered);
+                                  const SUM_LINES& sums);
 
 /// The functions that depend on the kind of pixels.
 template <class PIXEL>
@@ -127,11 +176,16 @@ struct ROW_FUNCTIONS {
   /// Positions along one axis: the shift of the polynomial plus the column's origin.
   void (*polynomial_positions)(const POLYNOMIAL_COLUMNS& columns, const POLYNOMIAL_LINE& terms,
                                double line, const double* origin, int count, double* position);
-  /// fa = az - (line + line_shift) for all columns of a strip. Returns the columns that leave one
-  /// of their intervals: bit x for column x.
-  std::uint64_t (*find_unsteady)(const COLUMN_INTERVALS& intervals, const AZIMUTH_LIMITS& limits,
-                                 double line, const double* rg, const double* az, double* fa);
+  /// Where the taps of all columns of a strip lie, and what of it differs from what `taps` held.
+  TAP_CHANGES (*locate_taps)
+  (const double* rg, const double* az, double line, const POSITION_LIMITS& limits,
+   double subpix_count, const TAP_ROWS& taps);
+  /// to[j][i] = rows[i][j] for the columns of a group and j = 0 .. length - 1.
+  void (*transpose_rows)(const double* const* rows, int length, double* to);
 
+  /// range_time[x] = start + sample[x] / rate
+  void (*range_times)(const double* sample, double start, double rate, int count,
+                      double* range_time);
   /// scale * sum over k of c_k (range_time - reference_time)^k by Horner's rule, never fused.
   void (*centroid)(const RANGE_POLYNOMIAL& polynomial, const double* range_time, int count,
                    double* value);
@@ -147,16 +201,15 @@ struct ROW_FUNCTIONS {
   /// column by 2^-10 or more. Otherwise returns false, and the phasors are of no use.
   bool (*close_sine_cosine)(const double* turns, COMPLEX_ROW phasor);
 
-  /// filtered[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1; and a copy.
-  void (*filter_range)(const double* weights, CONST_COMPLEX_ROW pixels, int length, int count,
-                       COMPLEX_ROW filtered, COMPLEX_ROW copy);
+  RANGE_FILTER (*range_filter)(int length);
   AZIMUTH_FILTER (*azimuth_filter)(int length);
   RATE_AZIMUTH_FILTER (*rate_azimuth_filter)(int length);
 
-  /// valid[x] = 1 when none of mask[x .. x + length - 1] is 0, else 0.
+  /// valid[x] = 1 when none of mask[x .. x + length - 1] is 0, else 0; for any count.
   void (*filter_mask)(const unsigned char* mask, int length, int count, unsigned char* valid);
-  /// valid[x] = 1 when masks[k][x] is 1 for k = 0 .. length - 1, else 0.
-  void (*combine_masks)(const unsigned char* masks, int length, int count, unsigned char* valid);
+  /// valid[x] = 1 when lines k = 0 .. length - 1 of `masks` are 1 at x, else 0; for any count.
+  void (*combine_masks)(const RING_LINES<unsigned char>& masks, int length, int count,
+                        unsigned char* valid);
 
   PIXEL_FUNCTIONS<COMPLEX<std::int16_t>> int_16;
   PIXEL_FUNCTIONS<COMPLEX<std::uint16_t>> binary_16;

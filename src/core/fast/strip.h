@@ -9,13 +9,14 @@
 #include "core/fast/prefetch.h"
 #include "core/fast/range_sums.h"
 #include "core/fast/row_functions.h"
+#include "core/fast/slave_lines.h"
 #include "core/fast/slave_rows.h"
 #include "core/pixel_evaluation.h"
 
 /// Resamples strips of columns, each one line by line downwards.
 ///
 /// The kernel sum of a pixel separates into sums along range and one along azimuth. The sums along
-/// range of neighbouring lines are mostly the same ones, so a strip keeps them.
+/// range of neighbouring lines are the same ones while a column stays, so a strip keeps them.
 template <class CODEC>
 class STRIP {
  public:
@@ -35,9 +36,10 @@ class STRIP {
         columns_(job, evaluation_.Footprint(), functions),
         slave_{input, with_validity_ ? RowsOf(job.input_mask) : nullptr, job.input_width,
                job.input_height},
-        range_sums_(slave_, length_, functions, pixel_functions),
+        slave_lines_(slave_, length_, functions, pixel_functions),
+        range_sums_(slave_, *job.kernel, functions, pixel_functions),
         phasors_(evaluation_.Doppler(), evaluation_.Footprint(), job, functions),
-        azimuth_sums_(length_, functions) {}
+        azimuth_sums_(*job.kernel, functions) {}
 
   /// The strip that begins at `first_column`, on the lines first_line to last_line.
   void Resample(int first_column, unsigned first_line, unsigned last_line) {
@@ -52,7 +54,10 @@ class STRIP {
       if (line < last_line) {
         PrefetchOutput(line + 1);
       }
-      range_sums_.Update(columns_);
+      if (!columns_.Runs().empty()) {
+        slave_lines_.Hold(columns_.WindowOfRuns());
+      }
+      range_sums_.Update(columns_, slave_lines_);
       phasors_.Update(columns_);
       azimuth_sums_.Update(columns_, range_sums_.Sums(), phasors_);
       StorePixels();
@@ -93,12 +98,30 @@ class STRIP {
 
   void StoreMask() {
     unsigned char valid[strip_columns];
-    if (with_validity_ && range_sums_.HaveInvalid()) {
-      functions_.combine_masks(range_sums_.Validity(), length_, strip_columns, valid);
-    } else {
-      std::fill_n(valid, strip_columns, static_cast<unsigned char>(1));
+    std::fill_n(valid, strip_columns, static_cast<unsigned char>(1));
+    if (with_validity_) {
+      FindValid(valid);
     }
     CopyComputed(valid, output_mask_[columns_.Line()] + first_column_);
+  }
+
+  void FindValid(unsigned char* valid) const {
+    for (const COLUMN_RUN& run : columns_.Runs()) {
+      const std::int64_t line = columns_.FirstTapLine(run);
+      if (slave_lines_.HaveInvalid(line)) {
+        unsigned char of_run[strip_columns];
+        functions_.combine_masks(slave_lines_.Validity(line, columns_.FirstTapSample(run)), length_,
+                                 run.count, of_run);
+        for (const int x : run.columns) {
+          valid[x] = of_run[x - run.first];
+        }
+      }
+    }
+    for (const int x : columns_.Singles()) {
+      const bool is_valid =
+          slave_.IsValid(columns_.FirstTapLine(x), columns_.FirstTapSample(x), length_);
+      valid[x] = is_valid ? 1 : 0;
+    }
   }
 
   template <class T>
@@ -137,6 +160,7 @@ class STRIP {
   const bool with_validity_;  ///< whether the mask of the output differs from ones
   COLUMN_TRACKER columns_;
   const SLAVE_ROWS<PIXEL> slave_;
+  SLAVE_LINES<PIXEL> slave_lines_;
   RANGE_SUMS<PIXEL> range_sums_;
   DERAMP_PHASORS phasors_;
   AZIMUTH_SUMS azimuth_sums_;

@@ -1,4 +1,4 @@
 #include "core/fast/row_function_variants.h"
-#include "core/fast/row_functions_body.h"
+#include "core/fast/rows/all.h"
 
 const ROW_FUNCTIONS row_functions_x86_64_v4 = all_row_functions;

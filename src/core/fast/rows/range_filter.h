@@ -1,0 +1,127 @@
+#pragma once
+
+// Part of the row functions, compiled once for every level of the processor: see lanes.h.
+
+#include "core/fast/rows/lengths.h"
+#include "core/fast/rows/pixels.h"
+
+namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
+
+// Sums along range. However one comes about, for a run of columns or for a single one, its even
+// taps are summed first and its odd ones apart from them, so that its bits are the same.
+
+/// The weights of as many columns as there are lanes, held where the length is known.
+template <int LENGTH>
+class COLUMN_WEIGHTS {
+ public:
+  explicit COLUMN_WEIGHTS(const double* weights) {
+    for (int j = 0; j < LENGTH; ++j) {
+      held_[j] = Load(weights + j * strip_columns);
+    }
+  }
+  LANES operator[](int j) const { return held_[j]; }
+
+ private:
+  LANES held_[LENGTH];
+};
+template <>
+class COLUMN_WEIGHTS<0> {
+ public:
+  explicit COLUMN_WEIGHTS(const double* weights) : weights_(weights) {}
+  LANES operator[](int j) const { return Load(weights_ + j * strip_columns); }
+
+ private:
+  const double* weights_;
+};
+
+template <int LENGTH>
+COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<LENGTH>& weights, const double* re,
+                            const double* im, int length) {
+  const int taps = LENGTH > 0 ? LENGTH : length;
+  COMPLEX_LANES even{};
+  COMPLEX_LANES odd{};
+#pragma GCC unroll 8
+  for (int j = 0; j + 1 < taps; j += 2) {
+    even.re = MultiplyAdd(weights[j], Load(re + j), even.re);
+    even.im = MultiplyAdd(weights[j], Load(im + j), even.im);
+    odd.re = MultiplyAdd(weights[j + 1], Load(re + j + 1), odd.re);
+    odd.im = MultiplyAdd(weights[j + 1], Load(im + j + 1), odd.im);
+  }
+  if (taps % 2 != 0) {
+    even.re = MultiplyAdd(weights[taps - 1], Load(re + taps - 1), even.re);
+    even.im = MultiplyAdd(weights[taps - 1], Load(im + taps - 1), even.im);
+  }
+  return {even.re + odd.re, even.im + odd.im};
+}
+
+template <int LENGTH>
+void FilterRange(const double* weights, const RING_LINES<double>& decoded,
+                 std::ptrdiff_t decoded_im, int length, int count, std::uint64_t columns,
+                 int line_count, const SUM_LINES& sums) {
+  for (int x = 0; x < count; x += lanes) {
+    const auto wanted = static_cast<unsigned>(columns >> x) & all_lanes;
+    if (wanted == 0) {
+      continue;
+    }
+    const COLUMN_WEIGHTS<LENGTH> held(weights + x);
+    for (int k = 0; k < line_count; ++k) {
+      const double* pixels = decoded.Line(k) + x;
+      COMPLEX_LANES sum = SumAlongRange<LENGTH>(held, pixels, pixels + decoded_im, length);
+      double* re = sums.rows.re + sums.Line(k) + x;
+      double* im = sums.rows.im + sums.Line(k) + x;
+      if (wanted != all_lanes) {
+        const LANE_FLAGS flags = FlagsOf(wanted);
+        sum = {flags ? sum.re : Load(re), flags ? sum.im : Load(im)};
+      }
+      Store(sum.re, re);
+      Store(sum.im, im);
+    }
+  }
+}
+
+/// A pair of numbers holds an even and an odd tap.
+template <class PIXEL, int LENGTH>
+void FilterFootprint(const PIXEL* const* lines, std::int64_t sample, const double* weights,
+                     int length, int line_count, const SUM_LINES& sums) {
+  const int taps = LENGTH > 0 ? LENGTH : length;
+  // A tap without a partner gets one whose weight and pixels are 0.
+  COMPLEX_PAIRS twice_each[((LENGTH > 0 ? LENGTH : longest_kernel) + 1) / 2];
+  for (int j = 0; j + 1 < taps; j += 2) {
+    twice_each[j / 2] = TwiceEach(weights + j);
+  }
+  if (taps % 2 != 0) {
+    const double last[2] = {weights[taps - 1], 0.0};
+    twice_each[taps / 2] = TwiceEach(last);
+  }
+  for (int k = 0; k < line_count; k += pair_lines) {
+    const PIXEL* pixels[pair_lines];
+    for (int i = 0; i < pair_lines; ++i) {
+      pixels[i] = lines[k + i < line_count ? k + i : k] + sample;
+    }
+    COMPLEX_PAIRS sum{};
+#pragma GCC unroll 8
+    for (int j = 0; j + 1 < taps; j += 2) {
+      sum = MultiplyAdd(twice_each[j / 2], DecodePairs(pixels), sum);
+      for (const PIXEL*& pixel : pixels) {
+        pixel += 2;
+      }
+    }
+    if (taps % 2 != 0) {
+      PIXEL last[pair_lines][2] = {};
+      for (int i = 0; i < pair_lines; ++i) {
+        __builtin_memcpy(static_cast<void*>(last[i]), static_cast<const void*>(pixels[i]),
+                         sizeof(PIXEL));
+        pixels[i] = last[i];
+      }
+      sum = MultiplyAdd(twice_each[taps / 2], DecodePairs(pixels), sum);
+    }
+    COMPLEX<double> totals[pair_lines];
+    StoreSums(sum, totals);
+    for (int i = 0; i < pair_lines && k + i < line_count; ++i) {
+      sums.rows.re[sums.Line(k + i)] = totals[i].re;
+      sums.rows.im[sums.Line(k + i)] = totals[i].im;
+    }
+  }
+}
+
+}  // namespace

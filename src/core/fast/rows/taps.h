@@ -1,0 +1,135 @@
+#pragma once
+
+// Part of the row functions, compiled once for every level of the processor: see lanes.h.
+
+#include <utility>
+
+#include "core/fast/row_functions.h"
+#include "core/fast/rows/lanes.h"
+
+namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
+
+/// Puts values in the place of others. A set bit of the result is a lane in which they differ.
+inline std::uint64_t Replace(double* held, int x, LANES values) {
+  const std::uint64_t changed = MaskOf(Load(held + x) != values);
+  Store(values, held + x);
+  return changed << x;
+}
+
+/// The last lane of the first vector, and all but the last one of the second.
+template <int... LANE>
+LANES OneBefore(LANES first, LANES second, std::integer_sequence<int, LANE...>) {
+  return __builtin_shufflevector(first, second, lanes - 1 + LANE...);
+}
+
+/// The columns that read the sample behind that of the column before, of the same line.
+inline std::uint64_t FindJoined(const double* sample, const double* line_shift) {
+  constexpr auto all = std::make_integer_sequence<int, lanes>();
+  const LANES zero{};
+  LANES sample_before = zero + no_tap;
+  LANES shift_before = zero + no_tap;
+  std::uint64_t joined = 0;
+  for (int x = 0; x < strip_columns; x += lanes) {
+    const LANES samples = Load(sample + x);
+    const LANES shifts = Load(line_shift + x);
+    const LANE_FLAGS flags = (samples == OneBefore(sample_before, samples, all) + 1.0) &
+                             (shifts == OneBefore(shift_before, shifts, all));
+    joined |= std::uint64_t{MaskOf(flags)} << x;
+    sample_before = samples;
+    shift_before = shifts;
+  }
+  return joined;
+}
+
+/// The same steps as for a single position, in the same order.
+TAP_CHANGES LocateTaps(const double* rg, const double* az, double line,
+                       const POSITION_LIMITS& limits, double subpix_count, const TAP_ROWS& taps) {
+  const LANES zero{};
+  const LANES rg_above = zero + limits.rg_above;
+  const LANES rg_below = zero + limits.rg_below;
+  const LANES az_above = zero + limits.az_above;
+  const LANES az_below = zero + limits.az_below;
+  const LANES none = zero + no_tap;
+  TAP_CHANGES changes{};
+  for (int x = 0; x < strip_columns; x += lanes) {
+    const LANES range = Load(rg + x);
+    const LANES azimuth = Load(az + x);
+    const LANE_FLAGS computed =
+        (range > rg_above) & (range < rg_below) & (azimuth > az_above) & (azimuth < az_below);
+    const LANES whole_range = Floor(range);
+    const LANES whole_azimuth = Floor(azimuth);
+    const LANES fa = azimuth - whole_azimuth;
+    const LANES rg_steps = Floor((range - whole_range) * subpix_count + 0.5);
+    const LANES az_steps = Floor(fa * subpix_count + 0.5);
+    const LANES sample = computed ? whole_range : none;
+    const LANES line_shift = computed ? whole_azimuth - line : none;
+    const LANES range_step = computed ? rg_steps : none;
+    const LANES azimuth_step = computed ? az_steps : none;
+    Store(fa, taps.fa + x);
+    changes.computed |= std::uint64_t{MaskOf(computed)} << x;
+    const LANE_FLAGS changed =
+        (sample != Load(taps.sample + x)) | (line_shift != Load(taps.line_shift + x)) |
+        (range_step != Load(taps.range_step + x)) | (azimuth_step != Load(taps.azimuth_step + x));
+    if (MaskOf(changed) != 0) {
+      changes.shifted |= Replace(taps.sample, x, sample) | Replace(taps.line_shift, x, line_shift);
+      changes.range |= Replace(taps.range_step, x, range_step);
+      changes.azimuth |= Replace(taps.azimuth_step, x, azimuth_step);
+    }
+  }
+  if (changes.shifted != 0) {
+    changes.joined = FindJoined(taps.sample, taps.line_shift);
+  }
+  return changes;
+}
+
+template <int DISTANCE, int... LANE>
+void ExchangeLanes(LANES& a, LANES& b, std::integer_sequence<int, LANE...>) {
+  const LANES first =
+      __builtin_shufflevector(a, b, (LANE & DISTANCE) != 0 ? lanes + LANE - DISTANCE : LANE...);
+  const LANES second =
+      __builtin_shufflevector(a, b, (LANE & DISTANCE) != 0 ? lanes + LANE : LANE + DISTANCE...);
+  a = first;
+  b = second;
+}
+
+/// One of the steps by which a square of lanes is transposed.
+template <int DISTANCE>
+void ExchangeRows(LANES (&square)[lanes]) {
+  if constexpr (DISTANCE < lanes) {
+    for (int i = 0; i < lanes; ++i) {
+      if ((i & DISTANCE) == 0) {
+        ExchangeLanes<DISTANCE>(square[i], square[i + DISTANCE],
+                                std::make_integer_sequence<int, lanes>());
+      }
+    }
+    ExchangeRows<2 * DISTANCE>(square);
+  }
+}
+
+/// The columns j to j + count - 1 of as many rows as there are lanes.
+inline void TransposeSquare(const double* const* rows, int j, int count, double* to) {
+  LANES square[lanes];
+  for (int i = 0; i < lanes; ++i) {
+    square[i] = count == lanes ? Load(rows[i] + j) : LoadFirst(rows[i] + j, count);
+  }
+  ExchangeRows<1>(square);
+  for (int i = 0; i < count; ++i) {
+    Store(square[i], to + (j + i) * strip_columns);
+  }
+}
+
+void TransposeRows(const double* const* rows, int length, double* to) {
+  for (int i = 0; i < group_columns; i += lanes) {
+    int j = 0;
+    for (; j + lanes <= length; j += lanes) {
+      TransposeSquare(rows + i, j, lanes, to + i);
+    }
+    if (j < length && length >= lanes) {
+      TransposeSquare(rows + i, length - lanes, lanes, to + i);
+    } else if (j < length) {
+      TransposeSquare(rows + i, 0, length, to + i);
+    }
+  }
+}
+
+}  // namespace
