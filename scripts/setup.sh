@@ -2,12 +2,10 @@
 # The packages that the other scripts need, by their Debian names. Sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd-dev
-  libeigen3-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh)
+  libeigen3-dev nlohmann-json3-dev libgdal-dev libhdf5-dev)
+test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh gdal-bin)
 # Without Slurm the tests of stacks on a cluster are skipped.
 slurm_packages=(munge slurmctld slurmd slurm-client)
-# Without GDAL some of the tool's commands are left out: the tests need them, the demo does not.
-gdal_packages=(libgdal-dev libhdf5-dev gdal-bin)
 # The fuzzers: clang with its libFuzzer and sanitizers.
 fuzz_packages=(clang libclang-rt-dev)
 # The presets configure the tests and benchmarks as well.
