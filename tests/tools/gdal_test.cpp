@@ -4,6 +4,7 @@
 
 #include "export/export_command.h"
 #include "import/import_command.h"
+#include "mask/mask_command.h"
 #include "raster/mem_mgr.h"
 #include "tools/command_test.h"
 #include "vrt/vrt_command.h"
@@ -81,10 +82,13 @@ TEST_P(GDAL_ROUND_TRIP, EveryBitComesBack) {
     EXPECT_THROW(Vrt("a&b.ras"), std::invalid_argument);
     return;
   }
-  const std::string bands = type == PIXEL_TYPE::C_U_INT_8 ? " --band 1,2" : "";
+  const bool is_complex_float = type == PIXEL_TYPE::C_FLT_6 || type == PIXEL_TYPE::C_FLT_15;
+  const std::string options = type == PIXEL_TYPE::C_U_INT_8 ? " --band 1,2"
+                              : is_complex_float            ? type_option
+                                                            : "";
   Vrt("a&b.ras");
   Translate("'a&b.ras.vrt'", "translated.tif");
-  const std::string report = Import("translated.tif", bands);
+  const std::string report = Import("translated.tif", options);
   EXPECT_EQ(Bytes("back.ras"), Bytes("a&b.ras")) << "opened in place, type chosen";
   EXPECT_NE(report.find("clipped: 0\nrounded: 0\n"), std::string::npos) << report;
 }
@@ -128,7 +132,7 @@ TEST_F(GDAL_TEST, ImportTakesAScaledWindowAndCountsWhatChanges) {
   Vrt("map.ras");
   EXPECT_EQ(Import("map.ras.vrt", "--type u_int_8 --scale 0.5 --window 1,2,6,1"),
             "pixel type: u_int_8\nwidth: 6\nheight: 1\n"
-            "clipped: 3\nrounded: 2\nrounded to zero: 1\nnot a number: 1\n");
+            "scale: 0.5\nclipped: 3\nrounded: 2\nrounded to zero: 1\nno data: 0\nnot finite: 1\n");
   EXPECT_EQ(Bytes("back.ras").substr(32), std::string("\0\xFF\0\0\xFF\x06", 6));
   EXPECT_NE(Import("map.ras.vrt", "--type c_flt_2").find("clipped: 34\n"), std::string::npos);
 }
@@ -146,6 +150,77 @@ TEST_F(GDAL_TEST, ImportReadsEnviAndPutsPartsTogether) {
   Vrt("rgb.ras");
   Import("rgb.ras.vrt", "--band 3,1 --type c_int_16");
   EXPECT_EQ(Bytes("back.ras").substr(32), std::string("\7\0\5\0", 4));
+}
+
+TEST_F(GDAL_TEST, PixelsWithoutDataAreZeroInImageAndMask) {
+  const double values[] = {NAN, 700.0, -9999.0, 0.0, HUGE_VAL, 11.0};
+  Real("map.ras", 6, 1, [&](int sample, int) { return values[sample]; });
+  Export("map.ras", "map.tif", "--creation-option PROFILE=GDALGeoTIFF");
+  Shell("gdal_translate -q -a_nodata -9999 " + Path("map.tif") + " " + Path("with.tif"));
+  const std::string report = Import("with.tif", "--scale auto --type int_16 --mask-out " +
+                                                    Path("mask.ras") + " --pool " + Path("a.pool"));
+  EXPECT_NE(report.find("scale: 8\n"), std::string::npos) << report;
+  EXPECT_NE(report.find("no data: 1\nnot finite: 2\n"), std::string::npos) << report;
+  EXPECT_NE(Bytes("a.pool").find("pixel_scale "), std::string::npos);
+  EXPECT_EQ(Bytes("mask.ras").substr(32), std::string("\0\1\0\1\0\1", 6));
+  EXPECT_EQ(Bytes("back.ras").substr(32), std::string("\0\0\xE0\x15\0\0\0\0\0\0\x58\0", 12));
+
+  // The way back.
+  Export("back.ras", "out.tif", "--type Float32 --scale 0.125 --mask " + Path("mask.ras"));
+  EXPECT_EQ(ValuesAt("out.tif", 0, 0), "nan\n");
+  EXPECT_EQ(ValuesAt("out.tif", 1, 0), "700\n");
+  EXPECT_NE(Import("out.tif").find("no data: 0\nnot finite: 3\n"), std::string::npos);
+}
+
+TEST_F(GDAL_TEST, ImportTurnsRowsOfRangeIntoColumns) {
+  Complex(
+      "rows.ras", 40, 30, [](int x, int y) { return VALUE(x, y); }, PIXEL_TYPE::C_INT_16);
+  Vrt("rows.ras");
+  struct TURN {
+    const char* options;
+    VALUE corner;  ///< what the first pixel was
+    VALUE next;    ///< the second one of the first line
+  };
+  for (const auto& [options, corner, next] : std::initializer_list<TURN>{
+           {"", VALUE(0, 0), VALUE(1, 0)},
+           {"--flip samples", VALUE(39, 0), VALUE(38, 0)},
+           {"--flip lines", VALUE(0, 29), VALUE(1, 29)},
+           {"--transpose", VALUE(0, 0), VALUE(0, 1)},
+           {"--transpose --flip samples", VALUE(0, 29), VALUE(0, 28)},
+           {"--transpose --flip lines,samples", VALUE(39, 29), VALUE(39, 28)}}) {
+    Import("rows.ras.vrt", options);
+    const RASTER_READER raster(Path("back.ras"));
+    EXPECT_EQ(raster.Width(), std::string_view(options).starts_with("--transpose") ? 30 : 40);
+    std::vector<VALUE> pixels(2);
+    raster.ReadLine(0, 0, pixels);
+    EXPECT_EQ(pixels, (std::vector<VALUE>{corner, next})) << options;
+  }
+}
+
+TEST_F(GDAL_TEST, MasksAreMadeOfValuesAndOfMasks) {
+  const double values[] = {NAN, 0.0, 3.0, -1.0};
+  const double others[] = {1.0, 1.0, 0.0, 1.0};
+  Real("a.ras", 4, 1, [&](int sample, int) { return values[sample]; });
+  Real(
+      "b.ras", 4, 1, [&](int sample, int) { return others[sample]; }, PIXEL_TYPE::U_INT_8);
+  const auto mask = [&](const std::string& arguments) {
+    Run(AddMaskCommand, "mask " + Path("m.ras") + " " + arguments);
+    std::string text;
+    for (const char byte : Bytes("m.ras").substr(32)) {
+      text += static_cast<char>('0' + byte);
+    }
+    return text;
+  };
+  const std::string a = Path("a.ras");
+  const std::string b = Path("b.ras");
+  EXPECT_EQ(mask(a), "0011");
+  EXPECT_EQ(mask(a + " --finite"), "0111");
+  EXPECT_EQ(mask(a + " --invalid -1 --invalid 3"), "0100");
+  EXPECT_EQ(mask(a + " " + b), "0001");
+  EXPECT_EQ(mask(a + " " + b + " --any"), "1111");
+  EXPECT_EQ(mask(b + " --invert"), "0010");
+  EXPECT_THROW(mask(a + " " + Real("c.ras", 3, 1, [](int, int) { return 1; }).Path()),
+               std::invalid_argument);
 }
 
 TEST_F(GDAL_TEST, WhatCanNotBeDoneIsRefusedAndLeavesNothing) {
@@ -169,7 +244,18 @@ TEST_F(GDAL_TEST, WhatCanNotBeDoneIsRefusedAndLeavesNothing) {
   EXPECT_THROW(Import("real.ras.vrt", "--band 1,1 --type flt_6"), std::invalid_argument);
   EXPECT_THROW(Run(AddImportCommand, "import " + Path("real.ras.vrt") + " " + Path("real.ras")),
                std::invalid_argument);
-  EXPECT_NE(Import("real.ras.vrt", "--band 1,1").find("type: c_flt_6\n"), std::string::npos);
+  Shell("gdal_translate -q -b 1 -b 1 " + Path("real.ras.vrt") + " " + Path("two.tif"));
+  EXPECT_THROW(Import("two.tif"), std::invalid_argument);
+  for (const char* scale : {"0", "nan", "-2", "inf", "2x"}) {
+    const std::string option = std::string("--scale ") + scale;
+    EXPECT_THROW(Import("real.ras.vrt", option), CLI::ValidationError) << scale;
+    EXPECT_THROW(Export("real.ras", "real.tif", option), CLI::ValidationError) << scale;
+  }
+  for (const char* options : {"--type Nothing", "--mask slc.ras"}) {
+    EXPECT_ANY_THROW(Export("real.ras", "real.tif", options)) << options;
+  }
+  EXPECT_THROW(Export("slc.ras", "slc.tif", "--type Float32"), std::invalid_argument);
+  EXPECT_NE(Import("real.ras.vrt", "--band 1,1").find("type: c_flt_2\n"), std::string::npos);
   WriteFile(Path("many.vrt"),
             "<VRTDataset rasterXSize='1' rasterYSize='1'><Metadata domain='SUBDATASETS'>"
             "<MDI key='SUBDATASET_1_NAME'>part</MDI></Metadata></VRTDataset>");

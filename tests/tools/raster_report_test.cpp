@@ -40,6 +40,7 @@ TEST_F(RasterReportTest, TellsHeaderAndValuesOfAComplexRaster) {
                               "pixels: 10\n"
                               "finite: 10\n"
                               "zeros: 1\n"
+                              "saturated: 0\n"
                               "real min: -6\n"
                               "real max: 3\n"
                               "real mean: 1.8\n"

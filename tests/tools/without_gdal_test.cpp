@@ -1,5 +1,6 @@
 #include "export/export_command.h"
 #include "import/import_command.h"
+#include "product/product_command.h"
 #include "tools/command_test.h"
 #include "vrt/vrt_command.h"
 
@@ -12,6 +13,7 @@ TEST_F(WITHOUT_GDAL, WhatNeedsItSaysSoAndTheRestWorks) {
   const std::string map = Path("map.ras");
   EXPECT_THROW(Run(AddImportCommand, "import " + map + " " + Path("b.ras")), std::runtime_error);
   EXPECT_THROW(Run(AddExportCommand, "export " + map + " " + Path("b.tif")), std::runtime_error);
+  EXPECT_THROW(Run(AddProductCommand, "product a.h5 --as slave"), std::runtime_error);
   EXPECT_EQ(Run(AddVrtCommand, "vrt " + map), map + ".vrt\n");
 }
 

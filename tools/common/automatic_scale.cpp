@@ -32,8 +32,8 @@ double AutomaticScale(PIXEL_TYPE type, std::vector<double>& numbers) {
   if (target == 0.0 || numbers.empty()) {
     return 1.0;
   }
-  const auto percentile = numbers.begin() + static_cast<std::ptrdiff_t>(
-                                                0.999 * static_cast<double>(numbers.size() - 1));
+  const double rank = std::ceil(0.999 * static_cast<double>(numbers.size() - 1));
+  const auto percentile = numbers.begin() + static_cast<std::ptrdiff_t>(rank);
   std::nth_element(numbers.begin(), percentile, numbers.end(),
                    [](double a, double b) { return std::abs(a) < std::abs(b); });
   return std::exp2(std::floor(std::log2(target / std::abs(*percentile))));

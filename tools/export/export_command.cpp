@@ -3,10 +3,10 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "base/same_file.h"
 #include "common/progress_bar.h"
+#include "common/scale_option.h"
 #include "gdal/gdal_copy.h"
 
 namespace {
@@ -14,8 +14,7 @@ namespace {
 struct EXPORT_OPTIONS {
   std::string raster;
   std::string target;
-  std::string driver;
-  std::vector<std::string> creation_options;
+  GDAL_COPY_OPTIONS copy;
 };
 
 void Export(const EXPORT_OPTIONS& options) {
@@ -24,8 +23,7 @@ void Export(const EXPORT_OPTIONS& options) {
   }
   const RASTER_READER raster(options.raster);
   PROGRESS_BAR bar;
-  WriteGdalCopy(raster, options.target, options.driver, options.creation_options,
-                [&bar](double part) { bar.Show(part); });
+  WriteGdalCopy(raster, options.target, options.copy, [&bar](double part) { bar.Show(part); });
 }
 
 }  // namespace
@@ -37,11 +35,17 @@ void AddExportCommand(CLI::App& app) {
   command->add_option("FILE", options->raster, "Raster file")->required();
   command->add_option("OUT", options->target, "File to write; its ending tells the format")
       ->required();
-  command->add_option("--driver", options->driver,
+  command->add_option("--driver", options->copy.driver,
                       "GDAL's name of the format, in place of the ending");
   command
-      ->add_option("--creation-option", options->creation_options,
+      ->add_option("--creation-option", options->copy.creation_options,
                    "NAME=VALUE for the GDAL driver; may be given more than once")
       ->allow_extra_args(false);
+  command->add_option("--type", options->copy.type,
+                      "GDAL's name of a data type, such as CFloat32; usually one that holds all "
+                      "numbers as they are");
+  AddScaleOption(*command, options->copy.scale);
+  command->add_option("--mask", options->copy.mask,
+                      "Mask raster: where it is 0 the file has no data");
   command->callback([options] { Export(*options); });
 }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 #include "common/new_files.h"
@@ -16,8 +17,8 @@
 
 namespace {
 
-/// The GDAL data type of a copy, and the number of bands.
-std::pair<GDALDataType, int> CopyLayout(PIXEL_TYPE type) {
+/// The GDAL data type of a copy that keeps the numbers, and the number of bands.
+std::pair<GDALDataType, int> ExactLayout(PIXEL_TYPE type) {
   switch (type) {
     case PIXEL_TYPE::FLT_2:
       return {GDT_Float32, 1};
@@ -32,10 +33,48 @@ std::pair<GDALDataType, int> CopyLayout(PIXEL_TYPE type) {
   }
 }
 
+std::pair<GDALDataType, int> CopyLayout(const RASTER_READER& raster, const std::string& name) {
+  const auto exact = ExactLayout(raster.Type());
+  if (name.empty()) {
+    return exact;
+  }
+  const GDALDataType type = GDALGetDataTypeByName(name.c_str());
+  if (type == GDT_Unknown || raster.Type() == PIXEL_TYPE::RGB ||
+      (raster.IsComplex() && GDALDataTypeIsComplex(type) == 0)) {
+    throw std::invalid_argument(name + " is no data type of GDAL for the pixels of " +
+                                raster.Path());
+  }
+  return {type, 1};
+}
+
+/// What becomes of the numbers of a raster on their way into a copy.
+struct COPIED_NUMBERS {
+  double scale = 1.0;
+  std::optional<RASTER_READER> mask;
+
+  COPIED_NUMBERS(const RASTER_READER& raster, const GDAL_COPY_OPTIONS& options)
+      : scale(options.scale) {
+    if (raster.Type() == PIXEL_TYPE::RGB && (scale != 1.0 || !options.mask.empty())) {
+      throw std::invalid_argument(raster.Path() + " is a picture: it takes no scale and no mask");
+    }
+    if (options.mask.empty()) {
+      return;
+    }
+    mask.emplace(options.mask);
+    if (mask->Width() != raster.Width() || mask->Height() != raster.Height() ||
+        BytesPerPixel(mask->Type()) != 1) {
+      throw std::invalid_argument(options.mask + " is no mask of " + raster.Path());
+    }
+  }
+
+  bool KeepAll() const noexcept { return scale == 1.0 && !mask; }
+};
+
 /// A band whose blocks are the lines of a raster.
 class LINE_BAND final : public GDALRasterBand {
  public:
-  LINE_BAND(const RASTER_READER& raster, int band, GDALDataType type) : raster_(raster) {
+  LINE_BAND(const RASTER_READER& raster, const COPIED_NUMBERS& numbers, int band, GDALDataType type)
+      : raster_(raster), numbers_(numbers) {
     nBand = band;
     nRasterXSize = static_cast<int>(raster.Width());
     nRasterYSize = static_cast<int>(raster.Height());
@@ -51,6 +90,13 @@ class LINE_BAND final : public GDALRasterBand {
                                              : GCI_GrayIndex;
   }
 
+  double GetNoDataValue(int* has_value) override {
+    if (has_value != nullptr) {
+      *has_value = numbers_.mask ? TRUE : FALSE;
+    }
+    return Gap();
+  }
+
  protected:
   CPLErr IReadBlock(int, int line, void* target) override {
     const auto width = static_cast<std::size_t>(nBlockXSize);
@@ -59,11 +105,13 @@ class LINE_BAND final : public GDALRasterBand {
     if (raster_.Type() == PIXEL_TYPE::RGB) {
       constexpr int colours = 3;
       GDALCopyWords(pixels + nBand - 1, eDataType, colours, target, eDataType, 1, nBlockXSize);
-    } else if (bytes == BytesPerPixel(raster_.Type())) {
+    } else if (numbers_.KeepAll() && eDataType == ExactLayout(raster_.Type()).first &&
+               bytes == BytesPerPixel(raster_.Type())) {
       std::memcpy(target, pixels, width * static_cast<std::size_t>(bytes));
     } else {
       values_.resize(width);
       raster_.ReadLine(line, 0, values_);
+      ScaleAndMask(line);
       GDALCopyWords(values_.data(), GDT_CFloat64, sizeof values_[0], target, eDataType, bytes,
                     nBlockXSize);
     }
@@ -71,24 +119,46 @@ class LINE_BAND final : public GDALRasterBand {
   }
 
  private:
+  /// What stands in place of pixels without data.
+  double Gap() const noexcept {
+    return GDALDataTypeIsFloating(eDataType) != 0 ? std::numeric_limits<double>::quiet_NaN() : 0.0;
+  }
+
+  void ScaleAndMask(int line) {
+    for (std::complex<double>& value : values_) {
+      value *= numbers_.scale;
+    }
+    if (numbers_.mask) {
+      const std::byte* valid = numbers_.mask->Pixels(line, 0, values_.size());
+      for (std::size_t i = 0; i < values_.size(); ++i) {
+        values_[i] = valid[i] == std::byte{0} ? Gap() : values_[i];
+      }
+    }
+  }
+
   const RASTER_READER& raster_;
+  const COPIED_NUMBERS& numbers_;
   std::vector<std::complex<double>> values_;
 };
 
 class LINE_DATASET final : public GDALDataset {
  public:
-  explicit LINE_DATASET(const RASTER_READER& raster) {
+  LINE_DATASET(const RASTER_READER& raster, const GDAL_COPY_OPTIONS& options)
+      : numbers_(raster, options) {
     constexpr int most = std::numeric_limits<int>::max();
     if (raster.Width() > most || raster.Height() > most) {
       throw std::runtime_error(raster.Path() + " is larger than GDAL can take");
     }
     nRasterXSize = static_cast<int>(raster.Width());
     nRasterYSize = static_cast<int>(raster.Height());
-    const auto [type, bands] = CopyLayout(raster.Type());
+    const auto [type, bands] = CopyLayout(raster, options.type);
     for (int band = 1; band <= bands; ++band) {
-      SetBand(band, std::make_unique<LINE_BAND>(raster, band, type).release());
+      SetBand(band, std::make_unique<LINE_BAND>(raster, numbers_, band, type).release());
     }
   }
+
+ private:
+  COPIED_NUMBERS numbers_;
 };
 
 bool HasExtension(GDALDriver& driver, const std::string& extension) {
@@ -153,12 +223,12 @@ int Report(double part, const char*, void* progress) {
 
 }  // namespace
 
-void WriteGdalCopy(const RASTER_READER& raster, const std::string& path, const std::string& driver,
-                   const std::vector<std::string>& options, const PROGRESS& progress) {
+void WriteGdalCopy(const RASTER_READER& raster, const std::string& path,
+                   const GDAL_COPY_OPTIONS& options, const PROGRESS& progress) {
   GDALAllRegister();
-  GDALDriver& writer = Driver(driver, path);
-  CPLStringList creation_options = CreationOptions(options, writer);
-  LINE_DATASET source(raster);
+  GDALDriver& writer = Driver(options.driver, path);
+  CPLStringList creation_options = CreationOptions(options.creation_options, writer);
+  LINE_DATASET source(raster, options);
   NEW_FILE file(path);
   const GDAL_ERRORS errors;
   constexpr int strict = TRUE;

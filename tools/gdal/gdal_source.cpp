@@ -68,6 +68,10 @@ bool GDAL_SOURCE::IsMadeOf(const std::string& path) const {
   return false;
 }
 
+int GDAL_SOURCE::BandCount() const {
+  return dataset_->GetRasterCount();
+}
+
 bool GDAL_SOURCE::IsComplex(int band) const {
   return GDALDataTypeIsComplex(Band(band).GetRasterDataType()) != 0;
 }
@@ -104,7 +108,7 @@ int GDAL_SOURCE::LinesAtOnce(int band, const GDAL_WINDOW& window) const {
 GDALRasterBand& GDAL_SOURCE::Band(int band) const {
   if (band < 1 || band > dataset_->GetRasterCount()) {
     throw std::runtime_error(path_ + " has no band " + std::to_string(band) + ", it has " +
-                             std::to_string(dataset_->GetRasterCount()));
+                             std::to_string(BandCount()));
   }
   return *dataset_->GetRasterBand(band);
 }

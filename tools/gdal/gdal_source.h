@@ -31,6 +31,7 @@ class GDAL_SOURCE {
   /// Whether writing to this path would change the raster: it names one of its files.
   bool IsMadeOf(const std::string& path) const;
 
+  int BandCount() const;
   bool IsComplex(int band) const;
   /// By its GDAL name, such as "CInt16".
   std::string DataType(int band) const;

@@ -9,7 +9,8 @@ namespace {
 
 [[noreturn]] void Refuse() {
   throw std::runtime_error(
-      "this slctool was built without GDAL, which this command needs (Debian: libgdal-dev)");
+      "this slctool was built without GDAL, which reads and writes files of this kind (Debian: "
+      "libgdal-dev and libhdf5-dev)");
 }
 
 }  // namespace
@@ -25,6 +26,10 @@ GDAL_WINDOW GDAL_SOURCE::Whole() const {
 }
 
 bool GDAL_SOURCE::IsMadeOf(const std::string&) const {
+  Refuse();
+}
+
+int GDAL_SOURCE::BandCount() const {
   Refuse();
 }
 
@@ -52,7 +57,7 @@ int GDAL_SOURCE::LinesAtOnce(int, const GDAL_WINDOW&) const {
   Refuse();
 }
 
-void WriteGdalCopy(const RASTER_READER&, const std::string&, const std::string&,
-                   const std::vector<std::string>&, const PROGRESS&) {
+void WriteGdalCopy(const RASTER_READER&, const std::string&, const GDAL_COPY_OPTIONS&,
+                   const PROGRESS&) {
   Refuse();
 }

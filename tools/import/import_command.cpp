@@ -1,12 +1,16 @@
 #include "import/import_command.h"
 
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "common/new_files.h"
 #include "common/progress_bar.h"
+#include "common/scale_option.h"
 #include "import/raster_import.h"
+#include "pool/parameter_pool_read_write_change.h"
 
 namespace {
 
@@ -25,16 +29,30 @@ PIXEL_TYPE TypeNamed(const std::string& name) {
   return PixelTypeOf(type);
 }
 
-void Import(const IMPORT_OPTIONS& options) {
+void RecordScale(const std::string& path, double scale) {
+  if (!std::filesystem::exists(path)) {
+    WriteWholeFile(path, "# Made by slctool import\n");
+  }
+  PARAMETER_POOL_READ_WRITE_CHANGE pool(path.c_str());
+  pool.Write("pixel_scale", scale);
+  pool.Update();
+}
+
+void Import(const IMPORT_OPTIONS& options, const std::string& pool) {
   PROGRESS_BAR bar;
   const IMPORT_RESULT result = ImportRaster(options, [&bar](double part) { bar.Show(part); });
+  if (!pool.empty()) {
+    RecordScale(pool, result.scale);
+  }
   std::cout << "pixel type: " << DataTypeOf(result.type).Name() << "\n"
-            << "width: " << result.window.width << "\n"
-            << "height: " << result.window.height << "\n"
+            << "width: " << result.width << "\n"
+            << "height: " << result.height << "\n"
+            << "scale: " << result.scale << "\n"
             << "clipped: " << result.counts.clipped << "\n"
             << "rounded: " << result.counts.rounded << "\n"
             << "rounded to zero: " << result.counts.vanished << "\n"
-            << "not a number: " << result.counts.not_a_number << "\n";
+            << "no data: " << result.no_data << "\n"
+            << "not finite: " << result.not_finite << "\n";
 }
 
 }  // namespace
@@ -44,11 +62,27 @@ void AddImportCommand(CLI::App& app) {
   const auto options = std::make_shared<IMPORT_OPTIONS>();
   const auto type = std::make_shared<std::string>();
   const auto window = std::make_shared<std::vector<int>>();
+  const auto pool = std::make_shared<std::string>();
   command->add_option("SRC", options->source, "File or GDAL's name of a raster in it")->required();
   command->add_option("DST", options->target, "Raster file to make")->required();
-  command->add_option("--type", *type, "Pixel type; without it one that holds all values of SRC")
+  command
+      ->add_option("--type", *type,
+                   "Pixel type; without it c_int_16 or c_flt_2 of complex pixels, of real ones the "
+                   "smallest that holds all values")
       ->check(CLI::IsMember(NumberTypeNames()));
-  command->add_option("--scale", options->scale, "Multiply all values by this");
+  AddScaleOption(*command, options->scale);
+  command->add_option("--pool", *pool, "Record the scale in this pool as pixel_scale");
+  command->add_option("--mask-out", options->mask,
+                      "Mask to make: 0 where SRC has no data or no finite number");
+  command->add_flag("--transpose", options->transpose,
+                    "Columns of SRC become lines, for files whose rows are range");
+  const auto flip = std::make_shared<std::vector<std::string>>();
+  command
+      ->add_option("--flip", *flip,
+                   "samples, lines or both: the last one comes first, after transposing")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(CLI::IsMember({"samples", "lines"}));
   command
       ->add_option("--band", options->bands,
                    "Band of SRC; two, as in 1,2, for real and imaginary part")
@@ -58,13 +92,16 @@ void AddImportCommand(CLI::App& app) {
   command->add_option("--window", *window, "Take this part alone: X,Y,WIDTH,HEIGHT")
       ->delimiter(',')
       ->expected(4);
-  command->callback([options, type, window] {
+  command->callback([options, type, window, pool, flip] {
     if (!type->empty()) {
       options->type = TypeNamed(*type);
     }
     if (!window->empty()) {
       options->window = {(*window)[0], (*window)[1], (*window)[2], (*window)[3]};
     }
-    Import(*options);
+    for (const std::string& axis : *flip) {
+      (axis == "lines" ? options->flip_lines : options->flip_samples) = true;
+    }
+    Import(*options, *pool);
   });
 }

@@ -4,6 +4,8 @@
 #include <complex>
 #include <cstdint>
 #include <iomanip>
+#include <limits>
+#include <utility>
 #include <vector>
 
 #include "common/raster_reader.h"
@@ -28,7 +30,30 @@ void WriteHeader(const RASTER_HEADER& header, std::ostream& report) {
   report << "bytes per pixel: " << BytesPerPixel(header.PixelType()) << "\n";
 }
 
+/// The ends of a type's range, which hold what lay beyond; none where values do not end there.
+std::pair<double, double> EndsOf(PIXEL_TYPE type) {
+  constexpr double none = std::numeric_limits<double>::infinity();
+  switch (type) {
+    case PIXEL_TYPE::C_U_INT_8:
+      return {-none, 255.0};
+    case PIXEL_TYPE::INT_16:
+    case PIXEL_TYPE::C_INT_16:
+      return {-32768.0, 32767.0};
+    case PIXEL_TYPE::INT_32:
+      return {-2147483648.0, 2147483647.0};
+    case PIXEL_TYPE::FLT_2:
+    case PIXEL_TYPE::C_FLT_2:
+      return {-65504.0, 65504.0};
+    default:
+      return {-none, none};
+  }
+}
+
 struct RASTER_STATISTICS {
+  explicit RASTER_STATISTICS(PIXEL_TYPE type) : ends(EndsOf(type)) {}
+
+  std::pair<double, double> ends;
+  std::int64_t saturated = 0;
   std::int64_t finite = 0;
   std::int64_t zeros = 0;
   VALUE_STATISTICS real;
@@ -44,6 +69,9 @@ struct RASTER_STATISTICS {
     zeros += value == 0.0 ? 1 : 0;
     real.Add(value.real());
     imaginary.Add(value.imag());
+    for (const double part : {value.real(), value.imag()}) {
+      saturated += part <= ends.first || part >= ends.second ? 1 : 0;
+    }
     const double magnitude = std::abs(value);
     amplitude.Add(magnitude);
     amplitudes.Add(magnitude);
@@ -51,7 +79,7 @@ struct RASTER_STATISTICS {
 };
 
 RASTER_STATISTICS Measure(const RASTER_READER& raster) {
-  RASTER_STATISTICS statistics;
+  RASTER_STATISTICS statistics(raster.Type());
   std::vector<std::complex<double>> values(static_cast<std::size_t>(raster.Width()));
   for (std::int64_t line = 0; line < raster.Height(); ++line) {
     raster.ReadLine(line, 0, values);
@@ -91,6 +119,9 @@ void WriteRasterReport(const std::string& path, std::ostream& report) {
   report << "pixels: " << raster.Width() * raster.Height() << "\n";
   report << "finite: " << statistics.finite << "\n";
   report << "zeros: " << statistics.zeros << "\n";
+  if (std::isfinite(statistics.ends.second)) {
+    report << "saturated: " << statistics.saturated << "\n";
+  }
   if (statistics.finite == 0) {
     return;
   }
