@@ -1,13 +1,17 @@
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <sstream>
+#include <string>
 
 #include "app/parameter_table.h"
 #include "app/program_version.h"
 #include "base/error_exception.h"
 #include "commands/commands.h"
 #include "logging/logging.h"
+#include "logging/printable_text.h"
 
 namespace {
 
@@ -26,12 +30,22 @@ void ForgetParametersInEnvironment() {
   }
 }
 
+/// Line by line, without what would steer the terminal.
+void Tell(const std::string& text) {
+  std::istringstream lines("resample-stack: " + text);
+  for (std::string line; std::getline(lines, line);) {
+    std::cerr << PrintableText(line) << "\n";
+  }
+}
+
 int Run(int argc, char** argv) {
   CLI::App app{"Resamples the slaves of a stack, each by a run of resample."};
   app.set_version_flag("--version", ProgramVersion().version);
   AddStart(app);
-  AddStopCommand(app);
   AddStatusCommand(app);
+  AddRetryCommand(app);
+  AddStopCommand(app);
+  AddCleanCommand(app);
   AddRunCommand(app);
   app.allow_extras();
   try {
@@ -47,13 +61,17 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Who no longer reads the screen must not end the runs; and ends of children are to be told,
+  // whatever this process was started with.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGCHLD, SIG_DFL);
   try {
     ForgetParametersInEnvironment();
     return Run(argc, argv);
   } catch (const ERROR_EXCEPTION& error) {
-    std::cerr << "resample-stack: " << error.what() << "\n";
+    Tell(error.what());
   } catch (const std::exception& error) {
-    std::cerr << "resample-stack: " << error.what() << "\n";
+    Tell(error.what());
   }
   return refused;
 }

@@ -7,7 +7,9 @@
 
 /// The start of a stack, which is what the program does without a subcommand.
 void AddStart(CLI::App& app);
+void AddRetryCommand(CLI::App& app);
 void AddStopCommand(CLI::App& app);
+void AddCleanCommand(CLI::App& app);
 void AddStatusCommand(CLI::App& app);
 /// One slave's run, for the queues.
 void AddRunCommand(CLI::App& app);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "run/stack_folder.h"
+#include "description/stack_folder.h"
 
 /// The directory of a stack that is named by its description or by the directory itself. Throws
 /// STACK_ERROR for an unusable description.

@@ -10,7 +10,7 @@ void AddRunCommand(CLI::App& app) {
   command.group("");  // not for people
   command.add_option("FOLDER", *folder, "Folder of the run")->required();
   command.callback([folder] {
-    if (RunSlave(SLAVE_FOLDER(std::filesystem::canonical(*folder))) != RUN_STATE::SUCCEEDED) {
+    if (RunSlave(SLAVE_FOLDER(std::filesystem::canonical(*folder))) != SLAVE_STATE::SUCCEEDED) {
       throw CLI::RuntimeError(EXIT_FAILURE);
     }
   });

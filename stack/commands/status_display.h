@@ -1,21 +1,22 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "status/stack_status.h"
 
-/// Shows a stack's status again and again on standard output: at a terminal in place, elsewhere
-/// only the first line and only when the numbers of slaves in it have changed.
+/// Shows the status of stacks again and again on standard output: at a terminal in place, elsewhere
+/// only the first line of each and only when the numbers of slaves in it have changed.
 class STATUS_DISPLAY {
  public:
   STATUS_DISPLAY();
 
-  void Show(const STACK_STATUS& status);
+  void Show(const std::vector<STACK_STATUS>& statuses);
   /// The last one, whole.
-  void ShowAtEnd(const STACK_STATUS& status);
+  void ShowAtEnd(const std::vector<STACK_STATUS>& statuses);
 
  private:
-  void ShowInPlace(const std::string& text);
+  void ClearLast();
 
   bool on_terminal_;
   long lines_shown_ = 0;

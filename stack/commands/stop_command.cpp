@@ -3,11 +3,12 @@
 #include <iostream>
 #include <memory>
 
+#include "basics/stack_error.h"
 #include "commands/commands.h"
 #include "commands/find_stack.h"
-#include "description/stack_description.h"
 #include "queue/slurm_queue.h"
-#include "status/stack_status.h"
+#include "run/slave_record.h"
+#include "status/stack_start.h"
 
 namespace {
 

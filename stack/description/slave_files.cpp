@@ -7,6 +7,9 @@
 #include <set>
 #include <utility>
 
+#include "base/same_file.h"
+#include "description/stack_folder.h"
+
 namespace {
 
 using FILE_ID = std::pair<dev_t, ino_t>;
@@ -65,11 +68,12 @@ std::vector<std::string> ValuesOf(const std::map<std::string, std::string>& para
   return values;
 }
 
-std::vector<std::string> ClashingOutputs(const std::vector<STACK_SLAVE>& slaves) {
-  const INPUTS inputs(slaves);
+std::vector<std::string> ClashingOutputs(const STACK_DESCRIPTION& stack) {
+  const INPUTS inputs(stack.slaves);
+  const STACK_FOLDER folder(stack.directory);
   std::map<std::string, std::string> owners;  // of the outputs' paths
   std::vector<std::string> clashes;
-  for (const STACK_SLAVE& slave : slaves) {
+  for (const STACK_SLAVE& slave : stack.slaves) {
     for (const std::string& output : ValuesOf(slave.parameters, {PARAMETER_KIND::OUTPUT})) {
       for (const std::string& path : {output, PartialOutput(output).string()}) {
         const auto [owner, is_new] = owners.emplace(path, slave.name);
@@ -78,6 +82,8 @@ std::vector<std::string> ClashingOutputs(const std::vector<STACK_SLAVE>& slaves)
                             " too");
         } else if (inputs.Has(path)) {
           clashes.push_back(slave.name + ": output " + path + " is an input of the stack");
+        } else if (folder.Owns(path) || IsSameFile(path.c_str(), stack.file.c_str())) {
+          clashes.push_back(slave.name + ": output " + path + " is a file of the stack's own");
         }
       }
     }

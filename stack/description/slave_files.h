@@ -17,5 +17,5 @@ std::vector<std::string> ValuesOf(const std::map<std::string, std::string>& para
                                   std::initializer_list<PARAMETER_KIND> kinds);
 
 /// A line for each output that is, under its final or its partial name, another output or an input
-/// of any of the slaves.
-std::vector<std::string> ClashingOutputs(const std::vector<STACK_SLAVE>& slaves);
+/// of any of the slaves, the description, or a file that the stack itself keeps.
+std::vector<std::string> ClashingOutputs(const STACK_DESCRIPTION& stack);

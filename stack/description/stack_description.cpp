@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "app/parameter_table.h"
+#include "basics/stack_error.h"
 #include "description/slave_files.h"
 
 namespace {
@@ -221,22 +222,25 @@ STACK_DESCRIPTION ReadStackDescription(const std::filesystem::path& file) {
   const JSON description = Parse(file);
   CheckShape(description, file);
   const std::filesystem::path path = std::filesystem::absolute(file);
-  const std::filesystem::path base = path.parent_path();
+  const std::filesystem::path base = std::filesystem::canonical(path.parent_path());
 
   COMPLAINTS complaints;
   RefuseUnknownKeys(description, complaints);
   STACK_DESCRIPTION stack;
+  stack.file = base / path.filename();
+  stack.base = base;
   stack.name = description.value("name", path.stem().string());
   if (!IsPlainName(stack.name)) {
     complaints.Add("a stack's name is made as those of its slaves are: \"" + stack.name + "\"");
   }
-  const auto default_directory = std::filesystem::path(path).replace_extension(".stack").string();
-  stack.directory = (base / description.value("directory", default_directory)).lexically_normal();
+  const auto default_directory = path.filename().replace_extension(".stack").string();
+  stack.directory =
+      std::filesystem::weakly_canonical(base / description.value("directory", default_directory));
   if (!FitsIntoConfigurationFile(stack.directory.string())) {
     complaints.Add("the directory's path is too long or holds blanks: " + stack.directory.string());
   }
   stack.slaves = ReadSlaves(description, base, complaints);
-  for (const std::string& clash : ClashingOutputs(stack.slaves)) {
+  for (const std::string& clash : ClashingOutputs(stack)) {
     complaints.Add(clash);
   }
   complaints.ThrowIfAny(file);

@@ -2,15 +2,8 @@
 
 #include <filesystem>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
-
-/// A stack that cannot be started at all; the text is for its author.
-class STACK_ERROR : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 /// One slave of a stack: the parameters of its run of resample, as a configuration file gives them.
 /// Paths are absolute.
@@ -19,10 +12,13 @@ struct STACK_SLAVE {
   std::map<std::string, std::string> parameters;
 };
 
-/// What a stack description says.
+/// What a stack description says. Its paths are absolute and lead through no links, so that they
+/// are the same whatever path leads to the description.
 struct STACK_DESCRIPTION {
   std::string name;
-  std::filesystem::path directory;  ///< absolute; of all that is kept about the stack's runs
+  std::filesystem::path file;       ///< absolute
+  std::filesystem::path base;       ///< folder of the description, where relative paths begin
+  std::filesystem::path directory;  ///< of all that is kept about the stack's runs
   std::vector<STACK_SLAVE> slaves;
 };
 
@@ -34,5 +30,5 @@ struct STACK_DESCRIPTION {
 ///
 /// Throws STACK_ERROR with a line for everything that is wrong: unknown or missing parameters,
 /// values that a configuration file cannot hold, names given twice, and outputs that would
-/// overwrite an input or the output of another run.
+/// overwrite an input, the output of another run, the description or a file of the stack's own.
 STACK_DESCRIPTION ReadStackDescription(const std::filesystem::path& file);

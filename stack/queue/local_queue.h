@@ -2,9 +2,9 @@
 
 #include <deque>
 
+#include "basics/child_process.h"
+#include "description/stack_folder.h"
 #include "queue/run_queue.h"
-#include "run/child_process.h"
-#include "run/stack_folder.h"
 
 /// Runs on this machine, so many at a time. They end, cancelled, with this process or with the
 /// queue.
@@ -18,14 +18,21 @@ class LOCAL_QUEUE final : public RUN_QUEUE {
         concurrent_(concurrent),
         threads_(threads) {}
 
-  void Submit(const std::vector<std::string>& names) override;
-  /// Also notes who has ended, and lets others begin in their place.
-  ACTIVE_SLAVES Active() override;
-  void CancelWaiting() override { waiting_.clear(); }
+  REFUSED_SLAVES Submit(const std::vector<std::string>& names) override;
+  void Attend() override;
+  ACTIVE_SLAVES Active() const override;
+  QUEUE_END EndOf(const std::string& name) override;
+  std::chrono::seconds Patience() const override { return std::chrono::seconds(0); }
+  void Cancel(const std::vector<std::string>& names) override;
   /// Until one of the runs has ended, or for a second.
   void Wait(SIGNALS& signals) const override { signals.Wait(std::chrono::seconds(1)); }
 
  private:
+  struct RUNNER {
+    PRINTED_TEXT screen;
+    CHILD_PROCESS process;
+  };
+
   void BeginNext();
 
   STACK_FOLDER stack_;
@@ -33,5 +40,6 @@ class LOCAL_QUEUE final : public RUN_QUEUE {
   int concurrent_;
   int threads_;
   std::deque<std::string> waiting_;
-  std::map<std::string, CHILD_PROCESS> running_;
+  std::map<std::string, RUNNER> running_;
+  std::map<std::string, std::string> last_words_;  ///< of runners that have ended
 };

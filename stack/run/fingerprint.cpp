@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/error_exception.h"
+#include "basics/content_hash.h"
 #include "description/slave_files.h"
 #include "pool/pool_contents.h"
 #include "pool/pool_errors.h"
@@ -34,36 +35,20 @@ bool IsWrittenByRuns(std::string_view key, bool has_forced_mapping) {
          (has_forced_mapping && (key == "mapping_format" || key == "MAPPING_FORMAT"));
 }
 
-/// FNV-1a, 64 bits.
-class HASH {
- public:
-  void Add(std::string_view text) {
-    constexpr std::uint64_t prime = 0x100000001b3;
-    for (const char c : text) {
-      value_ = (value_ ^ static_cast<unsigned char>(c)) * prime;
-    }
-  }
-  std::string Text() const { return std::to_string(value_); }
-
- private:
-  std::uint64_t value_ = 0xcbf29ce484222325;
-};
-
 /// Of the entries alone: updates may move blank lines and comments.
 std::string HashOfEntries(const POOL_FILE& file, bool has_forced_mapping) {
   const POOL_LOCK lock(file, POOL_LOCK::KIND::SHARED);
   const std::vector<POOL_LINE> lines = ReadPoolLines(file);
-  HASH hash;
+  std::string text;
   for (const POOL_ENTRY_LINES& entry : PoolEntryLines(lines)) {
     if (IsWrittenByRuns(lines[entry.begin].Key(), has_forced_mapping)) {
       continue;
     }
     for (std::size_t i = entry.begin; i < entry.end; ++i) {
-      hash.Add(lines[i].Text());
-      hash.Add("\n");
+      text.append(lines[i].Text()).append("\n");
     }
   }
-  return hash.Text();
+  return ContentHash(text);
 }
 
 std::string StateOfPool(const std::string& path, bool has_forced_mapping) {
@@ -78,18 +63,46 @@ std::string StateOfPool(const std::string& path, bool has_forced_mapping) {
   }
 }
 
+/// Counted from the base where it lies below.
+std::string PlaceOf(const std::string& path, const std::string& base) {
+  return path.starts_with(base + "/") ? path.substr(base.size() + 1) : path;
+}
+
+std::map<std::string, std::string> ParametersBelow(const SLAVE_PLAN& plan) {
+  std::map<std::string, std::string> parameters = plan.parameters;
+  for (const std::string& name :
+       ParametersOf({PARAMETER_KIND::POOL, PARAMETER_KIND::RASTER, PARAMETER_KIND::OUTPUT})) {
+    if (const auto found = parameters.find(name); found != parameters.end()) {
+      found->second = PlaceOf(found->second, plan.base);
+    }
+  }
+  return parameters;
+}
+
 }  // namespace
 
 std::string Fingerprint(const SLAVE_PLAN& plan) {
   const bool has_forced_mapping = plan.parameters.contains("MAPPING_FORMAT");
   nlohmann::json inputs = nlohmann::json::object();
   for (const std::string& path : ValuesOf(plan.parameters, {PARAMETER_KIND::RASTER})) {
-    inputs[path] = StateOfRaster(path);
+    inputs[PlaceOf(path, plan.base)] = StateOfRaster(path);
   }
   for (const std::string& path : ValuesOf(plan.parameters, {PARAMETER_KIND::POOL})) {
-    inputs[path] = StateOfPool(path, has_forced_mapping);
+    inputs[PlaceOf(path, plan.base)] = StateOfPool(path, has_forced_mapping);
   }
-  const nlohmann::json json = {
-      {"version", plan.version}, {"parameters", plan.parameters}, {"inputs", inputs}};
+  const nlohmann::json json = {{"version", plan.version},
+                               {"build", plan.build},
+                               {"parameters", ParametersBelow(plan)},
+                               {"inputs", inputs}};
   return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string DifferenceOf(const std::string& fingerprint, const std::string& other) {
+  const nlohmann::json changes =
+      nlohmann::json::diff(nlohmann::json::parse(fingerprint), nlohmann::json::parse(other));
+  if (changes.empty()) {
+    return "";
+  }
+  const nlohmann::json::json_pointer place(changes.front().at("path").get<std::string>());
+  return place.back();
 }

@@ -1,11 +1,13 @@
 #include "run/run_log_end.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <string_view>
 
-#include "run/text_file.h"
+#include "basics/text_file.h"
 
 namespace {
 
@@ -21,6 +23,21 @@ std::optional<std::string_view> AlarmText(std::string_view line) {
     return std::nullopt;
   }
   return line.substr(program_end + separator.size());
+}
+
+/// What the system calls the error of a text such as "ENOENT: see: man page of open" or
+/// "MEM_MGR: No such file or directory"; empty for other texts.
+std::string SystemWords(const std::string& text) {
+  constexpr int last_error = 133;
+  for (int error = 1; error <= last_error; ++error) {
+    const char* name = ::strerrorname_np(error);
+    const std::string words = ::strerrordesc_np(error) != nullptr ? ::strerrordesc_np(error) : "";
+    if (name != nullptr &&
+        (text.starts_with(std::string(name) + ": see: ") || text.ends_with(": " + words))) {
+      return words;
+    }
+  }
+  return "";
 }
 
 int NumberAt(const std::string& text, std::size_t begin) {
@@ -47,14 +64,33 @@ std::optional<int> PercentDone(const std::filesystem::path& log) {
   return NumberAt(text, begin);
 }
 
-std::string ReasonOfFailure(const std::filesystem::path& log, const std::filesystem::path& screen) {
-  std::ifstream file(log);
-  for (std::string line; std::getline(file, line);) {
-    if (const auto text = AlarmText(line)) {
-      return std::string(*text);
+std::string ReasonAmong(const std::vector<std::string>& alarms) {
+  if (alarms.empty()) {
+    return "";
+  }
+  const auto names_a_file = [](const std::string& text) {
+    return text.find('/') != std::string::npos;
+  };
+  auto told = std::find_if(alarms.begin(), alarms.end(), names_a_file);
+  told = told == alarms.end() ? alarms.begin() : told;
+  for (const std::string& text : alarms) {
+    const std::string words = SystemWords(text);
+    if (!words.empty() && told->find(words) == std::string::npos) {
+      return names_a_file(*told) ? *told + ": " + words : words;
     }
   }
-  return LastLine(ReadEndOfFile(screen, end_length));
+  return *told;
+}
+
+std::string ReasonOfFailure(const std::filesystem::path& log, const std::filesystem::path& screen) {
+  std::ifstream file(log);
+  std::vector<std::string> alarms;
+  for (std::string line; std::getline(file, line);) {
+    if (const auto text = AlarmText(line)) {
+      alarms.emplace_back(*text);
+    }
+  }
+  return alarms.empty() ? LastLine(ReadEndOfFile(screen, end_length)) : ReasonAmong(alarms);
 }
 
 int SignalInLog(const std::filesystem::path& log) {

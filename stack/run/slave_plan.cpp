@@ -1,10 +1,11 @@
 #include "run/slave_plan.h"
 
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 
+#include "basics/content_hash.h"
+#include "basics/stack_error.h"
+#include "basics/text_file.h"
 #include "description/slave_files.h"
-#include "run/text_file.h"
 
 std::map<std::string, std::string> SLAVE_PLAN::RunParameters() const {
   std::map<std::string, std::string> result = parameters;
@@ -21,32 +22,43 @@ std::vector<std::filesystem::path> SLAVE_PLAN::Outputs() const {
   return {values.begin(), values.end()};
 }
 
+bool SLAVE_PLAN::MakesTheSame(const SLAVE_PLAN& other) const {
+  return version == other.version && build == other.build && parameters == other.parameters;
+}
+
+std::string BuildOf(const std::filesystem::path& program) {
+  const auto content = ReadTextFile(program);
+  return content ? ContentHash(*content) : "absent";
+}
+
 void WriteSlavePlan(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
-  const nlohmann::json json = {{"program", plan.program},
-                               {"version", plan.version},
-                               {"parameters", plan.parameters},
+  const nlohmann::json json = {{"program", plan.program}, {"version", plan.version},
+                               {"build", plan.build},     {"parameters", plan.parameters},
+                               {"base", plan.base},       {"scratch", plan.scratch},
                                {"retries", plan.retries}};
   constexpr int indent = 2;
   ReplaceTextFile(folder.PlanFile(), json.dump(indent) + "\n");
 }
 
 SLAVE_PLAN ReadSlavePlan(const SLAVE_FOLDER& folder) {
-  const auto text = ReadTextFile(folder.PlanFile());
-  if (!text) {
-    throw std::runtime_error("can not read " + folder.PlanFile().string());
+  try {
+    const auto json = nlohmann::json::parse(ReadTextFile(folder.PlanFile()).value_or(""));
+    return {.program = json.at("program"),
+            .version = json.at("version"),
+            .build = json.at("build"),
+            .parameters = json.at("parameters"),
+            .base = json.at("base"),
+            .scratch = json.at("scratch"),
+            .retries = json.at("retries")};
+  } catch (const nlohmann::json::exception&) {
+    throw STACK_ERROR("no complete plan in " + folder.PlanFile().string());
   }
-  const auto json = nlohmann::json::parse(*text);
-  SLAVE_PLAN plan;
-  json.at("program").get_to(plan.program);
-  json.at("version").get_to(plan.version);
-  json.at("parameters").get_to(plan.parameters);
-  json.at("retries").get_to(plan.retries);
-  return plan;
 }
 
-void WriteConfigurationFile(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
+void WriteConfigurationFile(const SLAVE_FOLDER& folder,
+                            const std::map<std::string, std::string>& parameters) {
   std::string text;
-  for (const auto& [name, value] : plan.RunParameters()) {
+  for (const auto& [name, value] : parameters) {
     text.append(name).append(" ").append(value).append("\n");
   }
   ReplaceTextFile(folder.ConfigurationFile(), text);

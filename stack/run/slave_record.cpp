@@ -1,35 +1,37 @@
 #include "run/slave_record.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 
-#include "description/slave_files.h"
+#include "basics/text_file.h"
 #include "run/fingerprint.h"
-#include "run/text_file.h"
 
 namespace {
 
 using JSON = nlohmann::json;
 
 constexpr std::array state_names =
-    std::to_array<std::pair<RUN_STATE, const char*>>({{RUN_STATE::WAITING, "waiting"},
-                                                      {RUN_STATE::RUNNING, "running"},
-                                                      {RUN_STATE::SUCCEEDED, "succeeded"},
-                                                      {RUN_STATE::FAILED, "failed"},
-                                                      {RUN_STATE::DIED, "died"},
-                                                      {RUN_STATE::CANCELLED, "cancelled"},
-                                                      {RUN_STATE::STOPPED, "stopped"}});
+    std::to_array<std::pair<SLAVE_STATE, const char*>>({{SLAVE_STATE::WAITING, "waiting"},
+                                                        {SLAVE_STATE::RUNNING, "running"},
+                                                        {SLAVE_STATE::SUCCEEDED, "succeeded"},
+                                                        {SLAVE_STATE::FAILED, "failed"},
+                                                        {SLAVE_STATE::DIED, "died"},
+                                                        {SLAVE_STATE::CANCELLED, "cancelled"},
+                                                        {SLAVE_STATE::TIMED_OUT, "timeout"},
+                                                        {SLAVE_STATE::STOPPED, "stopped"},
+                                                        {SLAVE_STATE::HELD, "held"}});
 
-RUN_STATE StateNamed(const std::string& name) {
+SLAVE_STATE StateNamed(const std::string& name) {
   for (const auto& [state, its_name] : state_names) {
     if (name == its_name) {
       return state;
     }
   }
-  return RUN_STATE::WAITING;
+  return SLAVE_STATE::WAITING;
 }
 
 /// Throws JSON::exception.
@@ -42,14 +44,23 @@ SLAVE_RECORD RecordOf(const JSON& json) {
     record.attempts.push_back({.begun = attempt.value("begun", 0.0),
                                .ended = attempt.value("ended", 0.0),
                                .host = attempt.value("host", ""),
-                               .how = attempt.value("how", "")});
+                               .task = attempt.value("task", ""),
+                               .log = attempt.value("log", ""),
+                               .how = attempt.value("how", ""),
+                               .died = attempt.value("died", false)});
   }
+  for (const JSON& output : json.value("outputs", JSON::array())) {
+    record.outputs.push_back({.size = output.value("size", std::int64_t{0}),
+                              .time = output.value("time", std::int64_t{0}),
+                              .inode = output.value("inode", std::uint64_t{0})});
+  }
+  record.stack = json.value("stack", "");
   return record;
 }
 
 }  // namespace
 
-std::string NameOf(RUN_STATE state) {
+std::string NameOf(SLAVE_STATE state) {
   for (const auto& [each, name] : state_names) {
     if (each == state) {
       return name;
@@ -76,50 +87,72 @@ JSON AttemptsJson(const std::vector<RUN_ATTEMPT>& attempts) {
     json.push_back({{"begun", attempt.begun},
                     {"ended", attempt.ended},
                     {"host", attempt.host},
-                    {"how", attempt.how}});
+                    {"task", attempt.task},
+                    {"log", attempt.log},
+                    {"how", attempt.how},
+                    {"died", attempt.died}});
   }
   return json;
 }
 
 void WriteSlaveRecord(const SLAVE_FOLDER& folder, const SLAVE_RECORD& record) {
+  JSON outputs = JSON::array();
+  for (const OUTPUT_FILE& output : record.outputs) {
+    outputs.push_back({{"size", output.size}, {"time", output.time}, {"inode", output.inode}});
+  }
   const JSON json = {{"state", NameOf(record.state)},
                      {"reason", record.reason},
                      {"fingerprint", JSON::parse(record.fingerprint)},
-                     {"attempts", AttemptsJson(record.attempts)}};
+                     {"attempts", AttemptsJson(record.attempts)},
+                     {"outputs", outputs},
+                     {"stack", record.stack}};
   constexpr int indent = 2;
   // What a message quotes may hold bytes of any encoding.
   ReplaceTextFile(folder.RecordFile(),
                   json.dump(indent, ' ', false, JSON::error_handler_t::replace) + "\n");
 }
 
-bool IsFinished(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
-  if (!std::filesystem::exists(folder.OkFile()) ||
-      ReadSlaveRecord(folder).fingerprint != Fingerprint(plan)) {
-    return false;
+bool SLAVE_RECORD::MayRetry(const SLAVE_PLAN& plan) const noexcept {
+  return std::count_if(attempts.begin(), attempts.end(), [](const RUN_ATTEMPT& attempt) {
+           return attempt.died || attempt.ended == 0.0;
+         }) <= plan.retries;
+}
+
+OUTPUTS_PLACE PlaceOfOutputs(const STACK_FOLDER& stack, const SLAVE_RECORD& record,
+                             const SLAVE_PLAN& plan) {
+  // Record and outputs are copied together when a stack moves to another file system.
+  return FindOutputs(plan.Outputs(), record.outputs, record.stack != stack.Identity());
+}
+
+namespace {
+
+/// Where the outputs are that belong to the plan and the inputs.
+OUTPUTS_PLACE PlaceOfValidOutputs(const STACK_FOLDER& stack, const SLAVE_FOLDER& folder,
+                                  const SLAVE_PLAN& plan) {
+  const SLAVE_RECORD record = ReadSlaveRecord(folder);
+  const OUTPUTS_PLACE place = PlaceOfOutputs(stack, record, plan);
+  const bool are_valid = place != OUTPUTS_PLACE::GONE && std::filesystem::exists(folder.OkFile()) &&
+                         record.fingerprint == Fingerprint(plan);
+  return are_valid ? place : OUTPUTS_PLACE::GONE;
+}
+
+}  // namespace
+
+bool IsFinished(const STACK_FOLDER& stack, const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
+  return PlaceOfValidOutputs(stack, folder, plan) == OUTPUTS_PLACE::FINAL;
+}
+
+bool CompletePublication(const STACK_FOLDER& stack, const SLAVE_FOLDER& folder,
+                         const SLAVE_PLAN& plan) {
+  const OUTPUTS_PLACE place = PlaceOfValidOutputs(stack, folder, plan);
+  if (place != OUTPUTS_PLACE::PARTIAL) {
+    return place == OUTPUTS_PLACE::FINAL;
   }
   try {
-    PublishOutputs(plan);
+    const SLAVE_RECORD record = ReadSlaveRecord(folder);
+    PublishOutputs(plan.Outputs(), record.outputs, record.stack != stack.Identity());
     return true;
   } catch (const std::filesystem::filesystem_error&) {
     return false;
-  }
-}
-
-void PublishOutputs(const SLAVE_PLAN& plan) {
-  for (const std::filesystem::path& output : plan.Outputs()) {
-    const std::filesystem::path partial = PartialOutput(output);
-    if (std::filesystem::exists(partial) || !std::filesystem::exists(output)) {
-      std::filesystem::rename(partial, output);
-    }
-  }
-}
-
-void RemovePartialOutputs(const SLAVE_FOLDER& folder, const SLAVE_PLAN& plan) {
-  if (std::filesystem::exists(folder.OkFile())) {
-    return;
-  }
-  for (const std::filesystem::path& output : plan.Outputs()) {
-    std::error_code ignored;
-    std::filesystem::remove(PartialOutput(output), ignored);
   }
 }

@@ -1,24 +1,22 @@
 #include "start/preparation.h"
 
-#include <unistd.h>
-
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "app/program_version.h"
+#include "basics/file_lock.h"
+#include "basics/stack_error.h"
 #include "check_run/run_check.h"
 #include "control/controller_ifc.h"
-#include "run/child_process.h"
+#include "run/run_log_end.h"
 #include "run/slave_record.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path DirectoryOfThisProgram() {
-  return fs::read_symlink("/proc/self/exe").parent_path();
-}
 
 /// What a look at one slave's run has found.
 struct SLAVE_FINDINGS {
@@ -51,7 +49,7 @@ SLAVE_FINDINGS CheckSlave(const SLAVE_FOLDER& folder) {
   SLAVE_FINDINGS result;
   if (!findings.Failures().empty()) {
     const FINDINGS::FAILURE& first = findings.Failures().front();
-    result.failure = first.empty() ? "fails" : first.front();
+    result.failure = first.empty() ? "fails" : ReasonAmong(first);
   }
   result.warnings = findings.Warnings();
   if (check.Figures()) {
@@ -60,19 +58,44 @@ SLAVE_FINDINGS CheckSlave(const SLAVE_FOLDER& folder) {
   return result;
 }
 
+SLAVE_PLAN PlanOf(const STACK_DESCRIPTION& stack, const STACK_SLAVE& slave, const WISHES& wishes) {
+  return {.program = wishes.program.path,
+          .version = wishes.program.version,
+          .build = wishes.program.build,
+          .parameters = slave.parameters,
+          .base = stack.base.string(),
+          .scratch = wishes.scratch,
+          .retries = wishes.retries};
+}
+
+/// Runs that are ending, as those of a start that was killed, have a moment for it. Throws
+/// STACK_ERROR when there is still one.
+void AwaitNoRun(const SLAVE_FOLDER& run) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (IsLocked(run.LockFile())) {
+    if (std::chrono::steady_clock::now() > end) {
+      throw STACK_ERROR("a run that the queue does not know is still at work on it");
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+}
+
 class PREPARATION {
  public:
-  PREPARATION(const STACK_DESCRIPTION& stack, const PROGRAM& program, int retries)
-      : folder_(stack.directory), program_(program), retries_(retries) {}
+  PREPARATION(const STACK_DESCRIPTION& stack, const WISHES& wishes)
+      : stack_(stack), folder_(stack.directory), wishes_(wishes) {}
 
-  STACK_WORK Prepare(const std::vector<STACK_SLAVE>& slaves,
-                     const std::map<std::string, QUEUE_STATE>& active) {
+  STACK_WORK Prepare(const std::map<std::string, QUEUE_ENTRY>& active) {
     fs::create_directories(folder_.StatusDirectory());
-    for (const STACK_SLAVE& slave : slaves) {
+    for (const STACK_SLAVE& slave : WantedSlaves(stack_, wishes_.only)) {
       if (active.contains(slave.name)) {
         work_.active.push_back(slave.name);
-      } else {
+        continue;
+      }
+      try {
         Prepare(slave);
+      } catch (const std::exception& error) {
+        work_.troubles[slave.name] = error.what();
       }
     }
     RemarkOnDisks();
@@ -82,12 +105,13 @@ class PREPARATION {
  private:
   void Prepare(const STACK_SLAVE& slave) {
     const SLAVE_FOLDER run = folder_.Run(slave.name);
-    const SLAVE_PLAN plan = {.program = program_.path,
-                             .version = program_.version,
-                             .parameters = slave.parameters,
-                             .retries = retries_};
-    if (IsFinished(run, plan)) {
-      NoteSuccess(run);
+    const SLAVE_PLAN plan = PlanOf(stack_, slave, wishes_);
+    AwaitNoRun(run);
+    if (wishes_.again) {
+      fs::remove(run.OkFile());
+    }
+    if (CompletePublication(folder_, run, plan)) {
+      NoteSuccess(run, plan);
       ++work_.finished;
       return;
     }
@@ -95,17 +119,21 @@ class PREPARATION {
     fs::remove(run.StopFile());
     fs::remove(run.OkFile());
     WriteSlavePlan(run, plan);
-    WriteConfigurationFile(run, plan);
+    WriteConfigurationFile(run, plan.RunParameters());
     Check(run);
   }
 
-  /// Whoever should have noted it may have been killed, or have found no way to its final name.
-  static void NoteSuccess(const SLAVE_FOLDER& run) {
+  /// Whoever should have noted it may have been killed, or have found no way to its final name; and
+  /// a stack that was moved has new paths.
+  void NoteSuccess(const SLAVE_FOLDER& run, const SLAVE_PLAN& plan) const {
     SLAVE_RECORD record = ReadSlaveRecord(run);
-    if (record.state != RUN_STATE::SUCCEEDED) {
-      record.state = RUN_STATE::SUCCEEDED;
+    if (record.state != SLAVE_STATE::SUCCEEDED || record.stack != folder_.Identity()) {
+      record.state = SLAVE_STATE::SUCCEEDED;
       record.reason = "";
+      record.stack = folder_.Identity();
+      record.outputs = StatesOfOutputs(plan.Outputs());
       WriteSlaveRecord(run, record);
+      WriteSlavePlan(run, plan);
     }
   }
 
@@ -116,7 +144,7 @@ class PREPARATION {
       work_.to_run.push_back(run.Name());
       outputs_.insert(outputs_.end(), found.outputs.begin(), found.outputs.end());
     } else {
-      record.state = RUN_STATE::FAILED;
+      record.state = SLAVE_STATE::FAILED;
       record.reason = found.failure;
       CONTROLLER_IFC::WriteStatusFile(run.ErrorFile().string(), EXIT_FAILURE);
       Remark(run, "would fail: " + found.failure);
@@ -141,32 +169,50 @@ class PREPARATION {
     }
   }
 
+  const STACK_DESCRIPTION& stack_;
   STACK_FOLDER folder_;
-  const PROGRAM& program_;
-  int retries_;
+  const WISHES& wishes_;
   STACK_WORK work_;
   std::vector<NEW_FILE> outputs_;
 };
 
 }  // namespace
 
-PROGRAM FindProgram(const std::string& path) {
-  PROGRAM program{path, ""};
-  if (path.empty()) {
-    const fs::path beside = DirectoryOfThisProgram() / "resample";
-    program.path = fs::exists(beside) ? beside.string() : "resample";
-  } else if (path.find('/') != std::string::npos) {
-    program.path = fs::absolute(path).string();
+std::vector<STACK_SLAVE> WantedSlaves(const STACK_DESCRIPTION& stack,
+                                      const std::set<std::string>& only) {
+  std::set<std::string> missing = only;
+  std::vector<STACK_SLAVE> wanted;
+  for (const STACK_SLAVE& slave : stack.slaves) {
+    if (only.empty() || missing.erase(slave.name) != 0) {
+      wanted.push_back(slave);
+    }
   }
-  const COMMAND_RESULT result = RunCommand({program.path, "--version"});
-  if (result.end.exit_status != 0) {
-    throw STACK_ERROR(program.path + " --version: " + result.text);
+  if (!missing.empty()) {
+    throw STACK_ERROR("no slave of the stack has the name " + *missing.begin());
   }
-  program.version = result.text.substr(0, result.text.find('\n'));
-  return program;
+  return wanted;
 }
 
-STACK_WORK PrepareStack(const STACK_DESCRIPTION& stack, const PROGRAM& program, int retries,
-                        const std::map<std::string, QUEUE_STATE>& active) {
-  return PREPARATION(stack, program, retries).Prepare(stack.slaves, active);
+std::vector<std::string> OutdatedSlaves(const STACK_DESCRIPTION& stack, const WISHES& wishes,
+                                        const std::map<std::string, QUEUE_ENTRY>& active) {
+  const STACK_FOLDER folder(stack.directory);
+  std::vector<std::string> outdated;
+  for (const STACK_SLAVE& slave : WantedSlaves(stack, wishes.only)) {
+    if (!active.contains(slave.name)) {
+      continue;
+    }
+    try {
+      if (!ReadSlavePlan(folder.Run(slave.name)).MakesTheSame(PlanOf(stack, slave, wishes))) {
+        outdated.push_back(slave.name);
+      }
+    } catch (const STACK_ERROR&) {
+      outdated.push_back(slave.name);
+    }
+  }
+  return outdated;
+}
+
+STACK_WORK PrepareStack(const STACK_DESCRIPTION& stack, const WISHES& wishes,
+                        const std::map<std::string, QUEUE_ENTRY>& active) {
+  return PREPARATION(stack, wishes).Prepare(active);
 }

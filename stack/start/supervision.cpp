@@ -1,37 +1,91 @@
 #include "start/supervision.h"
 
-#include <filesystem>
-#include <iostream>
+#include <algorithm>
+#include <exception>
 #include <utility>
 
-#include "description/stack_description.h"
-#include "run/slave_record.h"
+#include "basics/stack_error.h"
 
-void SUPERVISION::Accompany(std::set<std::string> names) {
-  while (!names.empty() && signals_.EndAsked() == 0) {
+void SUPERVISION::Accompany(std::set<std::string> names, const REFUSED_SLAVES& refused) {
+  names_ = std::move(names);
+  to_submit_ = refused.names;
+  while (!(names_.empty() && to_submit_.empty()) && signals_.EndAsked() == 0) {
+    queue_.Attend();
     const ACTIVE_SLAVES active = queue_.Active();
     if (active) {
-      std::erase_if(names, [&](const std::string& name) {
-        return !active->contains(name) && HasEnded(name);
-      });
-      if (const auto died = std::exchange(died_, {}); !died.empty()) {
-        SubmitAgain(died);
-      }
+      LookAt(*active);
+      SubmitAgain(active->empty());
     }
-    if (!names.empty()) {
+    if (!(names_.empty() && to_submit_.empty())) {
       ShowNowAndThen(active);
       queue_.Wait(signals_);
     }
   }
 }
 
-void SUPERVISION::SubmitAgain(const std::vector<std::string>& names) {
-  try {
-    queue_.Submit(names);
-  } catch (const STACK_ERROR& error) {
-    // They are still not in the queue next time, which counts as one more death.
-    std::cerr << error.what() << std::endl;
+void SUPERVISION::LookAt(const std::map<std::string, QUEUE_ENTRY>& active) {
+  for (const std::string& name : std::set<std::string>(names_)) {
+    if (active.contains(name)) {
+      lost_.Forget(name);
+    } else {
+      SettleOne(name, [&] { return lost_.Judge(name); });
+    }
   }
+  CancelNotLaunched(active);
+}
+
+void SUPERVISION::SettleOne(const std::string& name,
+                            const std::function<LOST_SLAVES::VERDICT()>& judge) {
+  try {
+    const LOST_SLAVES::VERDICT verdict = judge();
+    if (verdict == LOST_SLAVES::VERDICT::TOO_EARLY) {
+      return;
+    }
+    if (verdict == LOST_SLAVES::VERDICT::AGAIN) {
+      to_submit_.push_back(name);
+    }
+  } catch (const std::exception& error) {
+    troubles_[name] = error.what();
+  }
+  names_.erase(name);
+}
+
+void SUPERVISION::CancelNotLaunched(const std::map<std::string, QUEUE_ENTRY>& active) {
+  std::vector<std::string> names;
+  for (const auto& [name, entry] : active) {
+    if (entry.state == QUEUE_STATE::NOT_LAUNCHED && names_.contains(name)) {
+      names.push_back(name);
+    }
+  }
+  try {
+    queue_.Cancel(names);
+  } catch (const STACK_ERROR&) {
+    return;  // they are still there next time
+  }
+  for (const std::string& name : names) {
+    SettleOne(name, [&] { return lost_.JudgeNotLaunched(name, active.at(name).reason); });
+  }
+}
+
+void SUPERVISION::SubmitAgain(bool is_queue_empty) {
+  const auto now = std::chrono::steady_clock::now();
+  if (to_submit_.empty() || (now < submission_due_ && !is_queue_empty)) {
+    return;
+  }
+  const REFUSED_SLAVES refused = queue_.Submit(to_submit_);
+  for (const std::string& name : std::exchange(to_submit_, refused.names)) {
+    if (std::find(to_submit_.begin(), to_submit_.end(), name) == to_submit_.end()) {
+      names_.insert(name);
+    }
+  }
+  if (is_queue_empty) {
+    for (const std::string& name : std::exchange(to_submit_, {})) {
+      troubles_[name] = refused.reason;
+    }
+  }
+  // A limit of the queue has room again once others have ended.
+  constexpr std::chrono::seconds interval(30);
+  submission_due_ = refused.names.empty() ? now : now + interval;
 }
 
 void SUPERVISION::ShowNowAndThen(const ACTIVE_SLAVES& active) {
@@ -41,32 +95,4 @@ void SUPERVISION::ShowNowAndThen(const ACTIVE_SLAVES& active) {
     shown_ = now;
     show_(active);
   }
-}
-
-bool SUPERVISION::HasEnded(const std::string& name) {
-  const SLAVE_FOLDER run = stack_.Run(name);
-  SLAVE_RECORD record = ReadSlaveRecord(run);
-  if (record.HasEnded()) {
-    return true;
-  }
-  const bool is_stopped = std::filesystem::exists(run.StopFile());
-  if (record.state == RUN_STATE::WAITING) {
-    record.state = is_stopped ? RUN_STATE::STOPPED : RUN_STATE::CANCELLED;
-    record.reason = is_stopped ? "STOP file" : "left the queue before it began";
-  } else if (!is_stopped && MaySubmitAgain(run, record)) {
-    died_.push_back(name);
-    return false;
-  } else {
-    RemovePartialOutputs(run, ReadSlavePlan(run));
-    record.state = RUN_STATE::DIED;
-    record.reason = "its machine, its job or its runner was lost";
-  }
-  WriteSlaveRecord(run, record);
-  return true;
-}
-
-bool SUPERVISION::MaySubmitAgain(const SLAVE_FOLDER& run, const SLAVE_RECORD& record) {
-  const SLAVE_PLAN plan = ReadSlavePlan(run);
-  // A runner that cannot write its record counts no attempts.
-  return record.MayRetry(plan) && submitted_again_[run.Name()]++ < plan.retries;
 }

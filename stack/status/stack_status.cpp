@@ -1,16 +1,12 @@
 #include "status/stack_status.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
-#include "description/stack_description.h"
-#include "run/file_lock.h"
+#include "basics/file_lock.h"
+#include "basics/stack_error.h"
 #include "run/run_log_end.h"
-#include "run/text_file.h"
 
 namespace {
-
-using JSON = nlohmann::json;
 
 /// Counts the slaves of a stack, and how much has been done since its start.
 class COUNTS {
@@ -28,7 +24,7 @@ class COUNTS {
       ++status_.failed;
     } else {
       ++status_.waiting;
-      status_.queued += is_queued && slave.state == RUN_STATE::WAITING;
+      status_.queued += is_queued && slave.IsWaiting();
     }
     for (const RUN_ATTEMPT& attempt : slave.attempts) {
       last_end_ = std::max(last_end_, attempt.ended);
@@ -59,60 +55,94 @@ class COUNTS {
 
 }  // namespace
 
-void WriteStackStart(const STACK_FOLDER& stack, const STACK_START& start) {
-  const JSON json = {{"name", start.name}, {"slaves", start.slaves}, {"begun", start.begun}};
-  ReplaceTextFile(stack.StartFile(), json.dump() + "\n");
-}
-
-STACK_START ReadStackStart(const STACK_FOLDER& stack) {
-  const auto text = ReadTextFile(stack.StartFile());
-  if (!text) {
-    throw STACK_ERROR("the stack was never started: no " + stack.StartFile().string());
-  }
-  const JSON json = JSON::parse(*text);
-  return {.name = json.at("name"), .slaves = json.at("slaves"), .begun = json.at("begun")};
-}
-
-STACK_STATUS STACK_WATCH::Look(const ACTIVE_SLAVES& active) {
+STACK_STATUS STACK_WATCH::Look(const ACTIVE_SLAVES& active, bool has_starter) {
   STACK_STATUS status;
   status.name = start_.name;
+  status.queue_answers = active.has_value();
   COUNTS counts(status, start_.begun);
-  const bool has_starter = IsLocked(stack_.LockFile());
   for (const std::string& name : start_.slaves) {
-    std::optional<QUEUE_STATE> queue;
+    SURROUNDINGS surroundings = {
+        .queue = {}, .queue_answers = active.has_value(), .has_starter = has_starter};
     if (active && active->contains(name)) {
-      queue = active->at(name);
+      surroundings.queue = active->at(name);
     }
-    status.slaves.push_back(LookAt(name, queue));
-    counts.Add(status.slaves.back(), queue || has_starter);
+    status.slaves.push_back(LookAt(name, surroundings));
+    counts.Add(status.slaves.back(), surroundings.queue || has_starter);
+  }
+  for (const std::string& name : since_) {
+    status.slaves.push_back(
+        {.name = name, .reason = "in the description since the last start", .attempts = {}});
+    counts.Add(status.slaves.back(), false);
   }
   counts.EstimateRate();
   return status;
 }
 
-SLAVE_STATUS STACK_WATCH::LookAt(const std::string& name, std::optional<QUEUE_STATE> queue) {
+SLAVE_STATUS STACK_WATCH::LookAt(const std::string& name, const SURROUNDINGS& surroundings) {
   const auto [known, is_new] = known_.try_emplace(name);
-  const SLAVE_FOLDER run = stack_.Run(name);
-  const bool waits_in_queue = queue == QUEUE_STATE::WAITING;
-  bool is_active = queue.has_value();
-  if (is_new || (queue ? !waits_in_queue : !known->second.IsDone())) {
-    is_active = is_active || IsLocked(run.LockFile());
-    // What was active a moment ago may have ended since, and then its record tells it.
-    const SLAVE_RECORD record = ReadSlaveRecord(run);
-    known->second = {.name = name,
-                     .state = record.state,
-                     .reason = record.reason,
-                     .percent = 0,
-                     .attempts = record.attempts};
+  const auto& queue = surroundings.queue;
+  if (is_new || (queue ? queue->IsRunning() : !known->second.IsDone())) {
+    known->second = ReadStatus(name);
   }
   SLAVE_STATUS slave = known->second;
-  if (waits_in_queue) {
-    slave.state = RUN_STATE::WAITING;
-  } else if (slave.IsRunning() && !is_active) {
-    slave.state = RUN_STATE::DIED;
-    slave.reason = "its machine, its job or its runner was lost";
-  } else if (slave.IsRunning()) {
-    slave.percent = PercentDone(run.LogFile()).value_or(0);
+  Correct(slave, surroundings);
+  if (slave.IsRunning()) {
+    slave.percent = PercentDone(stack_.Run(name).LogFile()).value_or(0);
   }
   return slave;
+}
+
+SLAVE_STATUS STACK_WATCH::ReadStatus(const std::string& name) const {
+  const SLAVE_FOLDER run = stack_.Run(name);
+  // What holds the lock now may have ended before the record is read, which tells it then.
+  const bool is_locked = IsLocked(run.LockFile());
+  const SLAVE_RECORD record = ReadSlaveRecord(run);
+  SLAVE_STATUS slave = {.name = name,
+                        .state = record.state,
+                        .reason = record.reason,
+                        .is_at_work = is_locked,
+                        .attempts = record.attempts};
+  if (slave.IsDone() && !HasOutputs(run, record)) {
+    slave.state = SLAVE_STATE::WAITING;
+    slave.reason = "an output is gone, or is another file";
+  }
+  return slave;
+}
+
+bool STACK_WATCH::HasOutputs(const SLAVE_FOLDER& run, const SLAVE_RECORD& record) const {
+  try {
+    return PlaceOfOutputs(stack_, record, ReadSlavePlan(run)) == OUTPUTS_PLACE::FINAL;
+  } catch (const STACK_ERROR&) {
+    return false;
+  }
+}
+
+void STACK_WATCH::Correct(SLAVE_STATUS& slave, const SURROUNDINGS& surroundings) {
+  const auto& queue = surroundings.queue;
+  if (slave.IsDone()) {
+    return;  // whatever the queue still has of it
+  }
+  if (queue && !queue->IsRunning()) {
+    slave.state = queue->state == QUEUE_STATE::WAITING ? SLAVE_STATE::WAITING : SLAVE_STATE::HELD;
+    slave.reason = queue->reason;
+  } else if (queue && slave.IsWaiting()) {
+    slave.state = SLAVE_STATE::RUNNING;
+    slave.reason = queue->reason;
+  } else if (slave.IsRunning() && !queue && !slave.is_at_work) {
+    CorrectLost(slave, surroundings);
+  } else if (slave.IsWaiting() && !queue && slave.reason.empty() && !surroundings.has_starter) {
+    slave.reason = surroundings.queue_answers ? "in no queue" : "the queue does not answer";
+  }
+}
+
+void STACK_WATCH::CorrectLost(SLAVE_STATUS& slave, const SURROUNDINGS& surroundings) {
+  if (!surroundings.queue_answers) {
+    slave.reason = "as it says; the queue does not answer";
+  } else if (surroundings.has_starter) {
+    slave.state = SLAVE_STATE::WAITING;
+    slave.reason = "was lost; its start decides what becomes of it";
+  } else {
+    slave.state = SLAVE_STATE::DIED;
+    slave.reason = "its machine, its job or its runner was lost";
+  }
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -30,7 +31,18 @@ std::string Detail(const SLAVE_STATUS& slave) {
   if (slave.IsRunning()) {
     return std::to_string(slave.percent) + " %  " + LastHost(slave);
   }
-  return slave.IsDone() || slave.state == RUN_STATE::WAITING ? "" : slave.reason;
+  return slave.IsDone() || slave.IsWaiting() ? "" : slave.reason;
+}
+
+/// Of those that wait, how many for which reason.
+std::map<std::string, int> WaitingReasons(const STACK_STATUS& status) {
+  std::map<std::string, int> counts;
+  for (const SLAVE_STATUS& slave : status.slaves) {
+    if (slave.IsWaiting() && !slave.reason.empty()) {
+      ++counts[NameOf(slave.state) + "  " + slave.reason];
+    }
+  }
+  return counts;
 }
 
 JSON ToJson(const SLAVE_STATUS& slave) {
@@ -64,7 +76,10 @@ std::string StatusText(const STACK_STATUS& status) {
   if (status.seconds_left) {
     text << ", " << Duration(*status.seconds_left) << " left";
   }
-  text << "\n";
+  text << (status.queue_answers ? "\n" : "; the queue does not answer\n");
+  for (const auto& [reason, count] : WaitingReasons(status)) {
+    text << "  " << count << " " << PrintableText(reason) << "\n";
+  }
   constexpr int state_width = 9;
   for (const SLAVE_STATUS& slave : status.slaves) {
     if (const std::string detail = Detail(slave); !detail.empty()) {
@@ -81,8 +96,13 @@ JSON StatusJson(const STACK_STATUS& status) {
   for (const SLAVE_STATUS& slave : status.slaves) {
     slaves.push_back(ToJson(slave));
   }
-  JSON json = {{"name", status.name},     {"done", status.done},       {"running", status.running},
-               {"failed", status.failed}, {"waiting", status.waiting}, {"queued", status.queued},
+  JSON json = {{"name", status.name},
+               {"done", status.done},
+               {"running", status.running},
+               {"failed", status.failed},
+               {"waiting", status.waiting},
+               {"queued", status.queued},
+               {"queue_answers", status.queue_answers},
                {"slaves", slaves}};
   if (status.slaves_an_hour) {
     json["slaves_an_hour"] = *status.slaves_an_hour;

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "basics/stack_error.h"
 #include "support/temporary_directory.h"
 
 namespace {

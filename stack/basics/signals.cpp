@@ -1,11 +1,23 @@
-#include "run/signals.h"
+#include "basics/signals.h"
 
 #include <ctime>
 
+namespace {
+
+bool IsIgnored(int signal) noexcept {
+  struct sigaction action {};
+  return ::sigaction(signal, nullptr, &action) == 0 && (action.sa_flags & SA_SIGINFO) == 0 &&
+         action.sa_handler == SIG_IGN;
+}
+
+}  // namespace
+
 SIGNALS::SIGNALS() noexcept {
   ::sigemptyset(&taken_);
-  for (const int signal : {SIGCHLD, SIGINT, SIGTERM, SIGHUP}) {
-    ::sigaddset(&taken_, signal);
+  for (const int signal : {SIGCHLD, SIGINT, SIGTERM, SIGHUP, SIGUSR1}) {
+    if (!IsIgnored(signal)) {
+      ::sigaddset(&taken_, signal);
+    }
   }
   ::sigprocmask(SIG_BLOCK, &taken_, &before_);
 }
@@ -17,22 +29,19 @@ SIGNALS::~SIGNALS() {
 void SIGNALS::Wait(std::chrono::milliseconds time) {
   constexpr long nanoseconds_a_millisecond = 1'000'000;
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
-  const timespec limit = {
+  timespec limit = {
       .tv_sec = static_cast<std::time_t>(seconds.count()),
       .tv_nsec = static_cast<long>((time - seconds).count()) * nanoseconds_a_millisecond};
-  Note(::sigtimedwait(&taken_, nullptr, &limit));
-}
-
-int SIGNALS::EndAsked() {
-  constexpr timespec at_once = {};
-  for (int signal = 0; (signal = ::sigtimedwait(&taken_, nullptr, &at_once)) > 0;) {
+  for (int signal = 0; (signal = ::sigtimedwait(&taken_, nullptr, &limit)) > 0;) {
     Note(signal);
+    limit = {};
   }
-  return end_asked_;
 }
 
 void SIGNALS::Note(int signal) noexcept {
-  if (signal > 0 && signal != SIGCHLD) {
+  if (signal == SIGUSR1) {
+    is_time_short_ = true;
+  } else if (signal != SIGCHLD) {
     end_asked_ = signal;
   }
 }

@@ -15,6 +15,8 @@ class FILE_LOCK {
 
   /// Always, when it was waited for; file systems without locks count as well.
   bool IsHeld() const noexcept { return is_held_; }
+  /// A child that keeps it open holds the lock as well.
+  int Descriptor() const noexcept { return descriptor_; }
 
  private:
   int descriptor_ = -1;

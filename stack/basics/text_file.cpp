@@ -1,4 +1,4 @@
-#include "run/text_file.h"
+#include "basics/text_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

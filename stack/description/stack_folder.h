@@ -19,10 +19,11 @@ class SLAVE_FOLDER {
 
   std::filesystem::path PlanFile() const { return path_ / "plan.json"; }
   std::filesystem::path RecordFile() const { return path_ / "run.json"; }
-  std::filesystem::path ScreenFile() const { return path_ / "screen"; }
   std::filesystem::path LockFile() const { return path_ / "lock"; }
   std::filesystem::path ConfigurationFile() const { return path_ / ("pcf." + name_); }
+  /// Links to log and screen of the last attempt.
   std::filesystem::path LogFile() const { return path_ / ("log." + name_); }
+  std::filesystem::path ScreenFile() const { return path_ / "screen"; }
   std::filesystem::path OkFile() const { return status_ / ("OK." + name_); }
   std::filesystem::path ErrorFile() const { return status_ / ("ERROR." + name_); }
   std::filesystem::path StopFile() const { return status_ / ("STOP." + name_); }
@@ -47,6 +48,18 @@ class STACK_FOLDER {
   std::filesystem::path LockFile() const { return path_ / "lock"; }
   std::filesystem::path StartFile() const { return path_ / "start.json"; }
 
+  /// One word by which queues and records know the stack, whatever path leads to it; a copy of it
+  /// is another one. Empty for a stack that was never started.
+  std::string Identity() const;
+  /// The same, and gives it to a stack that has none. Throws std::system_error.
+  std::string MakeIdentity() const;
+
+  /// Whether the path, absolute and without links, is the stack's own, so that no output may have
+  /// it.
+  bool Owns(const std::filesystem::path& file) const;
+
  private:
+  std::filesystem::path IdentityFile() const { return path_ / "identity"; }
+
   std::filesystem::path path_;
 };

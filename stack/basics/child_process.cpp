@@ -1,4 +1,4 @@
-#include "run/child_process.h"
+#include "basics/child_process.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -31,7 +32,10 @@ std::vector<std::string> EnvironmentOf(const CHILD_SETTINGS& settings) {
   for (char** variable = environ; *variable != nullptr; ++variable) {
     const std::string_view text = *variable;
     const std::string name(text.substr(0, text.find('=')));
-    if (!settings.environment.contains(name)) {
+    const bool is_forgotten =
+        std::any_of(settings.forgotten.begin(), settings.forgotten.end(),
+                    [&name](const std::string& begin) { return name.starts_with(begin); });
+    if (!is_forgotten && !settings.environment.contains(name)) {
       variables.emplace_back(text);
     }
   }
@@ -47,6 +51,10 @@ std::vector<std::string> EnvironmentOf(const CHILD_SETTINGS& settings) {
   sigset_t none;
   ::sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
+  ::signal(SIGPIPE, SIG_DFL);  // which this program ignores
+  for (const int descriptor : settings.kept) {
+    ::fcntl(descriptor, F_SETFD, 0);
+  }
   const int nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
   const bool is_ready = ::prctl(PR_SET_PDEATHSIG, SIGTERM) == 0 && ::getppid() == parent &&
                         (settings.directory.empty() || ::chdir(settings.directory.c_str()) == 0) &&
@@ -61,33 +69,6 @@ std::vector<std::string> EnvironmentOf(const CHILD_SETTINGS& settings) {
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
   ::_exit(CHILD_PROCESS::not_started);
 }
-
-class MEMORY_FILE {
- public:
-  MEMORY_FILE() : descriptor_(::memfd_create("screen", MFD_CLOEXEC)) {
-    if (descriptor_ < 0) {
-      throw std::system_error(errno, std::generic_category(), "memfd_create");
-    }
-  }
-  MEMORY_FILE(const MEMORY_FILE&) = delete;
-  MEMORY_FILE& operator=(const MEMORY_FILE&) = delete;
-  ~MEMORY_FILE() { ::close(descriptor_); }
-
-  int Descriptor() const noexcept { return descriptor_; }
-
-  std::string Text() const {
-    std::string text;
-    std::array<char, 4096> block{};
-    ::lseek(descriptor_, 0, SEEK_SET);
-    for (ssize_t length = 0; (length = ::read(descriptor_, block.data(), block.size())) > 0;) {
-      text.append(block.data(), static_cast<std::size_t>(length));
-    }
-    return text;
-  }
-
- private:
-  int descriptor_;
-};
 
 }  // namespace
 
@@ -146,9 +127,39 @@ std::optional<CHILD_END> CHILD_PROCESS::WaitWith(int options) {
   return end_;
 }
 
-COMMAND_RESULT RunCommand(const std::vector<std::string>& command) {
-  const MEMORY_FILE screen;
-  CHILD_PROCESS child({.command = command, .screen = screen.Descriptor()});
+PRINTED_TEXT::PRINTED_TEXT() : descriptor_(::memfd_create("printed", MFD_CLOEXEC)) {
+  if (descriptor_ < 0) {
+    throw std::system_error(errno, std::generic_category(), "memfd_create");
+  }
+}
+
+PRINTED_TEXT::PRINTED_TEXT(PRINTED_TEXT&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+PRINTED_TEXT::~PRINTED_TEXT() {
+  if (descriptor_ >= 0) {
+    ::close(descriptor_);
+  }
+}
+
+std::string PRINTED_TEXT::Text() const {
+  std::string text;
+  std::array<char, 4096> block{};
+  for (ssize_t length = 0; (length = ::pread(descriptor_, block.data(), block.size(),
+                                             static_cast<off_t>(text.size()))) > 0;) {
+    text.append(block.data(), static_cast<std::size_t>(length));
+  }
+  return text;
+}
+
+COMMAND_RESULT RunCommand(const std::vector<std::string>& command,
+                          const std::vector<std::string>& forgotten,
+                          const std::map<std::string, std::string>& environment) {
+  const PRINTED_TEXT screen;
+  CHILD_PROCESS child({.command = command,
+                       .screen = screen.Descriptor(),
+                       .environment = environment,
+                       .forgotten = forgotten});
   const CHILD_END end = child.Wait();
   return {end, screen.Text()};
 }

@@ -14,6 +14,8 @@ struct CHILD_SETTINGS {
   std::filesystem::path directory{};  ///< empty: that of this process
   int screen = -1;                    ///< descriptor for standard output and error
   std::map<std::string, std::string> environment{};  ///< what is set in it
+  std::vector<std::string> forgotten{};  ///< variables not passed on, by the begins of their names
+  std::vector<int> kept{};               ///< descriptors that it has open, too
 };
 
 /// How a process ended.
@@ -50,11 +52,32 @@ class CHILD_PROCESS {
   std::optional<CHILD_END> end_;
 };
 
+/// What a process prints, kept in memory: it needs no room on any disk.
+class PRINTED_TEXT {
+ public:
+  /// Throws std::system_error when there can be no further one.
+  PRINTED_TEXT();
+  PRINTED_TEXT(PRINTED_TEXT&& other) noexcept;
+  PRINTED_TEXT& operator=(PRINTED_TEXT&&) = delete;
+  PRINTED_TEXT(const PRINTED_TEXT&) = delete;
+  PRINTED_TEXT& operator=(const PRINTED_TEXT&) = delete;
+  ~PRINTED_TEXT();
+
+  int Descriptor() const noexcept { return descriptor_; }
+  std::string Text() const;
+
+ private:
+  int descriptor_;
+};
+
 /// What a command printed on both of its streams, and how it ended.
 struct COMMAND_RESULT {
   CHILD_END end;
   std::string text;
 };
 
-/// Runs a command to its end. Throws std::system_error when there can be no further process.
-COMMAND_RESULT RunCommand(const std::vector<std::string>& command);
+/// Runs a command to its end, without the variables whose names begin so, and with others. Throws
+/// std::system_error when there can be no further process.
+COMMAND_RESULT RunCommand(const std::vector<std::string>& command,
+                          const std::vector<std::string>& forgotten = {},
+                          const std::map<std::string, std::string>& environment = {});

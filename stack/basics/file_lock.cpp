@@ -1,4 +1,4 @@
-#include "run/file_lock.h"
+#include "basics/file_lock.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,0 +1,102 @@
+#include "run/scratch_copies.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fstream>
+
+#include "basics/stack_error.h"
+#include "description/slave_files.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// "$NAME/REST" with the variable's value.
+fs::path Expanded(const std::string& path) {
+  if (!path.starts_with('$')) {
+    return path;
+  }
+  const std::size_t end = std::min(path.find('/'), path.size());
+  const std::string name = path.substr(1, end - 1);
+  const char* value = std::getenv(name.c_str());
+  if (value == nullptr || *value == '\0') {
+    throw STACK_ERROR("no " + name + " in the environment for the scratch folder " + path);
+  }
+  return value + path.substr(end);
+}
+
+fs::path NewFolder(const fs::path& parent, const std::string& name) {
+  std::string folder = (parent / ("resample-stack." + name + ".XXXXXX")).string();
+  if (::mkdtemp(folder.data()) == nullptr) {
+    throw STACK_ERROR("can not create a folder in the scratch folder " + parent.string());
+  }
+  return folder;
+}
+
+/// Forgets what memory holds of a file that is on the disk, so that the disk is read next.
+void DropPages(const fs::path& path) {
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  ::fsync(descriptor);
+  ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_DONTNEED);
+  ::close(descriptor);
+}
+
+bool HaveSameContent(const fs::path& a, const fs::path& b) {
+  std::ifstream file_a(a, std::ios::binary);
+  std::ifstream file_b(b, std::ios::binary);
+  constexpr std::size_t block = 1 << 20;
+  std::vector<char> bytes_a(block);
+  std::vector<char> bytes_b(block);
+  while (file_a && file_b) {
+    file_a.read(bytes_a.data(), block);
+    file_b.read(bytes_b.data(), block);
+    if (file_a.gcount() != file_b.gcount() ||
+        !std::equal(bytes_a.begin(), bytes_a.begin() + file_a.gcount(), bytes_b.begin())) {
+      return false;
+    }
+  }
+  return file_a.eof() && file_b.eof();
+}
+
+}  // namespace
+
+SCRATCH_COPIES::SCRATCH_COPIES(const SLAVE_PLAN& plan, const std::string& name)
+    : folder_(NewFolder(Expanded(plan.scratch), name)), parameters_(plan.RunParameters()) {
+  try {
+    for (const std::string& raster : ParametersOf({PARAMETER_KIND::RASTER})) {
+      if (const auto found = parameters_.find(raster); found != parameters_.end()) {
+        const fs::path copy = folder_ / raster;
+        fs::copy_file(found->second, copy);
+        found->second = copy.string();
+      }
+    }
+  } catch (const fs::filesystem_error&) {
+    fs::remove_all(folder_);
+    throw;
+  }
+  for (const std::string& output : ParametersOf({PARAMETER_KIND::OUTPUT})) {
+    if (const auto found = parameters_.find(output); found != parameters_.end()) {
+      outputs_[folder_ / output] = found->second;
+      found->second = (folder_ / output).string();
+    }
+  }
+}
+
+SCRATCH_COPIES::~SCRATCH_COPIES() {
+  std::error_code ignored;
+  fs::remove_all(folder_, ignored);
+}
+
+void SCRATCH_COPIES::BringOutputsBack() const {
+  for (const auto& [copy, output] : outputs_) {
+    fs::copy_file(copy, output, fs::copy_options::overwrite_existing);
+    DropPages(output);
+    if (!HaveSameContent(copy, output)) {
+      throw STACK_ERROR(output.string() + " does not hold what was written to it");
+    }
+  }
+}
