@@ -236,8 +236,11 @@ STACK_DESCRIPTION ReadStackDescription(const std::filesystem::path& file) {
   const auto default_directory = path.filename().replace_extension(".stack").string();
   stack.directory =
       std::filesystem::weakly_canonical(base / description.value("directory", default_directory));
-  if (!FitsIntoConfigurationFile(stack.directory.string())) {
-    complaints.Add("the directory's path is too long or holds blanks: " + stack.directory.string());
+  // Slurm takes no path literally that has a backslash in it.
+  if (!FitsIntoConfigurationFile(stack.directory.string()) ||
+      stack.directory.string().find('\\') != std::string::npos) {
+    complaints.Add("the directory's path is too long or holds blanks or backslashes: " +
+                   stack.directory.string());
   }
   stack.slaves = ReadSlaves(description, base, complaints);
   for (const std::string& clash : ClashingOutputs(stack)) {

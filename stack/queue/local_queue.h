@@ -25,7 +25,7 @@ class LOCAL_QUEUE final : public RUN_QUEUE {
   std::chrono::seconds Patience() const override { return std::chrono::seconds(0); }
   void Cancel(const std::vector<std::string>& names) override;
   /// Until one of the runs has ended, or for a second.
-  void Wait(SIGNALS& signals) const override { signals.Wait(std::chrono::seconds(1)); }
+  void Wait(SIGNALS& signals) override { signals.Wait(std::chrono::seconds(1)); }
 
  private:
   struct RUNNER {

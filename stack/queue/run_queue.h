@@ -61,5 +61,5 @@ class RUN_QUEUE {
   /// cannot.
   virtual void Cancel(const std::vector<std::string>& names) = 0;
   /// Until it is time to ask for the active ones again.
-  virtual void Wait(SIGNALS& signals) const = 0;
+  virtual void Wait(SIGNALS& signals) = 0;
 };

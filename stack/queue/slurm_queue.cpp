@@ -55,6 +55,15 @@ std::string Quoted(const std::string& text) {
   return quoted + "'";
 }
 
+/// The path in a pattern in which a % begins what Slurm replaces.
+std::string Literal(const std::string& path) {
+  std::string literal;
+  for (const char c : path) {
+    literal += c == '%' ? "%%" : std::string(1, c);
+  }
+  return literal;
+}
+
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream stream(text);
@@ -214,12 +223,12 @@ std::vector<std::string> SLURM_QUEUE::Command(std::size_t tasks, const std::stri
   if (settings_.concurrent > 0) {
     array += "%" + std::to_string(settings_.concurrent);
   }
-  // Of the folder's name sbatch would replace what follows a %, unless it comes from --chdir.
-  for (const std::string& option : {array, "--job-name=" + settings_.job_name,
-                                    "--comment=" + std::string(comment_begin) + stack_.Identity() +
-                                        " " + fs::path(list).filename().string(),
-                                    "--chdir=" + stack_.Path().string(),
-                                    std::string("--output=slurm/%A_%a.out"), list + ".sh"}) {
+  for (const std::string& option :
+       {array, "--job-name=" + settings_.job_name,
+        "--comment=" + std::string(comment_begin) + stack_.Identity() + " " +
+            fs::path(list).filename().string(),
+        "--chdir=" + stack_.Path().string(),
+        "--output=" + Literal(stack_.SlurmDirectory().string()) + "/%A_%a.out", list + ".sh"}) {
     command.push_back(option);
   }
   return command;
@@ -331,10 +340,11 @@ QUEUE_END SLURM_QUEUE::EndOf(const std::string& name) {
   return {.text = report->Text()};
 }
 
-void SLURM_QUEUE::Wait(SIGNALS& signals) const {
+void SLURM_QUEUE::Wait(SIGNALS& signals) {
   signals.Wait(std::chrono::seconds(0));  // takes note of the commands that have ended
-  constexpr std::chrono::seconds interval(3);
-  signals.Wait(interval);
+  signals.Wait(interval_);
+  constexpr std::chrono::milliseconds longest(3000);
+  interval_ = std::min(longest, interval_ * 5 / 4);
 }
 
 void SLURM_QUEUE::Cancel(const std::vector<std::string>& names) {

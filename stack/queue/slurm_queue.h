@@ -32,7 +32,8 @@ class SLURM_QUEUE final : public RUN_QUEUE {
   QUEUE_END EndOf(const std::string& name) override;
   std::chrono::seconds Patience() const override { return std::chrono::seconds(5); }
   void Cancel(const std::vector<std::string>& names) override;
-  void Wait(SIGNALS& signals) const override;
+  /// A little at first, since small stacks are soon done.
+  void Wait(SIGNALS& signals) override;
 
   /// Lets none begin that waits; those that run go on. Throws STACK_ERROR with what scancel says.
   void CancelWaiting() const;
@@ -66,4 +67,5 @@ class SLURM_QUEUE final : public RUN_QUEUE {
   SETTINGS settings_;
   std::string last_job_;
   std::set<std::string> bad_nodes_;
+  std::chrono::milliseconds interval_{500};  ///< between two questions
 };

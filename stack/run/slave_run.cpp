@@ -56,6 +56,8 @@ bool WillComeAgain(int signal) {
   return std::find(signals.begin(), signals.end(), signal) != signals.end();
 }
 
+constexpr const char* put_back = "put back into the queue by Slurm";
+
 class SLAVE_RUN {
  public:
   SLAVE_RUN(const SLAVE_FOLDER& folder, const FILE_LOCK& lock)
@@ -100,8 +102,7 @@ class SLAVE_RUN {
         const bool is_requeued = !task_.empty() && attempt.task == task_;
         attempt.ended = SecondsSince1970();
         attempt.died = !is_requeued;
-        attempt.how =
-            is_requeued ? "put back into the queue by Slurm" : "died with its machine or its job";
+        attempt.how = is_requeued ? put_back : "died with its machine or its job";
       }
     }
   }
@@ -251,10 +252,14 @@ class SLAVE_RUN {
     attempt.how = reason_ = "ended by signal " + std::to_string(signals_.EndAsked());
     End(state, reason_);
     if (const auto report = task_.empty() ? std::nullopt : ReportOfTask(task_)) {
-      state = report->state == "TIMEOUT"     ? SLAVE_STATE::TIMED_OUT
-              : report->state == "CANCELLED" ? SLAVE_STATE::CANCELLED
-                                             : state;
-      attempt.how = reason_ = report->Text();
+      if (report->state == "TIMEOUT") {
+        state = SLAVE_STATE::TIMED_OUT;
+      } else if (report->state == "CANCELLED") {
+        state = SLAVE_STATE::CANCELLED;
+      }
+      const bool is_requeued = report->state == "COMPLETING" || report->state == "PENDING" ||
+                               report->state == "REQUEUED";
+      attempt.how = reason_ = is_requeued ? put_back : report->Text();
     }
     return state;
   }

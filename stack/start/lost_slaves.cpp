@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "basics/file_lock.h"
+
 namespace {
 
 /// How a slave ends that was lost, for good.
@@ -27,6 +29,9 @@ LOST_SLAVES::VERDICT LOST_SLAVES::Judge(const std::string& name) {
     return VERDICT::ENDED;
   }
   const auto now = CLOCK::now();
+  if (IsLocked(run.LockFile())) {
+    return VERDICT::TOO_EARLY;  // its runner is gone, the program not yet
+  }
   if (now - gone_since_.try_emplace(name, now).first->second < queue_.Patience()) {
     return VERDICT::TOO_EARLY;
   }

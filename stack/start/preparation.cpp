@@ -68,6 +68,15 @@ SLAVE_PLAN PlanOf(const STACK_DESCRIPTION& stack, const STACK_SLAVE& slave, cons
           .retries = wishes.retries};
 }
 
+/// Whether the run was prepared for what this plan makes.
+bool IsPreparedFor(const SLAVE_FOLDER& run, const SLAVE_PLAN& plan) {
+  try {
+    return ReadSlavePlan(run).MakesTheSame(plan);
+  } catch (const STACK_ERROR&) {
+    return false;
+  }
+}
+
 /// Runs that are ending, as those of a start that was killed, have a moment for it. Throws
 /// STACK_ERROR when there is still one.
 void AwaitNoRun(const SLAVE_FOLDER& run) {
@@ -127,7 +136,8 @@ class PREPARATION {
   /// a stack that was moved has new paths.
   void NoteSuccess(const SLAVE_FOLDER& run, const SLAVE_PLAN& plan) const {
     SLAVE_RECORD record = ReadSlaveRecord(run);
-    if (record.state != SLAVE_STATE::SUCCEEDED || record.stack != folder_.Identity()) {
+    if (record.state != SLAVE_STATE::SUCCEEDED || record.stack != folder_.Identity() ||
+        !IsPreparedFor(run, plan)) {
       record.state = SLAVE_STATE::SUCCEEDED;
       record.reason = "";
       record.stack = folder_.Identity();
@@ -198,14 +208,8 @@ std::vector<std::string> OutdatedSlaves(const STACK_DESCRIPTION& stack, const WI
   const STACK_FOLDER folder(stack.directory);
   std::vector<std::string> outdated;
   for (const STACK_SLAVE& slave : WantedSlaves(stack, wishes.only)) {
-    if (!active.contains(slave.name)) {
-      continue;
-    }
-    try {
-      if (!ReadSlavePlan(folder.Run(slave.name)).MakesTheSame(PlanOf(stack, slave, wishes))) {
-        outdated.push_back(slave.name);
-      }
-    } catch (const STACK_ERROR&) {
+    if (active.contains(slave.name) &&
+        !IsPreparedFor(folder.Run(slave.name), PlanOf(stack, slave, wishes))) {
       outdated.push_back(slave.name);
     }
   }

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 
 #include <csignal>
 #include <filesystem>
@@ -41,7 +42,7 @@ TEST_F(LocalStack, ComesToItsEndThroughFaultsAndResumptions) {
 
   // What computes when the stop comes goes on.
   Open("s05");
-  const HELD_RUN held = Hold("s05");
+  const STOPPED_RUN held = Hold("s05");
   COMMAND stop(*this, {"stop", Path("stack.json")});
   EXPECT_EQ(stop.Wait(), 0) << stop.end.errors;
   ::kill(held.process, SIGCONT);
@@ -52,7 +53,8 @@ TEST_F(LocalStack, ComesToItsEndThroughFaultsAndResumptions) {
   EXPECT_EQ(InState("failed"), (NAMES{"s03", "s04"}));
   EXPECT_EQ(ReasonOf("s03"),
             "MEM_MGR: file is shorter than its header declares: " + Path("s03.ras").string());
-  EXPECT_EQ(ReasonOf("s04"), "MEM_MGR: can not open: " + Path("s04_mask.ras").string());
+  EXPECT_EQ(ReasonOf("s04"), "MEM_MGR: can not open: " + Path("s04_mask.ras").string() +
+                                 ": No such file or directory");
   EXPECT_EQ(Slave("s01").at("attempts").size(), 2U);
   ExpectOutputs({"s01", "s02", "s05"});
 
@@ -88,6 +90,9 @@ TEST_F(LocalStack, RunsAgainWhatHasChangedAndNothingElse) {
   ChangeParameter("s05", "KERNEL_LENGTH", 6);
   expect_again({"s01", "s02", "s03", "s05"}, "image, output, OK file, parameter; not a comment");
 
+  fs::resize_file(Path("out/s04.ras"), 100);
+  EXPECT_EQ(InState("waiting"), NAMES{"s04"});
+  expect_again({"s04"}, "a truncated output");
   WriteFile(Path("s04.pool"), ReadFile(Path("s04.pool")) + "further INT_32 1\n");
   // A run that succeeded and was killed before its outputs had their names is not repeated.
   fs::rename(Path("out/s01.ras"), Path("out/s01.ras.partial"));
@@ -95,6 +100,120 @@ TEST_F(LocalStack, RunsAgainWhatHasChangedAndNothingElse) {
   WriteFile(Path("insar.pool"), ReadFile(Path("insar.pool")) + "further INT_32 1\n");
   expect_again(names, "common pool");
   ExpectOutputs(names);
+
+  // A program of another content, and the same stack elsewhere.
+  WriteFile(Path("program"), ReadFile(Path("program")) + "# another build\n");
+  expect_again(names, "program");
+  fs::create_directory(Path("elsewhere"));
+  for (const auto& entry : fs::directory_iterator(Path(""))) {
+    if (entry.path().filename() != "elsewhere" && entry.path().filename() != "program") {
+      fs::rename(entry.path(), Path("elsewhere") / entry.path().filename());
+    }
+  }
+  COMMAND moved(*this, {Path("elsewhere/stack.json"), "--program", Path("program"), "--local"});
+  EXPECT_EQ(moved.Wait(), 0) << moved.end.screen << moved.end.errors;
+  EXPECT_NE(moved.end.screen.find("5 are done, 0 are in the queue, 0 are started"),
+            std::string::npos)
+      << moved.end.screen;
+}
+
+TEST_F(LocalStack, LetsNoOtherHandIntoItsOutputs) {
+  MakeStack(2, {"s01"});
+  const auto start = StartHere();
+  ASSERT_TRUE(AwaitBegun(names));
+
+  // Another stack makes other images under the same names.
+  std::string other = ReadFile(Path("stack.json"));
+  other.replace(other.find("{name}_mask.ras"), 0, "");
+  WriteFile(Path("other.json"), other);
+  COMMAND other_start(*this, {Path("other.json"), "--program", Path("program"), "--local"});
+  EXPECT_EQ(other_start.Wait(), 1);
+  EXPECT_NE(other_start.end.screen.find("another run is at work on " +
+                                        Path("out/s01.ras.partial").string()),
+            std::string::npos)
+      << other_start.end.screen;
+
+  // Nobody but a run's own record proves its outputs, and inputs stay what they were.
+  Open(names);
+  const STOPPED_RUN held = Hold("s01");
+  WriteFile(Path("stack.stack/status/OK.s01"), "");
+  ::kill(held.starter, SIGKILL);
+  ::kill(held.process, SIGCONT);
+  ASSERT_TRUE(AwaitBegun({"s01"}, 2));
+  Hold("s01");
+  fs::last_write_time(Path("s01.ras"), fs::file_time_type::clock::now());
+  ::kill(std::stoi(Begun("s01").back().substr(Begun("s01").back().find(' '))), SIGCONT);
+  EXPECT_EQ(start->Wait(), 1);
+  EXPECT_EQ(ReasonOf("s01"), "changed while the run was at work: s01.ras");
+  ExpectOutputs({"s02"});
+  EXPECT_EQ(StartHere()->Wait(), 0);
+  ExpectOutputs(names);
+}
+
+TEST_F(LocalStack, GoesOnWithoutASlaveInTrouble) {
+  MakeStack(4, {});
+  const auto start = StartHere();
+  ASSERT_TRUE(AwaitBegun({"s01", "s02"}));
+  fs::remove_all(Path("stack.stack/runs/s03"));
+  Open("all");
+  EXPECT_EQ(start->Wait(), 1);
+  EXPECT_NE(start->end.errors.find("s03: no complete plan in"), std::string::npos)
+      << start->end.errors;
+  ExpectOutputs({"s01", "s02", "s04"});
+
+  // One alone, then one that is done, once more; and what they have left.
+  EXPECT_EQ(StartHere({"--only", "s03"})->Wait(), 0);
+  EXPECT_EQ(Begun("s03").size(), 1U);
+  COMMAND retry(*this, {"retry", Path("stack.json"), "s04"});
+  EXPECT_EQ(retry.Wait(), 0) << retry.end.errors;
+  EXPECT_EQ(Begun("s04").size(), 2U);
+  ExpectOutputs(names);
+  WriteFile(Path("out/s04.ras.partial"), "left over");
+  COMMAND clean(*this, {"clean", Path("stack.json")});
+  EXPECT_EQ(clean.Wait(), 0) << clean.end.errors;
+  EXPECT_EQ(clean.end.screen, "3 files removed\n") << "an output, log and screen";
+  COMMAND both(*this, {"status", Path("stack.json"), Path("stack.stack"), "--json"});
+  EXPECT_EQ(both.Wait(), 0);
+  EXPECT_EQ(nlohmann::json::parse(both.end.screen).size(), 2U);
+}
+
+TEST_F(LocalStack, ComputesOnScratchDisks) {
+  MakeStack(2, {});
+  Open("all");
+  fs::create_directory(Path("scratch"));
+  EXPECT_EQ(StartHere({"--scratch", Path("scratch").string()})->Wait(), 0);
+  EXPECT_NE(ReadFile(Path("stack.stack/runs/s01/pcf.s01")).find(Path("scratch").string()),
+            std::string::npos);
+  EXPECT_TRUE(fs::is_empty(Path("scratch")));
+  ExpectOutputs(names);
+}
+
+/// With a full disk below the outputs, and what a shell or nohup may have ignored.
+class LocalStackInTrouble : public LocalStack {
+ protected:
+  bool PrepareProcess() const override {
+    std::signal(SIGHUP, SIG_IGN);
+    std::signal(SIGCHLD, SIG_IGN);
+    return true;
+  }
+};
+
+TEST_F(LocalStackInTrouble, OutlivesItsTerminalAndTellsOfAFullDisk) {
+  MakeStack(2, {"s01"});
+  const bool is_full = ::mount("none", Path("out").c_str(), "tmpfs", 0, "size=1m") == 0;
+  const auto start = StartHere();
+  ASSERT_TRUE(AwaitBegun(names));
+  start->Signal(SIGHUP);
+  if (is_full) {
+    WriteFile(Path("out/filler"), std::string(700000, ' '));
+  }
+  Open("all");
+  EXPECT_EQ(start->Wait(), is_full ? 1 : 0) << start->end.screen;
+  EXPECT_EQ(Begun("s01").size(), 1U);
+  if (is_full) {
+    EXPECT_EQ(ReasonOf("s01"), Path("out/s01.ras.partial").string() + ": No space left on device");
+    ::umount(Path("out").c_str());
+  }
 }
 
 TEST_F(LocalStack, EndsItsRunsWithItself) {
@@ -121,14 +240,14 @@ TEST_F(LocalStack, RepeatsNoMoreThanItMay) {
   const auto start = StartHere({"--retries", "2"});
   for (std::size_t attempt = 1; attempt <= 3; ++attempt) {
     ASSERT_TRUE(AwaitBegun({"s01"}, attempt));
-    const HELD_RUN held = Hold("s01");
+    const STOPPED_RUN held = Hold("s01");
     // Once it dies alone, then with its runner.
     ::kill(attempt == 1 ? held.process : held.starter, SIGKILL);
     ::kill(held.process, SIGCONT);
   }
   EXPECT_EQ(start->Wait(), 1);
   EXPECT_EQ(InState("died"), NAMES{"s01"});
-  EXPECT_EQ(ReasonOf("s01"), "its machine, its job or its runner was lost");
+  EXPECT_EQ(ReasonOf("s01"), "its machine or its runner was lost");
   EXPECT_EQ(Slave("s01").at("attempts").at(0).at("how"), "died of signal 9: Killed");
   EXPECT_EQ(Slave("s01").at("attempts").size(), 3U);
   ExpectOutputs({"s02"});
@@ -138,15 +257,17 @@ TEST_F(LocalStack, TellsWhyARunLeftNothing) {
   MakeStack(4, {});
   Open("all");
   fs::create_directory(Path("out/s01.ras"));
-  const std::string script = ReadFile(Path("program"));
+  WriteFile(Path("broken"), "");
   WriteFile(Path("program"),
             "#!/bin/sh\n"
-            "case $2 in\n"
-            "s02) exit 0 ;;\n"
-            "s03) echo 'a library is missing' >&2; exit 127 ;;\n"
-            "s04) exit 3 ;;\n"
-            "esac\n" +
-                script);
+            "[ -e '" +
+                Path("broken").string() +
+                "' ] && case $2 in\n"
+                "s02) exit 0 ;;\n"
+                "s03) echo 'a library is missing' >&2; exit 127 ;;\n"
+                "s04) exit 3 ;;\n"
+                "esac\n" +
+                ReadFile(Path("program")));
   EXPECT_EQ(StartHere()->Wait(), 1);
   EXPECT_EQ(InState("failed"), names);
   EXPECT_NE(ReasonOf("s01").find("Is a directory"), std::string::npos) << ReasonOf("s01");
@@ -157,7 +278,7 @@ TEST_F(LocalStack, TellsWhyARunLeftNothing) {
 
   // What the first one made gets its name once the way is free.
   fs::remove(Path("out/s01.ras"));
-  WriteFile(Path("program"), script);
+  fs::remove(Path("broken"));
   WriteFile(Path("stack.stack/runs/s04/run.json"), "{\"state\": 5}");
   const auto begun = Begun("s01").size();
   const auto start = StartHere();

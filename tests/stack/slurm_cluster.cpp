@@ -3,6 +3,8 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -138,6 +140,13 @@ void KillTree(pid_t root) {
   ::kill(root, SIGKILL);
 }
 
+/// Lets this process and those that come from it see an empty folder there.
+bool Hide(const fs::path& folder) {
+  return ::unshare(CLONE_NEWNS) == 0 &&
+         ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         ::mount("none", folder.c_str(), "tmpfs", 0, nullptr) == 0;
+}
+
 /// Starts a process that kills its parent's tree once the test is gone, however it went. Itself it
 /// goes with its parent.
 bool StartGuard(pid_t test) {
@@ -160,7 +169,8 @@ bool StartGuard(pid_t test) {
 /// made orphans, as those of jobs are, and end with it.
 class SLURM_CLUSTER::DAEMON {
  public:
-  explicit DAEMON(PROCESS_SETTINGS settings) : process_(Prepared(std::move(settings))) {}
+  DAEMON(PROCESS_SETTINGS settings, const fs::path& hidden_folder)
+      : process_(Prepared(std::move(settings), hidden_folder)) {}
   ~DAEMON() { KillTree(process_.Id()); }
   DAEMON(const DAEMON&) = delete;
   DAEMON& operator=(const DAEMON&) = delete;
@@ -169,9 +179,10 @@ class SLURM_CLUSTER::DAEMON {
   void Signal(int number) const { process_.Signal(number); }
 
  private:
-  static PROCESS_SETTINGS Prepared(PROCESS_SETTINGS settings) {
-    settings.prepare = [test = ::getpid()] {
-      return ::prctl(PR_SET_CHILD_SUBREAPER, 1) == 0 && StartGuard(test);
+  static PROCESS_SETTINGS Prepared(PROCESS_SETTINGS settings, const fs::path& hidden_folder) {
+    settings.prepare = [test = ::getpid(), hidden_folder] {
+      return ::prctl(PR_SET_CHILD_SUBREAPER, 1) == 0 && StartGuard(test) &&
+             (hidden_folder.empty() || Hide(hidden_folder));
     };
     return settings;
   }
@@ -189,11 +200,11 @@ std::optional<std::string> SLURM_CLUSTER::MissingProgram() {
   return std::nullopt;
 }
 
-SLURM_CLUSTER::SLURM_CLUSTER(int nodes) {
+SLURM_CLUSTER::SLURM_CLUSTER(const SETTINGS& settings) : settings_(settings) {
   // munged refuses a socket that others could not reach.
   fs::permissions(directory_.Path(), fs::perms::group_exec | fs::perms::others_exec,
                   fs::perm_options::add);
-  WriteConfiguration(nodes);
+  WriteConfiguration();
   StartDaemon(
       key_server_name, key_server_name,
       {"--foreground", "--num-threads=2", "--key-file=" + directory_.File("munge.key"),
@@ -205,9 +216,9 @@ SLURM_CLUSTER::SLURM_CLUSTER(int nodes) {
     const std::string name = "n" + std::to_string(i);
     StartDaemon(name, "slurmd", {"-D", "-N", name});
   }
-  Await("all nodes take jobs", [this, nodes] {
-    const std::vector<std::string> idle =
-        Lines(Command("sinfo", {"--noheader", "--Node", "--states=idle", "--format=%N"}));
+  Await("all nodes take jobs", [this] {
+    const std::vector<std::string> idle = Lines(Command(
+        "sinfo", {"--noheader", "--Node", "--partition=debug", "--states=idle", "--format=%N"}));
     return idle.size() == static_cast<std::size_t>(nodes);
   });
 }
@@ -218,7 +229,7 @@ SLURM_CLUSTER::~SLURM_CLUSTER() {
   }
 }
 
-void SLURM_CLUSTER::WriteConfiguration(int nodes) const {
+void SLURM_CLUSTER::WriteConfiguration() const {
   std::random_device random;
   std::string key(128, '\0');
   std::generate(key.begin(), key.end(), [&random] { return static_cast<char>(random()); });
@@ -259,12 +270,14 @@ void SLURM_CLUSTER::WriteConfiguration(int nodes) const {
        << "SlurmdTimeout=3\n"
        << "SlurmctldTimeout=3\n"
        << "MessageTimeout=5\n"
-       << "MinJobAge=2\n"
+       << "MinJobAge=60\n"
        << "KillWait=2\n"
        << "NodeName=n[1-" << last_node << "] NodeHostname=localhost NodeAddr=127.0.0.1 Port=["
        << port + 1 << "-" << port + nodes << "] CPUs=" << processors_a_node
        << " RealMemory=4000 State=UNKNOWN\n"
-       << "PartitionName=debug Nodes=ALL Default=YES MaxTime=INFINITE State=UP\n";
+       << "PartitionName=debug Nodes=ALL Default=YES MaxTime=INFINITE State=UP\n"
+       << "PartitionName=hidden Nodes=ALL Hidden=YES State=UP\n"
+       << settings_.configuration;
   WriteFile(directory_.Path() / "slurm.conf", text.str());
 }
 
@@ -277,7 +290,8 @@ void SLURM_CLUSTER::StartDaemon(const std::string& name, const std::string& prog
   settings.arguments = arguments;
   settings.environment = Environment();
   settings.directory = folder;
-  daemons_[name] = std::make_unique<DAEMON>(settings);
+  daemons_[name] =
+      std::make_unique<DAEMON>(settings, name == "n2" ? settings_.hidden_folder : fs::path());
 }
 
 std::map<std::string, std::string> SLURM_CLUSTER::Environment() const {

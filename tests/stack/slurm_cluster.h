@@ -14,7 +14,8 @@
 
 /// The batch system Slurm on this machine alone, for one test: munged, slurmctld and a slurmd a
 /// node, on loopback, with keys, sockets, ports, state and logs of their own, run by the current
-/// user. Nodes are called n1, n2, ... and have two processors each.
+/// user. Nodes are called n1 and n2 and have two processors each; the partition "hidden" is shown
+/// to nobody but this user.
 ///
 /// All processes end with it, those of jobs included. When the test has failed, the ends of the
 /// daemons' logs are shown then. Members throw std::runtime_error, with the same ends in it, when
@@ -26,8 +27,15 @@ class SLURM_CLUSTER {
   /// The first program that a cluster needs and this machine lacks.
   static std::optional<std::string> MissingProgram();
 
-  /// Returns when all nodes can take jobs.
-  explicit SLURM_CLUSTER(int nodes);
+  struct SETTINGS {
+    std::string configuration{};  ///< further lines of slurm.conf
+    /// A folder that the second node does not have, as when it is not mounted there; only root can
+    /// hide one.
+    std::filesystem::path hidden_folder{};
+  };
+
+  /// Two nodes. Returns when they can take jobs.
+  explicit SLURM_CLUSTER(const SETTINGS& settings);
   ~SLURM_CLUSTER();
   SLURM_CLUSTER(const SLURM_CLUSTER&) = delete;
   SLURM_CLUSTER& operator=(const SLURM_CLUSTER&) = delete;
@@ -57,7 +65,9 @@ class SLURM_CLUSTER {
  private:
   class DAEMON;
 
-  void WriteConfiguration(int nodes) const;
+  static constexpr int nodes = 2;
+
+  void WriteConfiguration() const;
   void StartDaemon(const std::string& name, const std::string& program,
                    const std::vector<std::string>& arguments);
   PROCESS_END Run(const std::string& name, const std::vector<std::string>& arguments) const;
@@ -66,6 +76,7 @@ class SLURM_CLUSTER {
   [[noreturn]] void Fail(const std::string& what) const;
   std::string LogEnds() const;
 
+  SETTINGS settings_;
   TEMPORARY_DIRECTORY directory_;
   std::map<std::string, std::unique_ptr<DAEMON>> daemons_;
 };

@@ -1,3 +1,4 @@
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -16,11 +17,13 @@ namespace fs = std::filesystem;
 /// A stack on a cluster of two nodes, with two runs at a time on each.
 class SlurmStack : public STACK_TEST {
  protected:
+  virtual SLURM_CLUSTER::SETTINGS Settings() const { return {}; }
+
   void SetUp() override {
     if (const auto missing = SLURM_CLUSTER::MissingProgram()) {
       GTEST_SKIP() << "no " << *missing << " here: install munge, slurmctld, slurmd, slurm-client";
     }
-    cluster.emplace(2);
+    cluster.emplace(Settings());
   }
 
   std::map<std::string, std::string> Environment() const override { return cluster->Environment(); }
@@ -63,7 +66,7 @@ TEST_F(SlurmStack, ComesToItsEndThroughFaultsAndResumptions) {
   Open(NAMES{"s10", "s11", "s13"});
   ASSERT_TRUE(AwaitBegun(Slaves(14, 16)));
   Open("s12");
-  const HELD_RUN held = Hold("s12");
+  const STOPPED_RUN held = Hold("s12");
   COMMAND stop(*this, {"stop", Path("stack.json")});
   EXPECT_EQ(stop.Wait(), 0) << stop.end.screen << stop.end.errors;
   ::kill(held.process, SIGCONT);
@@ -135,7 +138,7 @@ TEST_F(SlurmStack, IsTakenOverFromAStarterThatWasKilled) {
 
   // What Slurm has started dies, and tells nobody.
   Open("s02");
-  const HELD_RUN held = Hold("s02");
+  const STOPPED_RUN held = Hold("s02");
   ::kill(held.starter, SIGKILL);
   ::kill(held.process, SIGCONT);
   Open("all");
@@ -152,13 +155,13 @@ TEST_F(SlurmStack, RepeatsNoMoreThanItMay) {
   Open("all");
   for (std::size_t attempt = 1; attempt <= 2; ++attempt) {
     ASSERT_TRUE(AwaitBegun({"s01"}, attempt));
-    const HELD_RUN held = Hold("s01");
+    const STOPPED_RUN held = Hold("s01");
     const std::vector<std::string> reasons = cluster->Queue("%r");
     EXPECT_EQ(std::count(reasons.begin(), reasons.end(), "JobArrayTaskLimit"), 2);
     ::kill(held.process, SIGKILL);
   }
   // What an operator cancels is not repeated either.
-  const HELD_RUN held = Hold("s02");
+  const STOPPED_RUN held = Hold("s02");
   cluster->Command("scancel", {"--state=RUNNING", "--user=" + std::to_string(::geteuid())});
   ::kill(held.process, SIGCONT);
   EXPECT_EQ(start->Wait(), 1) << start->end.screen << start->end.errors;
@@ -168,6 +171,95 @@ TEST_F(SlurmStack, RepeatsNoMoreThanItMay) {
   ExpectOutputs({"s03"});
   EXPECT_EQ(StartOnCluster()->Wait(), 0);
   ExpectOutputs(names);
+}
+
+/// The stack of a user who does not see the partition of the tasks, with arrays of three at most
+/// and a node that lacks the stack's folder.
+class SlurmStackOfOthers : public SlurmStack {
+ protected:
+  static constexpr unsigned user = 65534;
+
+  SLURM_CLUSTER::SETTINGS Settings() const override {
+    return {.configuration = "MaxArraySize=4\n", .hidden_folder = Path("")};
+  }
+
+  void SetUp() override {
+    if (::geteuid() != 0) {
+      GTEST_SKIP() << "only root can become another user";
+    }
+    SlurmStack::SetUp();
+  }
+
+  std::map<std::string, std::string> Environment() const override {
+    auto environment = SlurmStack::Environment();
+    environment.insert({{"SQUEUE_STATES", "SUSPENDED"}, {"SLURM_JOB_ID", "1"}});
+    return environment;
+  }
+
+  bool PrepareProcess() const override {
+    return ::setgroups(0, nullptr) == 0 && ::setgid(user) == 0 && ::setuid(user) == 0;
+  }
+
+  std::unique_ptr<COMMAND> StartHidden(std::vector<std::string> options = {}) const {
+    options.insert(options.end(), {"--slurm", "--partition=hidden", "--mem=200"});
+    return Start(options);
+  }
+};
+
+TEST_F(SlurmStackOfOthers, IsFoundAgainAndLeavesABadNode) {
+  MakeStack(7, {});
+  GiveTo(user);
+  const auto first = StartHidden({"--no-wait"});
+  EXPECT_EQ(first->Wait(), 0) << first->end.errors;
+  ASSERT_TRUE(WaitUntil([this] { return cluster->Queue("%T").size() <= 5; }));
+
+  // Another path to the same stack, and a slave whose task would make something else.
+  ChangeParameter("s07", "KERNEL_LENGTH", 6);
+  fs::create_directory_symlink(Path(""), Path("link"));
+  COMMAND second(*this, {Path("link/stack.json"), "--program", Path("program"), "--slurm",
+                         "--partition=hidden", "--mem=200"});
+  Open("all");
+  EXPECT_EQ(second.Wait(), 0) << second.end.screen << second.end.errors;
+  for (const std::string& name : names) {
+    const std::vector<std::string> begun = Begun(name);
+    ASSERT_EQ(begun.size(), 1U) << name;
+    EXPECT_TRUE(begun[0].starts_with("n1 ")) << begun[0];
+  }
+  ExpectOutputs(names);
+
+  EXPECT_EQ(StartHidden({"--array=1-2"})->Wait(), 2) << "refused option";
+}
+
+TEST_F(SlurmStack, TellsWhatTheQueueDoesWithIt) {
+  MakeStack(3, {});
+  const auto first = StartOnCluster({"--no-wait", "--concurrent", "1"});
+  ASSERT_EQ(first->Wait(), 0) << first->end.errors;
+  ASSERT_TRUE(AwaitBegun({"s01"}));
+  const std::string job = cluster->Queue("%F").at(0);
+  cluster->Command("scontrol", {"hold", job + "_3"});
+  ASSERT_TRUE(WaitUntil([this] { return InState("held") == NAMES{"s03"}; }));
+  EXPECT_EQ(Slave("s02").value("reason", ""), "JobArrayTaskLimit");
+  EXPECT_EQ(Status().at("queued"), 2);
+  COMMAND watch(*this, {"status", Path("stack.json"), "--watch"});
+
+  cluster->StopController();
+  EXPECT_EQ(InState("running"), NAMES{"s01"});
+  EXPECT_EQ(Status().at("queue_answers"), false);
+  cluster->StartController();
+
+  // What an operator puts back costs no retry, and what he cancels has not died.
+  cluster->Command("scontrol", {"requeue", job + "_1"});
+  Open("s02");
+  ASSERT_TRUE(AwaitBegun({"s01"}, 2));
+  EXPECT_EQ(Slave("s01").at("attempts").at(0).at("died"), false);
+  cluster->Command("scancel", {job + "_1"});
+  ASSERT_TRUE(WaitUntil([this] { return InState("cancelled") == NAMES{"s01"}; }));
+  cluster->Command("scontrol", {"release", job + "_3"});
+  Open("all");
+  EXPECT_EQ(watch.Wait(), 1);
+  EXPECT_EQ(InState("succeeded"), (NAMES{"s02", "s03"}));
+  EXPECT_EQ(InState("cancelled"), NAMES{"s01"});
+  ExpectOutputs({"s02", "s03"});
 }
 
 }  // namespace

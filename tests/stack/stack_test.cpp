@@ -1,5 +1,7 @@
 #include "stack/stack_test.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <csignal>
 #include <fstream>
@@ -26,7 +28,7 @@ NAMES Without(NAMES names, const NAMES& others) {
 
 STACK_TEST::STACK_TEST() {
   for (const char* name : {"begun", "open", "out", "single"}) {
-    fs::create_directory(Path(name));
+    fs::create_directories(Path(name));
   }
   WriteProgram();
 }
@@ -35,9 +37,15 @@ void STACK_TEST::MakeStack(int count, const NAMES& large) {
   SCENE scene = OrdinaryScene();
   scene.n_samples = scene.slave.width;
   scene.n_lines = scene.slave.height;
-  JSON common = WriteSceneFiles(scene, folder_.Path());
+  JSON common = WriteSceneFiles(scene, Path(""));
   for (const char* name : {"SlaveIn", "MaskIn", "SlaveOut", "MaskOut", "log_pp"}) {
     common.erase(name);
+  }
+  // Nothing tells the folder's own place, so that all of it may move.
+  for (auto& [name, value] : common.items()) {
+    if (value.is_string() && value.get<std::string>().starts_with(Path("").string())) {
+      value = value.get<std::string>().substr(Path("").string().size());
+    }
   }
   common["SlaveIn"] = "{name}.ras";
   common["MaskIn"] = "{name}_mask.ras";
@@ -69,6 +77,15 @@ void STACK_TEST::MakeStack(int count, const NAMES& large) {
   WriteFile(Path("stack.json"), description_.dump(2));
 }
 
+void STACK_TEST::GiveTo(unsigned user) const {
+  fs::permissions(folder_.Path(), fs::perms::others_exec, fs::perm_options::add);
+  for (const auto& entry : fs::recursive_directory_iterator(folder_.Path())) {
+    if (::chown(entry.path().c_str(), user, user) != 0) {
+      throw std::runtime_error("can not give away " + entry.path().string());
+    }
+  }
+}
+
 void STACK_TEST::ChangeParameter(const std::string& slave, const std::string& name,
                                  const JSON& value) {
   for (JSON& entry : description_.at("slaves")) {
@@ -86,6 +103,7 @@ PROCESS_SETTINGS STACK_TEST::COMMAND::Settings(const STACK_TEST& stack,
   settings.arguments = std::move(arguments);
   settings.environment = stack.Environment();
   settings.directory = directory_.Path();
+  settings.prepare = [&stack] { return stack.PrepareProcess(); };
   return settings;
 }
 
@@ -165,7 +183,7 @@ testing::AssertionResult STACK_TEST::AwaitOk(const NAMES& some) const {
   return testing::AssertionSuccess();
 }
 
-STACK_TEST::HELD_RUN STACK_TEST::Hold(const std::string& name) const {
+STACK_TEST::STOPPED_RUN STACK_TEST::Hold(const std::string& name) const {
   const fs::path log = Path("stack.stack/runs") / name / ("log." + name);
   if (!WaitUntil([&] {
         return fs::exists(log) && ReadFile(log).find("  - Run\n") != std::string::npos;
@@ -174,7 +192,7 @@ STACK_TEST::HELD_RUN STACK_TEST::Hold(const std::string& name) const {
   }
   std::istringstream line(Begun(name).back());
   std::string node;
-  HELD_RUN held{};
+  STOPPED_RUN held{};
   line >> node >> held.process >> held.starter;
   ::kill(held.process, SIGSTOP);
   return held;
@@ -203,7 +221,7 @@ void STACK_TEST::WriteProgram() const {
             "#!/bin/sh\n"
             "if [ \"$1\" != --version ]; then\n"
             "  cd '" +
-                folder_.Path().string() +
+                Path("").string() +
                 "' || exit\n"
                 "  echo ${SLURMD_NODENAME:-here} $$ $PPID >>begun/$2\n"
                 "  until [ -e open/$2 ] || [ -e open/all ]; do sleep 0.05; done\n"
@@ -211,7 +229,7 @@ void STACK_TEST::WriteProgram() const {
                 "  export RESAMPLE_SIMD=plain\n"
                 "fi\n"
                 "exec '" RESAMPLE_PROGRAM "' \"$@\"\n");
-  fs::permissions(Path("program"), fs::perms::owner_all);
+  fs::permissions(Path("program"), fs::perms(0755));
 }
 
 void STACK_TEST::RunSingle(const std::string& name) const {
@@ -238,6 +256,6 @@ void STACK_TEST::RunSingle(const std::string& name) const {
   settings.program = RESAMPLE_PROGRAM;
   settings.arguments = {"-pid", "single"};
   settings.environment = {{"RESAMPLE_SIMD", "plain"}, {"PARALLEL", "1"}};
-  settings.directory = folder_.Path();
+  settings.directory = Path("");
   EXPECT_EQ(PROCESS(settings).Wait().exit_status, 0) << name;
 }

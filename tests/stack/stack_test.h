@@ -30,12 +30,18 @@ class STACK_TEST : public testing::Test {
 
   /// Where the program finds what it needs besides the stack.
   virtual std::map<std::string, std::string> Environment() const { return {}; }
+  /// What becomes of its process before it starts.
+  virtual bool PrepareProcess() const { return true; }
 
-  std::filesystem::path Path(const std::string& name) const { return folder_.Path() / name; }
+  /// Below a folder of a name that Slurm would expand.
+  std::filesystem::path Path(const std::string& name) const { return folder_.Path() / "%j" / name; }
 
   /// Makes inputs and description of so many slaves; those named have large outputs, which take
   /// more than a second.
   void MakeStack(int count, const NAMES& large);
+
+  /// Gives all that there is to another user, and the way to it to all.
+  void GiveTo(unsigned user) const;
 
   /// Gives a slave of the description another value for a parameter.
   void ChangeParameter(const std::string& slave, const std::string& name,
@@ -82,12 +88,12 @@ class STACK_TEST : public testing::Test {
   testing::AssertionResult AwaitOk(const NAMES& some) const;
 
   /// A run that was stopped by SIGSTOP, and the runner that started it.
-  struct HELD_RUN {
+  struct STOPPED_RUN {
     pid_t process;
     pid_t starter;
   };
   /// Waits until a run with a large output computes, and holds it there.
-  HELD_RUN Hold(const std::string& name) const;
+  STOPPED_RUN Hold(const std::string& name) const;
 
   /// Expects that these slaves and no others have outputs under their final names, that these are
   /// what a single run makes, and that nothing partial is left.
@@ -96,12 +102,12 @@ class STACK_TEST : public testing::Test {
   NAMES names;
 
  private:
-  static constexpr int large_size = 400;
+  static constexpr int large_size = 300;
   /// Sanitizers make runs slow.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   static constexpr int large_kernel = 32;
 #else
-  static constexpr int large_kernel = 80;
+  static constexpr int large_kernel = 64;
 #endif
 
   void WriteProgram() const;
