@@ -116,13 +116,9 @@ class SLAVE_RUN {
 
   /// The program or the input that was there at the start and is not on this machine.
   std::string MissingHere() const {
-    std::vector<std::string> needed = {plan_.program};
-    for (const std::string& path : ValuesOf(plan_.parameters, {PARAMETER_KIND::RASTER})) {
-      needed.push_back(path);
-    }
-    for (const std::string& path : ValuesOf(plan_.parameters, {PARAMETER_KIND::POOL})) {
-      needed.push_back(path);
-    }
+    std::vector<std::string> needed =
+        ValuesOf(plan_.parameters, {PARAMETER_KIND::RASTER, PARAMETER_KIND::POOL});
+    needed.push_back(plan_.program);
     const auto missing = std::find_if(needed.begin(), needed.end(), [](const std::string& path) {
       return ::access(path.c_str(), F_OK) != 0;
     });
