@@ -24,12 +24,6 @@ struct STATUS_OPTIONS {
   bool as_json = false;
 };
 
-/// Slurm's queue is asked where the stack was ever submitted to it.
-ACTIVE_SLAVES ActiveSlaves(const STACK_FOLDER& stack) {
-  return std::filesystem::exists(stack.SlurmDirectory()) ? SLURM_QUEUE(stack, {}).Active()
-                                                         : ACTIVE_SLAVES(std::in_place);
-}
-
 /// Several stacks, looked at together.
 class WATCHED_STACKS {
  public:
@@ -43,7 +37,7 @@ class WATCHED_STACKS {
   std::vector<STACK_STATUS> Look() {
     std::vector<STACK_STATUS> statuses;
     for (auto& [stack, watch] : stacks_) {
-      statuses.push_back(watch.Look(ActiveSlaves(stack), IsLocked(stack.LockFile())));
+      statuses.push_back(watch.Look(SLURM_QUEUE::ActiveOf(stack), IsLocked(stack.LockFile())));
     }
     return statuses;
   }

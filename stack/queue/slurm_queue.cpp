@@ -321,6 +321,11 @@ ACTIVE_SLAVES SLURM_QUEUE::Active() const {
   return active;
 }
 
+ACTIVE_SLAVES SLURM_QUEUE::ActiveOf(const STACK_FOLDER& stack) {
+  return fs::exists(stack.SlurmDirectory()) ? SLURM_QUEUE(stack, {}).Active()
+                                            : ACTIVE_SLAVES(std::in_place);
+}
+
 QUEUE_END SLURM_QUEUE::EndOf(const std::string& name) {
   const auto tasks = LastTasks();
   const auto task = tasks.find(name);

@@ -28,6 +28,8 @@ class SLURM_QUEUE final : public RUN_QUEUE {
   void Attend() override {}
   /// Nothing while the controller does not answer.
   ACTIVE_SLAVES Active() const override;
+  /// The same of a stack, of which nothing is active that was never submitted.
+  static ACTIVE_SLAVES ActiveOf(const STACK_FOLDER& stack);
   /// Asks Slurm. A node on which a task was lost gets none of those that are submitted later.
   QUEUE_END EndOf(const std::string& name) override;
   std::chrono::seconds Patience() const override { return std::chrono::seconds(5); }

@@ -1,5 +1,6 @@
 #include "report/report_command.h"
 
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -7,6 +8,7 @@
 #include "common/new_files.h"
 #include "logging/logging.h"
 #include "report/report_page.h"
+#include "report/stack_page.h"
 
 namespace {
 
@@ -16,6 +18,14 @@ struct REPORT_OPTIONS {
   std::string master;
   std::string page;
 };
+
+void WriteStackPage(const REPORT_OPTIONS& options) {
+  const std::string path = options.page.empty()
+                               ? (std::filesystem::path(options.directory) / "report.html").string()
+                               : options.page;
+  WriteWholeFile(path, MakeStackPage(options.directory));
+  std::cout << path << "\n";
+}
 
 void WriteReport(const REPORT_OPTIONS& options) {
   // A raster that is missing is told on the page.
@@ -29,9 +39,12 @@ void WriteReport(const REPORT_OPTIONS& options) {
 }  // namespace
 
 void AddReportCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("report", "Make an HTML page of how a run went");
+  CLI::App& command =
+      *app.add_subcommand("report", "Make an HTML page of how a run, or a stack, went");
   const auto options = std::make_shared<REPORT_OPTIONS>();
-  command.add_option("directory", options->directory, "Directory that the run was started in")
+  command
+      .add_option("directory", options->directory,
+                  "Directory that the run was started in, or a stack's directory")
       ->required()
       ->check(CLI::ExistingDirectory);
   command.add_option("--master", options->master,
@@ -39,5 +52,7 @@ void AddReportCommand(CLI::App& app) {
   command.add_option("--log", options->log,
                      "Log file in the directory; usually log.resample or the only log.*");
   command.add_option("--out", options->page, "Page to write; usually report.html in the directory");
-  command.callback([options] { WriteReport(*options); });
+  command.callback([options] {
+    IsStackDirectory(options->directory) ? WriteStackPage(*options) : WriteReport(*options);
+  });
 }

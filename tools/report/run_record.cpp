@@ -6,6 +6,9 @@
 #include <stdexcept>
 #include <vector>
 
+#include "description/stack_folder.h"
+#include "run/slave_plan.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -16,8 +19,12 @@ fs::path FindLog(const fs::path& directory, const std::string& log_name) {
   if (!log_name.empty()) {
     return directory / log_name;
   }
-  if (fs::path usual = directory / "log.resample"; fs::exists(usual)) {
-    return usual;
+  // The run of a stack's slave has a log for each attempt, and a link to the last one.
+  const std::string slave = fs::canonical(directory).filename().string();
+  for (const std::string& name : {std::string("resample"), slave}) {
+    if (fs::path usual = directory / std::string(log_begin).append(name); fs::exists(usual)) {
+      return usual;
+    }
   }
   std::vector<fs::path> logs;
   for (const auto& entry : fs::directory_iterator(directory)) {
@@ -35,6 +42,13 @@ fs::path FindLog(const fs::path& directory, const std::string& log_name) {
 std::string NameOf(const fs::path& log) {
   const std::string name = log.filename().string();
   return name.starts_with(log_begin) ? name.substr(log_begin.size()) : "resample";
+}
+
+/// Of a stack's slave, whose run wrote under another name.
+std::optional<std::string> FinalOutput(const SLAVE_FOLDER& slave, std::string_view parameter) {
+  const SLAVE_PLAN plan = ReadSlavePlan(slave);
+  const auto output = plan.parameters.find(std::string(parameter));
+  return output == plan.parameters.end() ? std::nullopt : std::optional(output->second);
 }
 
 }  // namespace
@@ -67,7 +81,11 @@ std::optional<std::string> RUN_RECORD::File(std::string_view parameter) const {
 }
 
 std::optional<std::string> RUN_RECORD::Output(std::string_view parameter) const {
-  return log_.Has("* Setup SLC parameters") ? File(parameter) : std::nullopt;
+  if (!log_.Has("* Setup SLC parameters")) {
+    return std::nullopt;
+  }
+  const SLAVE_FOLDER slave(fs::canonical(directory_));
+  return fs::exists(slave.PlanFile()) ? FinalOutput(slave, parameter) : File(parameter);
 }
 
 std::optional<double> RUN_RECORD::Seconds() const {
