@@ -1,13 +1,18 @@
 #include <hdf5.h>
 
 #include <array>
+#include <cmath>
 #include <filesystem>
+#include <numbers>
 
 #include "common/binary16.h"
 #include "export/export_command.h"
 #include "pool/parameter_pool.h"
+#include "pools/pool_setting.h"
 #include "product/product_command.h"
 #include "product/slc_product.h"
+#include "scene/periodic_signal.h"
+#include "scene/random.h"
 #include "tools/command_test.h"
 
 namespace {
@@ -80,21 +85,62 @@ constexpr const char* annotation = R"(<?xml version="1.0"?>
 
 class SAFE_TEST : public PRODUCT_TEST {
  protected:
+  double LowestCoherence(const RASTER_READER& expected) const;
+
   /// A product whose pixel at a line and sample of the TIFF is (100 line + sample, -1).
   void MakeSafe(const std::string& text, int lines = 8) const {
+    MakeSafe(text, 6, lines, [](int sample, int line) { return VALUE(100 * line + sample, -1); });
+  }
+
+  template <class PIXEL>
+  void MakeSafe(const std::string& text, int samples, int lines, const PIXEL& pixel) const {
     const std::string folder = Path("a.SAFE");
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder + "/annotation/calibration");
     std::filesystem::create_directories(folder + "/measurement");
     WriteFile(folder + "/manifest.safe", "");
     WriteFile(folder + "/annotation/swath.xml", text);
-    Complex(
-        "slc.ras", 6, lines, [](int sample, int line) { return VALUE(100 * line + sample, -1); },
-        PIXEL_TYPE::C_INT_16);
+    Complex("slc.ras", samples, lines, pixel, PIXEL_TYPE::C_INT_16);
     Run(AddExportCommand,
         "export " + Path("slc.ras") + " " + folder + "/measurement/swath.tiff --driver GTiff");
   }
 };
+
+/// Resamples the pair, and compares each line that has pixels of mask 1 with the expected one.
+double SAFE_TEST::LowestCoherence(const RASTER_READER& expected) const {
+  Shell("cd " + Path("pair") +
+        " && " RESAMPLE_PROGRAM
+        " -INSAR_PARAMETER_POOL insar.pool -log_pp insar.pool -SLAVE_PARAMETER_POOL slave.pool"
+        " -SlaveIn slave.ras -MaskIn slave_mask.ras -MAPPING_FORMAT polynomial"
+        " -KERNEL_TYPE truncated_sinc_kaiser_weight -KERNEL_COEFFICIENT 2.5 -KERNEL_LENGTH 16"
+        " -KERNEL_SUBPIX_POS 4096 -SlaveOut out.ras -MaskOut out_mask.ras");
+  const RASTER_READER output(Path("pair/out.ras"));
+  const RASTER_READER mask(Path("pair/out_mask.ras"));
+  const auto width = static_cast<std::size_t>(output.Width());
+  std::vector<VALUE> a(width);
+  std::vector<VALUE> b(width);
+  std::vector<VALUE> valid(width);
+  double lowest = 1.0;
+  int compared = 0;
+  for (std::int64_t line = 0; line < output.Height(); ++line) {
+    output.ReadLine(line, 0, a);
+    expected.ReadLine(line, 0, b);
+    mask.ReadLine(line, 0, valid);
+    VALUE product = 0.0;
+    double powers[2] = {0.0, 0.0};
+    for (std::size_t i = 0; i < width; ++i) {
+      product += valid[i] * a[i] * std::conj(b[i]);
+      powers[0] += valid[i].real() * std::norm(a[i]);
+      powers[1] += valid[i].real() * std::norm(b[i]);
+    }
+    if (powers[0] > 0.0) {
+      lowest = std::min(lowest, std::abs(product) / std::sqrt(powers[0] * powers[1]));
+      ++compared;
+    }
+  }
+  EXPECT_GT(compared, output.Height() - 20);
+  return lowest;
+}
 
 TEST_F(SAFE_TEST, ABurstIsCutMaskedAndTimedInOneEpoch) {
   MakeSafe(annotation);
@@ -133,24 +179,110 @@ TEST_F(SAFE_TEST, ABurstIsCutMaskedAndTimedInOneEpoch) {
   EXPECT_EQ(NumberIn(Path("pair/slave.pool"), "prf"), 500.0);
 }
 
+/// The centroid of the second burst by the annotation, and the phase that it makes of a target.
+struct SWEEP {
+  double seconds_after_midnight;  ///< of the burst's middle line
+  int middle_line;
+
+  double Rate(double tau) const {
+    const double velocity = 7000.0 + 600.0 * (60.0 + seconds_after_midnight) / 120.0;
+    const double k_s = 2.0 * velocity * 5.405e9 * 0.98 * std::numbers::pi / 180.0 / 299792458.0;
+    const double k_a = -2200.0 + 4e5 * tau;
+    return k_a * k_s / (k_a - k_s);
+  }
+  double DataCentroid(double tau) const { return 20.0 + 1e6 * tau; }
+  double ReferenceTime(double tau) const {
+    return -DataCentroid(tau) / (-2200.0 + 4e5 * tau) + 20.0 / -2200.0;
+  }
+  double Centroid(double line, double sample) const {
+    const double tau = sample / 6.4e7;
+    const double eta = (line - middle_line) * 0.002;
+    return DataCentroid(tau) + Rate(tau) * (eta - ReferenceTime(tau));
+  }
+  std::complex<double> Phasor(double line, double sample) const {
+    const double tau = sample / 6.4e7;
+    const double eta = (line - middle_line) * 0.002;
+    return std::polar(1.0, 2.0 * std::numbers::pi *
+                               (DataCentroid(tau) * eta +
+                                Rate(tau) * (0.5 * eta * eta - eta * ReferenceTime(tau))));
+  }
+};
+
 TEST_F(SAFE_TEST, TheSweepComesFromTheNearestEstimateAndTheOrbit) {
   MakeSafe(annotation);
   const auto product = OpenProduct(Path("a.SAFE"));
   const SLC_IMAGE image = product->Describe({"IW2", 2, "VV"});
-  const double middle = 0.5 + 2 * 0.002;  // after midnight
-  const double k_s = 2.0 * (7000.0 + 600.0 * (60.0 + middle) / 120.0) * 5.405e9 * 0.98 *
-                     3.14159265358979 / 180.0 / 299792458.0;
+  const SWEEP sweep = {0.5 + 2 * 0.002, 2};
   for (int line = 0; line < 4; ++line) {
     for (int sample = 0; sample < 6; ++sample) {
-      const double tau = sample / 6.4e7;
-      const double f_dc = 20.0 + 1e6 * tau;
-      const double k_a = -2200.0 + 4e5 * tau;
-      const double k_t = k_a * k_s / (k_a - k_s);
-      const double eta = (line - 2) * 0.002;
-      const double expected = f_dc + k_t * (eta - (-f_dc / k_a + 20.0 / -2200.0));
-      EXPECT_NEAR(image.centroid.At(line * 0.002, 5.6e-3 + tau), expected, 1e-6);
+      EXPECT_NEAR(image.centroid.At(line * 0.002, 5.6e-3 + sample / 6.4e7),
+                  sweep.Centroid(line, sample), 1e-6);
     }
   }
+}
+
+TEST_F(SAFE_TEST, ASyntheticBurstIsResampledWithoutLossOnEveryLine) {
+  constexpr int size = 1024;
+  constexpr int width = 96;
+  constexpr double range_shift = -0.61;
+  constexpr double azimuth_shift = 0.37;
+  std::string all_first;
+  std::string all_last;
+  for (int line = 0; line < size; ++line) {
+    all_first += "0 ";
+    all_last += "95 ";
+  }
+  std::string text = annotation;
+  for (const auto& [from, to] : std::initializer_list<std::pair<std::string, std::string>>{
+           {"-1 0 0 -1", all_first},
+           {"-1 5 5 -1", all_last},
+           {"-1 1 2 -1", all_first},
+           {"-1 4 9 -1", all_last},
+           {">4</linesPerBurst>", ">1024</linesPerBurst>"},
+           {"samplesPerBurst>6", "samplesPerBurst>96"},
+           {"numberOfSamples>6", "numberOfSamples>96"},
+           {"numberOfLines>8", "numberOfLines>2048"}}) {
+    text = Replaced(text, from, to);
+  }
+  PERIODIC_SIGNAL::PIXELS speckle;
+  for (std::uint64_t i = 0; i < std::uint64_t{size} * size; ++i) {
+    speckle.push_back(3000.0 * RandomSpeckle(1, i));
+  }
+  const PERIODIC_SIGNAL signal(size, 0.65, {speckle, speckle});
+  const SWEEP sweep = {0.5 + 0.002 * size / 2, size / 2};
+  EXPECT_LT(sweep.Centroid(0, 0), -2.0 * 500.0) << "many PRF at the ends";
+  const auto slave = [&](int sample, int line) {
+    return line < size ? VALUE(0.0)
+                       : signal.AtPixel(line - size, sample)[0] * sweep.Phasor(line - size, sample);
+  };
+  const auto master = [&](int sample, int line) {
+    const double x = sample + range_shift;
+    const double y = line + azimuth_shift;
+    return signal.At(y, x)[0] * sweep.Phasor(y, x);
+  };
+  MakeSafe(text, width, 2 * size, slave);
+  const RASTER_READER expected = Complex("expected.ras", width, size, master);
+  for (const char* role : {"master", "slave"}) {
+    Product(Path("a.SAFE") + " " + Path("pair") + " --burst 2 --as " + role);
+  }
+  const std::string pool = Path("pair/insar.pool");
+  SetPoolEntry(pool, "mapping_format", "STR", {"polynomial"}, 0);
+  SetPoolEntry(pool, "respl_poly_rg", "FLT_15_V", {"-0.61", "0", "0", "0", "0", "0"}, 0);
+  SetPoolEntry(pool, "respl_poly_az", "FLT_15_V", {"0.37", "0", "0", "0", "0", "0"}, 0);
+
+  EXPECT_GT(LowestCoherence(expected), 0.999);
+  // The sweep the other way round.
+  MATRIX<double> coefficients;
+  PARAMETER_POOL(Path("pair/slave.pool").c_str()).Read("fdc_poly_coeff", coefficients);
+  std::vector<std::string> negative;
+  for (int row = 0; row < 2; ++row) {
+    for (int column = 0; column < coefficients.Columns().Count(); ++column) {
+      negative.push_back(std::to_string(-coefficients.At(row, column)));
+    }
+  }
+  SetPoolEntry(Path("pair/slave.pool"), "fdc_poly_coeff", "FLT_15_M", negative,
+               coefficients.Columns().Count());
+  EXPECT_LT(LowestCoherence(expected), 0.5);
 }
 
 TEST_F(SAFE_TEST, AStripmapIsOneImageWithTheCentroidOfItsEstimates) {
@@ -364,6 +496,8 @@ TEST_F(RSLC_TEST, WhatIsMissingOrWrongIsNamedAndNothingIsWritten) {
     MakeRslc(name);
     ExpectRefusal(Path("a.h5") + " --polarisation HV", std::string(name) + " is missing");
   }
+  MakeRslc("", "2020-03-01");
+  ExpectRefusal(Path("a.h5") + " --polarisation HV", "dopplerCentroid lies elsewhere");
   MakeRslc("", "once");
   ExpectRefusal(Path("a.h5") + " --polarisation HV", "not seconds since a date");
 }

@@ -33,7 +33,7 @@ Eigen::MatrixXd ColumnsOf(const CENTROID_TABLE& table) {
 }  // namespace
 
 CENTROID_POLYNOMIALS FitCentroid(const CENTROID_TABLE& table, double tolerance) {
-  constexpr Eigen::Index highest_degree = 10;
+  constexpr Eigen::Index highest_degree = 15;
   const double length = table.range_times.back() - table.range_times.front();
   const double half_length = length > 0.0 ? 0.5 * length : 1.0;
   const double centre = table.range_times.front() + 0.5 * length;

@@ -13,5 +13,5 @@ struct CENTROID_TABLE {
 };
 
 /// Fits a polynomial in range time to every row by least squares, all of the lowest degree with
-/// which none departs from the table by more than `tolerance` [Hz], or of the best degree up to 10.
+/// which none departs from the table by more than `tolerance` [Hz], or of the best degree up to 15.
 CENTROID_POLYNOMIALS FitCentroid(const CENTROID_TABLE& table, double tolerance);

@@ -123,6 +123,9 @@ void PrintResult(const PRODUCT_FILES_RESULT& result) {
             << "pixels that were no number: " << result.not_finite << "\n"
             << "valid share: " << static_cast<double>(result.valid) / n_pixels << "\n"
             << "azimuth times count from: " << result.epoch << " UTC\n";
+  if (result.image.centroid.departure > 0.01 * result.image.line_rate) {
+    std::cerr << "slctool: warning: polynomials do not follow the product's centroid well\n";
+  }
   if (result.valid == 0) {
     std::cerr << "slctool: warning: no pixel is valid by the product; slctool mask makes a mask of "
                  "the pixels\n";

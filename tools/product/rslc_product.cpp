@@ -172,6 +172,11 @@ CENTROID_TABLE Around(const SLC_IMAGE& image, const CENTROID_TABLE& table) {
   return part;
 }
 
+/// Whether a table has values at all for positions from first to last.
+bool Meets(const std::vector<double>& axis, double first, double last) {
+  return axis.size() == 1 || (axis.front() <= last && first <= axis.back());
+}
+
 bool Rises(const std::vector<double>& values) {
   return std::adjacent_find(values.begin(), values.end(), std::greater_equal<>()) == values.end();
 }
@@ -307,6 +312,13 @@ CENTROID_POLYNOMIALS RSLC_PRODUCT::Centroid(const SLC_IMAGE_NAME& name,
   for (auto row = table.values.begin(); row != table.values.end();
        row += std::ssize(ranges.values)) {
     centroid.values.emplace_back(row, row + std::ssize(ranges.values));
+  }
+  const double height = static_cast<double>(image.n_lines - 1) / image.line_rate;
+  const double width = static_cast<double>(image.n_samples - 1) / image.range_sampling_frequency;
+  if (!Meets(centroid.azimuth_times, 0.0, height) ||
+      !Meets(centroid.range_times, image.first_range_time, image.first_range_time + width)) {
+    file_.Refuse(table_name, "lies elsewhere than the image, by " + times_name + " and " +
+                                 parameters + "/slantRange");
   }
   const double good = 1e-4 * image.line_rate;
   const double enough = 5e-3 * image.line_rate;
