@@ -43,7 +43,7 @@ class THREADS {
  private:
   void RunSingle();
   void Start(ARG& record);
-  static void Work(FUNCTION function, ARG& record) noexcept;
+  static void Work(FUNCTION function, ARG& record, LOGGING& log) noexcept;
 
   const bool force_threads_;
   bool single_ = false;
@@ -117,7 +117,7 @@ template <class ARG, class INDEX_TYPE>
 void THREADS<ARG, INDEX_TYPE>::Start(ARG& record) {
   using enum LOGGING_LEVEL_T;
   try {
-    threads_.emplace_back(&THREADS::Work, function_, std::ref(record));
+    threads_.emplace_back(&THREADS::Work, function_, std::ref(record), std::ref(Log()));
   } catch (const std::system_error& error) {
     const int number = error.code().value();
     Log().Message(ALARM, "can not create thread due to error number: %d", number);
@@ -129,7 +129,8 @@ void THREADS<ARG, INDEX_TYPE>::Start(ARG& record) {
 /// An error must not leave a thread, or it would end the process without a word: it is reported
 /// here and handed on through the status word.
 template <class ARG, class INDEX_TYPE>
-void THREADS<ARG, INDEX_TYPE>::Work(FUNCTION function, ARG& record) noexcept {
+void THREADS<ARG, INDEX_TYPE>::Work(FUNCTION function, ARG& record, LOGGING& log) noexcept {
+  const LOG_SCOPE scope(log);
   try {
     function(record);
   } catch (...) {

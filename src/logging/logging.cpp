@@ -143,6 +143,13 @@ LOGGING::LOGGING(std::string_view file_name, std::string_view program_name,
   OpenTemporary();
 }
 
+LOGGING::LOGGING(RECEIVER receiver)
+    : screen_level_(NO_MESSAGE),
+      file_level_(NO_MESSAGE),
+      start_time_(std::time(nullptr)),
+      can_show_status_(false),
+      receiver_(std::move(receiver)) {}
+
 LOGGING::~LOGGING() {
   if (const int open_file = file_.exchange(-1); open_file >= 0) {
     ::close(open_file);
@@ -368,6 +375,9 @@ struct SHARED_LOG {
   int users = 0;
 };
 
+/// Of the innermost scope of this thread.
+constinit thread_local LOGGING* scoped_log = nullptr;
+
 /// The log of `SharedLog`, readable without its mutex.
 constinit std::atomic<const LOGGING*> existing_log = nullptr;
 
@@ -402,7 +412,16 @@ LOGGING_USER::~LOGGING_USER() {
   ReleaseSharedLog();
 }
 
+LOG_SCOPE::LOG_SCOPE(LOGGING& log) noexcept : outer_(std::exchange(scoped_log, &log)) {}
+
+LOG_SCOPE::~LOG_SCOPE() {
+  scoped_log = outer_;
+}
+
 LOGGING& Log() {
+  if (scoped_log != nullptr) {
+    return *scoped_log;
+  }
   SHARED_LOG& shared = SharedLog();
   const std::lock_guard lock(shared.mutex);
   if (!shared.log) {

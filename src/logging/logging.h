@@ -52,9 +52,14 @@ class LOG_LINE {
 /// All operations may be called from several threads.
 class LOGGING {
  public:
+  /// Gets the text of messages of any level, under the log's lock; it must not log.
+  using RECEIVER = std::function<void(LOGGING_LEVEL_T level, std::string_view text)>;
+
   /// `file_name` is only kept (empty: none given yet); `Open` opens a file.
   LOGGING(std::string_view file_name, std::string_view program_name, LOGGING_LEVEL_T screen_level,
           LOGGING_LEVEL_T file_level);
+  /// A log without screen and file, whose messages only the receiver gets.
+  explicit LOGGING(RECEIVER receiver);
   ~LOGGING();
   LOGGING(const LOGGING&) = delete;
   LOGGING& operator=(const LOGGING&) = delete;
@@ -85,8 +90,7 @@ class LOGGING {
   void WriteTrailer();
 
   /// Hands the text of every message, whatever its level, to the receiver besides; an empty one
-  /// ends that. It is called under the log's lock and must not log.
-  using RECEIVER = std::function<void(LOGGING_LEVEL_T level, std::string_view text)>;
+  /// ends that.
   void SetReceiver(RECEIVER receiver);
 
   std::string FileName() const;
@@ -153,8 +157,23 @@ class LOGGING_USER {
   LOGGING_USER& operator=(const LOGGING_USER&) = delete;
 };
 
-/// The log of the process. Without a user so far it is created here, without program name, with
-/// screen level ALARM and file level DEBUG, and lives until the process ends.
+/// While it lives, `Log` gives this thread another log: for work whose messages somebody else than
+/// the process's log receives. Scopes of one thread nest. Threads that are started meanwhile have
+/// to be given the log of their starter by a scope of their own.
+class LOG_SCOPE {
+ public:
+  explicit LOG_SCOPE(LOGGING& log) noexcept;
+  ~LOG_SCOPE();
+  LOG_SCOPE(const LOG_SCOPE&) = delete;
+  LOG_SCOPE& operator=(const LOG_SCOPE&) = delete;
+
+ private:
+  LOGGING* outer_;
+};
+
+/// The log of this thread's `LOG_SCOPE`, or else that of the process. Without a user so far that is
+/// created here, without program name, with screen level ALARM and file level DEBUG, and lives
+/// until the process ends.
 LOGGING& Log();
 
 /// The log of the process, null without one. Takes no lock and creates nothing, so that the
