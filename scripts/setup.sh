@@ -6,6 +6,8 @@ build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libfftw3-dev libgd
 test_packages=(libgtest-dev libbenchmark-dev python3-numpy mandoc zsh gdal-bin)
 # Without Slurm the tests of stacks on a cluster are skipped.
 slurm_packages=(munge slurmctld slurmd slurm-client)
+# Without pybind11 the Python package is left out.
+python_packages=(pybind11-dev python3-dev)
 # The fuzzers: clang with its libFuzzer and sanitizers.
 fuzz_packages=(clang libclang-rt-dev)
 # The presets configure the tests and benchmarks as well.
@@ -23,10 +25,12 @@ is_present() {
     libgdal-dev) pkg-config --exists gdal ;;
     libhdf5-dev) pkg-config --exists hdf5 ;;
     gdal-bin) command -v gdal_translate ;;
+    pybind11-dev) [ -e /usr/include/pybind11/pybind11.h ] ;;
+    python3-dev) [ -e /usr/bin/python3-config ] ;;
     libgtest-dev) pkg-config --exists gtest ;;
     libbenchmark-dev) pkg-config --exists benchmark ;;
     libclang-rt-dev) [ -e "$(clang++ -print-file-name=libclang_rt.fuzzer-x86_64.a)" ] ;;
-    python3-numpy) has_numpy ;;
+    python3-numpy) /usr/bin/python3 -c 'import numpy' ;;
     munge) has_daemon munged ;;
     slurmctld | slurmd) has_daemon "$1" ;;
     slurm-client) command -v sbatch ;;
@@ -38,15 +42,6 @@ is_present() {
 # Whether a daemon is installed; the folders of daemons are not on everybody's path.
 has_daemon() {
   PATH=$PATH:/usr/local/sbin:/usr/sbin:/sbin command -v "$1"
-}
-
-# Whether any Python on the path has numpy.
-has_numpy() {
-  local python
-  for python in $(type -ap python3); do
-    "$python" -c 'import numpy' && return
-  done
-  return 1
 }
 
 # install_packages NAME...: installs what is missing, without a question. Ends the script where

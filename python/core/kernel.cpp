@@ -29,7 +29,7 @@ py::array_t<double> Weights(const INTERPOLATION_KERNEL& kernel) {
 void AddKernel(py::module_& module) {
   py::class_<KERNEL>(module, "Kernel", R"(An interpolation kernel.
 
-type: "truncated_sinc", "truncated_sinc_kaiser_weight" or "cubic_convolution".
+type: "truncated_sinc_kaiser_weight", "truncated_sinc_no_weight" or "cubic_convolution".
 length: taps along range and azimuth each; at least 6.
 subpixels: positions a pixel is divided into; 1024 or more unless for speed.
 coefficient: the Kaiser weight.)")
