@@ -54,10 +54,32 @@ COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<LENGTH>& weights, const double*
   return {even.re + odd.re, even.im + odd.im};
 }
 
+inline std::uint64_t AllColumns(int count) {
+  return ~std::uint64_t{0} >> (strip_columns - count);
+}
+
+/// One line for all of the columns.
+template <int LENGTH>
+void FilterLine(const double* weights, const double* pixels, std::ptrdiff_t decoded_im, int length,
+                int count, COMPLEX_ROW sums) {
+  for (int x = 0; x < count; x += lanes) {
+    const COMPLEX_LANES sum = SumAlongRange<LENGTH>(COLUMN_WEIGHTS<LENGTH>(weights + x), pixels + x,
+                                                    pixels + x + decoded_im, length);
+    Store(sum.re, sums.re + x);
+    Store(sum.im, sums.im + x);
+  }
+}
+
 template <int LENGTH>
 void FilterRange(const double* weights, const RING_LINES<double>& decoded,
                  std::ptrdiff_t decoded_im, int length, int count, std::uint64_t columns,
                  int line_count, const SUM_LINES& sums) {
+  if (line_count == 1 && columns == AllColumns(count)) {
+    const std::ptrdiff_t row = sums.Line(0);
+    FilterLine<LENGTH>(weights, decoded.Line(0), decoded_im, length, count,
+                       {sums.rows.re + row, sums.rows.im + row});
+    return;
+  }
   for (int x = 0; x < count; x += lanes) {
     const auto wanted = static_cast<unsigned>(columns >> x) & all_lanes;
     if (wanted == 0) {
