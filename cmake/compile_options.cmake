@@ -22,6 +22,11 @@ if(RESAMPLE_SANITIZE)
   target_link_options(compile_options INTERFACE -fsanitize=${RESAMPLE_SANITIZE})
 endif()
 
+# Some kinds of processors have an unsigned char; pools store signed ones.
+if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|amd64|AMD64)$")
+  target_compile_options(compile_options INTERFACE -fsigned-char)
+endif()
+
 # add_room(NAME SOURCES... LINKS...): one folder of src/ as one static library; its links say
 # which rooms it may use.
 function(add_room name)

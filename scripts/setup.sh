@@ -10,6 +10,8 @@ slurm_packages=(munge slurmctld slurmd slurm-client)
 python_packages=(pybind11-dev python3-dev)
 # The fuzzers: clang with its libFuzzer and sanitizers.
 fuzz_packages=(clang libclang-rt-dev)
+# Tests for another processor: cross compiler, emulator, and the sources of the test library.
+aarch64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
 # The presets configure the tests and benchmarks as well.
 demo_packages=("${build_packages[@]}" "${test_packages[@]}")
 
@@ -31,6 +33,9 @@ is_present() {
     libbenchmark-dev) pkg-config --exists benchmark ;;
     libclang-rt-dev) [ -e "$(clang++ -print-file-name=libclang_rt.fuzzer-x86_64.a)" ] ;;
     python3-numpy) /usr/bin/python3 -c 'import numpy' ;;
+    g++-aarch64-linux-gnu) command -v aarch64-linux-gnu-g++ ;;
+    qemu-user) command -v qemu-aarch64 ;;
+    googletest) [ -d /usr/src/googletest ] ;;
     munge) has_daemon munged ;;
     slurmctld | slurmd) has_daemon "$1" ;;
     slurm-client) command -v sbatch ;;

@@ -22,8 +22,14 @@ void ResampleFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL*
 template <const ROW_FUNCTIONS& functions>
 constexpr CORE_VARIANT FastVariant(const char* name, bool (*is_supported)()) {
   return {name, ResampleFast<INT_16_CODEC, functions>, ResampleFast<BINARY_16_CODEC, functions>,
-          is_supported};
+          is_supported, &functions};
 }
+
+bool IsAlwaysSupported() {
+  return true;
+}
+
+#if defined(__x86_64__)
 
 // What the row functions of each level are compiled for, and not the whole level: only some
 // compilers know the levels by name.
@@ -39,11 +45,18 @@ bool HasFeaturesOfV4() {
          __builtin_cpu_supports("avx512vl") != 0;
 }
 
+#endif
+
 constexpr CORE_VARIANT variants[] = {
-    {"plain", ResampleBlock<INT_16_CODEC>, ResampleBlock<BINARY_16_CODEC>, [] { return true; }},
-    FastVariant<row_functions_x86_64>("x86-64", [] { return true; }),
+    {"plain", ResampleBlock<INT_16_CODEC>, ResampleBlock<BINARY_16_CODEC>, IsAlwaysSupported,
+     nullptr},
+#if defined(__x86_64__)
+    FastVariant<row_functions_x86_64>("x86-64", IsAlwaysSupported),
     FastVariant<row_functions_x86_64_v3>("x86-64-v3", HasFeaturesOfV3),
     FastVariant<row_functions_x86_64_v4>("x86-64-v4", HasFeaturesOfV4),
+#elif defined(__aarch64__)
+    FastVariant<row_functions_aarch64>("aarch64", IsAlwaysSupported),
+#endif
 };
 
 const CORE_VARIANT& FastestVariant() {

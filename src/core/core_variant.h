@@ -12,12 +12,15 @@ using RESAMPLE_FUNCTION = void (*)(const RESAMPLE_THR_ARG& argument,
                                    const typename CODEC::PIXEL* const* input,
                                    typename CODEC::PIXEL* const* output);
 
+struct ROW_FUNCTIONS;
+
 /// One of the ways in which a block can be resampled.
 struct CORE_VARIANT {
   const char* name;
   RESAMPLE_FUNCTION<INT_16_CODEC> int_16;
   RESAMPLE_FUNCTION<BINARY_16_CODEC> binary_16;
-  bool (*is_supported)();  ///< by this processor
+  bool (*is_supported)();          ///< by this processor
+  const ROW_FUNCTIONS* functions;  ///< of the fast core; null for the plain one
 
   template <class CODEC>
   RESAMPLE_FUNCTION<CODEC> Function() const {
@@ -29,8 +32,8 @@ struct CORE_VARIANT {
   }
 };
 
-/// "plain", then "x86-64", "x86-64-v3" and "x86-64-v4": the fast core for processors of these
-/// levels, the fastest one last.
+/// "plain", then the fast core for the levels of the processor's kind, the fastest one last:
+/// "x86-64", "x86-64-v3" and "x86-64-v4", or "aarch64".
 std::span<const CORE_VARIANT> CoreVariants();
 
 /// The fastest variant that the processor supports, or the one that the environment variable

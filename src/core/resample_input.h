@@ -24,7 +24,7 @@ struct RESAMPLE_OUTPUT {
 struct RESAMPLE_INPUT {
   MEM_MGR slave;
   MEM_MGR
-      mask;  ///< one byte a pixel, 0 where invalid; holds nothing when all of the slave is valid
+  mask;  ///< one byte a pixel, 0 where invalid; holds nothing when all of the slave is valid
   INTERPOLATION_KERNEL kernel;
   std::unique_ptr<const MAPPING_BASE> mapping;
   DOPPLER_CENTROID_MODEL doppler;  ///< with the start times of the slave

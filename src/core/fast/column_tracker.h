@@ -80,7 +80,7 @@ class COLUMN_TRACKER {
 
   /// The window never holds more than so many lines, and samples, beyond those of one group.
   static constexpr int most_lines_apart = 8;
-  static constexpr int most_samples_apart = strip_columns + 16;
+  static constexpr int most_samples_apart = strip_columns;
 
  private:
   /// In how many parts a group may fall before its columns are looked at one by one.

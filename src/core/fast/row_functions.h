@@ -177,7 +177,7 @@ struct ROW_FUNCTIONS {
   void (*polynomial_positions)(const POLYNOMIAL_COLUMNS& columns, const POLYNOMIAL_LINE& terms,
                                double line, const double* origin, int count, double* position);
   /// Where the taps of all columns of a strip lie, and what of it differs from what `taps` held.
-  TAP_CHANGES (*locate_taps)
+  TAP_CHANGES(*locate_taps)
   (const double* rg, const double* az, double line, const POSITION_LIMITS& limits,
    double subpix_count, const TAP_ROWS& taps);
   /// to[j][i] = rows[i][j] for the columns of a group and j = 0 .. length - 1.

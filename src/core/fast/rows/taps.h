@@ -83,7 +83,8 @@ TAP_CHANGES LocateTaps(const double* rg, const double* az, double line,
 }
 
 template <int DISTANCE, int... LANE>
-[[gnu::always_inline]] inline void ExchangeLanes(LANES& a, LANES& b, std::integer_sequence<int, LANE...>) {
+[[gnu::always_inline]] inline void ExchangeLanes(LANES& a, LANES& b,
+                                                 std::integer_sequence<int, LANE...>) {
   const LANES first =
       __builtin_shufflevector(a, b, (LANE & DISTANCE) != 0 ? lanes + LANE - DISTANCE : LANE...);
   const LANES second =
@@ -92,8 +93,8 @@ template <int DISTANCE, int... LANE>
   b = second;
 }
 
-/// The steps by which a square of lanes is transposed. In a function of its own it would have to lie
-/// in memory.
+/// The steps by which a square of lanes is transposed. In a function of its own it would have to
+/// lie in memory.
 template <int DISTANCE>
 [[gnu::always_inline]] inline void ExchangeRows(LANES (&square)[lanes]) {
   if constexpr (DISTANCE < lanes) {
@@ -108,7 +109,8 @@ template <int DISTANCE>
 }
 
 /// The columns j to j + count - 1 of as many rows as there are lanes.
-[[gnu::always_inline]] inline void TransposeSquare(const double* const* rows, int j, int count, double* to) {
+[[gnu::always_inline]] inline void TransposeSquare(const double* const* rows, int j, int count,
+                                                   double* to) {
   LANES square[lanes];
   for (int i = 0; i < lanes; ++i) {
     square[i] = count == lanes ? Load(rows[i] + j) : LoadFirst(rows[i] + j, count);
