@@ -68,7 +68,7 @@ std::vector<PARAMETER_ENTRY> MakeTable() {
       {"PARALLEL", WHOLE_NUMBER, "default: the online processors", ENVIRONMENT,
        "number of worker threads; the result does not depend on it", ""},
       {"RESAMPLE_SIMD", WORD, "default: the fastest that the processor supports", ENVIRONMENT,
-       "variant of the core: plain, x86-64, x86-64-v3, x86-64-v4", ""},
+       "variant of the core: plain, x86-64, x86-64-v3, x86-64-v4, aarch64", ""},
       {"SECONDS_ON_PARAMETER_INPUT", WHOLE_NUMBER, "default: 120", ENVIRONMENT,
        "time limit of a question at the keyboard [s]; 0: none", ""},
       {"PROC_NAME", WORD, "default: none", ENVIRONMENT,
