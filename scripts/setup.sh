@@ -12,6 +12,9 @@ python_packages=(pybind11-dev python3-dev)
 fuzz_packages=(clang libclang-rt-dev)
 # Tests for another processor: cross compiler, emulator, and the sources of the test library.
 aarch64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
+# The Debian packages, and a bare Debian to try them in.
+package_packages=(dpkg-dev mmdebstrap)
+lint_packages=(clang-format clang-tidy cppcheck)
 # The presets configure the tests and benchmarks as well.
 demo_packages=("${build_packages[@]}" "${test_packages[@]}")
 
