@@ -8,7 +8,6 @@
 #include "app/resample_thread.h"
 #include "base/error_exception.h"
 #include "core/thread_argument.h"
-#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 
 namespace {
@@ -83,9 +82,6 @@ TEST(SplitRangeTest, RefusesWhatCanNotBeSplitOrHeld) {
   EXPECT_THROW(SplitRange({0, 0}, 3, blocks), ERROR_ARGUMENT);
   EXPECT_THROW(SplitRange({0, 5}, 0, blocks), ERROR_ARGUMENT);
   EXPECT_EQ(log.Lines().back(), "ALARM : can not split 5 lines into 0 blocks");
-  const FAILING_ALLOCATION failing;
-  EXPECT_THROW(SplitRange({0, 5}, 3, blocks), const char*);
-  EXPECT_EQ(log.Lines().back(), "ALARM : can not change array size: out of memory");
 }
 
 TEST(ResampleThreadTest, RefusesAnOutputOfAnotherTypeThanTheInput) {

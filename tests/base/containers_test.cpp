@@ -6,7 +6,6 @@
 #include "base/matrix.h"
 #include "base/string.h"
 #include "base/sub_array.h"
-#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 
 namespace {
@@ -31,16 +30,6 @@ TEST(ARRAY, IndicesMayReachTheEndsOfTheIntegers) {
     EXPECT_EQ(array.Pointer(0)[2], 'z');
     EXPECT_EQ(array.Pointer(100)[102], 'z');
   }
-}
-
-TEST(ARRAY, NegativeCountsChangeNothing) {
-  ARRAY<double> array;
-  EXPECT_EQ(array.Create({7, 0}), 0U);
-  EXPECT_EQ(array.Create({2, -1}), 3U);
-  EXPECT_EQ(array.CreateRaw({2, -3}), 3U);
-  EXPECT_EQ(array.Resize({2, INT_MIN}), 3U);
-  EXPECT_TRUE(array.Range() == RANGE<int>(7, 0));
-  EXPECT_EQ(array.Pointer(3), nullptr);
 }
 
 TEST(ARRAY, ResizeKeepsTheLeadingElementsByPosition) {
@@ -85,51 +74,6 @@ TEST(ARRAY, ElementsAreDestroyedExactlyOnceAndRawOnesByTheCaller) {
   EXPECT_EQ(COUNTED::living, 0);
 }
 
-TEST(ARRAY, CopiesAreDeep) {
-  ARRAY<STRING> array;
-  array.Create({-1, 2});
-  array.Origin()[0] = "text";
-  ARRAY<STRING> copy;
-  copy = array;
-  array.Origin()[0] = "changed";
-  const ARRAY<STRING>& self = copy;
-  copy = self;
-  EXPECT_TRUE(copy.Range() == RANGE<int>(-1, 2));
-  EXPECT_STREQ(copy.Origin()[0].Text(), "text");
-}
-
-TEST(ARRAY, FailedAllocationsAreAStatusAndOfACopyAText) {
-  ARRAY<int> array;
-  array.Create({1, 2});
-  array.Origin()[2] = 5;
-  {
-    const FAILING_ALLOCATION failing;
-    EXPECT_EQ(array.Resize({1, 3}), 2U);
-    EXPECT_EQ(array.Origin()[2], 5) << "a failed resize lost the elements";
-    try {
-      ADD_FAILURE() << ARRAY<int>(array).Size();
-    } catch (const char* text) {
-      EXPECT_STREQ(text, "ARRAY : can not copy array");
-    }
-    EXPECT_EQ(array.CreateRaw({4, 3}), 2U);
-    EXPECT_EQ(array.Create({4, 3}), 2U);
-    EXPECT_EQ(array.Origin(), nullptr);
-  }
-  EXPECT_EQ(array.Resize({0, 5}), 0U) << "reads elements that were never there";
-  EXPECT_EQ(array.Origin()[4], 0);
-}
-
-TEST(ARRAY, FailedElementReleasesWhatWasBuilt) {
-  ARRAY<STRING> array;
-  array.Create({0, 3});
-  // One allocation for the block, one for the text of each new element, one for each text copied.
-  for (int granted = 1; granted < 1 + 4 + 3; ++granted) {
-    const FAILING_ALLOCATION failing(granted);
-    EXPECT_THROW(array.Resize({0, 4}), ERROR_NO_MEMORY) << granted;
-  }
-  EXPECT_EQ(array.Size(), 3);
-}
-
 TEST(SUB_ARRAY, ViewsAPartOfItsSourceAndOwnsNothing) {
   const LOG_CAPTURE log;
   ARRAY<int> source;
@@ -171,20 +115,6 @@ TEST(MATRIX, RowTableAddressesOneRowMajorBlock) {
   EXPECT_EQ(matrix.GetNumRecMatrix(), table) << "the table was built again";
 }
 
-TEST(MATRIX, CopiesAreDeepAndNewContentGetsANewTable) {
-  MATRIX<STRING> matrix;
-  matrix.Create({1, 2}, {1, 2});
-  matrix.GetNumRecMatrix()[2][1] = "text";
-  MATRIX<STRING> copy;
-  copy.Create({0, 9}, {1, 9});
-  copy.GetNumRecMatrix();
-  copy = matrix;
-  ASSERT_EQ(matrix.Create({5, 1}, {1, 3}), 0U);
-  EXPECT_STREQ(matrix.GetNumRecMatrix()[5][2].Text(), "");
-  EXPECT_STREQ(copy.GetNumRecMatrix()[2][1].Text(), "text");
-  EXPECT_TRUE(copy.Rows() == RANGE<int>(1, 2));
-}
-
 TEST(MATRIX, SizesThatItCanNotHaveAreAStatus) {
   MATRIX<double> matrix;
   EXPECT_EQ(matrix.Create({2, 4}, {3, 0}), 0U);
@@ -193,22 +123,6 @@ TEST(MATRIX, SizesThatItCanNotHaveAreAStatus) {
   EXPECT_EQ(matrix.Create({0, 5}, {0, -1}), 3U);
   EXPECT_TRUE(matrix.Rows() == RANGE<int>(2, 4)) << "a refused size changed the matrix";
   EXPECT_EQ(matrix.Create({0, INT_MAX}, {0, INT_MAX}), 2U);
-  const FAILING_ALLOCATION failing;
-  EXPECT_EQ(matrix.Create({0, 1}, {0, 1}), 2U);
-}
-
-TEST(MATRIX, NoMemoryForTheRowTableOrACopyIsReported) {
-  MATRIX<int> matrix;
-  matrix.Create({0, 2}, {0, 2});
-  const LOG_CAPTURE log;
-  for (int granted = 0; granted < 2; ++granted) {  // the table, then the list of tables
-    const FAILING_ALLOCATION failing(granted);
-    EXPECT_THROW(matrix.GetNumRecMatrix(), ERROR_NO_MEMORY);
-    EXPECT_THROW(MATRIX<int>{matrix}, ERROR_NO_MEMORY);
-  }
-  EXPECT_TRUE(log.Has("ALARM : MATRIX: no memory for the row table")) << log.Text();
-  EXPECT_TRUE(log.Has("ALARM : MATRIX: no memory for a copy")) << log.Text();
-  EXPECT_EQ(matrix.GetNumRecMatrix()[1][1], 0);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <array>
 
 #include "base/pool_type.h"
-#include "support/failing_allocation.h"
 
 namespace BASIC::TYPES {
 
@@ -40,27 +39,7 @@ TEST(ENUM_BASE, SetTakesOverAnEntryOrOnlyShowsIt) {
   for (const int id : {-1, sentinel + 1, INT_MIN, INT_MAX}) {
     EXPECT_THROW(fruit.Set(id), ERROR_ENUM_BASE_INVALID_ID) << id;
   }
-  const FAILING_ALLOCATION failing;
-  EXPECT_THROW(fruit.Set(2), ERROR_NO_MEMORY);
   ExpectFruit(fruit, 3, "plum", 30);
-}
-
-/// Whose table no other test builds.
-class Stone : public ENUMERATION<Stone> {
- public:
-  static std::span<const ENUM_ENTRY> Entries() {
-    static constexpr std::array<ENUM_ENTRY, 3> entries = {{{"-"}, {"flint"}, {"-"}}};
-    return entries;
-  }
-};
-
-TEST(ENUM_BASE, ATableWithoutMemoryIsBuiltTheNextTime) {
-  Stone stone;
-  {
-    const FAILING_ALLOCATION failing;
-    EXPECT_THROW(stone.Set(1), ERROR_NO_MEMORY);
-  }
-  EXPECT_STREQ(stone.Set(1).Name(), "flint");
 }
 
 TEST(ENUM_BASE, ComparesIdsWithinAClassOnly) {

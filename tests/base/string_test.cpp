@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/error_exception.h"
-#include "support/failing_allocation.h"
-
 namespace {
 
 TEST(STRING, OwnsItsTextAndTheNul) {
@@ -21,17 +18,6 @@ TEST(STRING, OwnsItsTextAndTheNul) {
   first = self;
   first = first.Text() + 2;  // part of its own text
   EXPECT_STREQ(first.Text(), "longer second text");
-}
-
-TEST(STRING, NoMemoryIsAnErrorAndKeepsTheOldText) {
-  STRING text("old");
-  const STRING other("other");
-  const FAILING_ALLOCATION failing;
-  EXPECT_THROW(STRING(), ERROR_NO_MEMORY);
-  EXPECT_THROW(STRING{other}, ERROR_NO_MEMORY);
-  EXPECT_THROW(text = "new", ERROR_NO_MEMORY);
-  EXPECT_THROW(text = other, ERROR_NO_MEMORY);
-  EXPECT_STREQ(text.Text(), "old");
 }
 
 }  // namespace

@@ -65,20 +65,6 @@ TEST_F(CONTROLLER, LogFileNameComesFromParameterThenLogThenRun) {
   EXPECT_EQ(log_name({"tool", "-pid", "run7", "-lfn", "mine"}), "mine");
 }
 
-TEST_F(CONTROLLER, NameBeforeInitIsUnknown) {
-  Run([] {
-    Log().Open("log");
-    CONTROLLER_IFC controller;
-    WriteFile("name", controller.get_binary_name() + controller.get_binary_name());
-  });
-  EXPECT_EQ(Content("name"), "unknownunknown");
-  EXPECT_EQ(
-      Content("log"),
-      "WARN  : resample : CONTROLLER_IFC::get_binary_name: Controller interface not initialized!\n"
-      "WARN  : resample : Function CONTROLLER_IFC::init must be called before accessing a "
-      "controller object!\n");
-}
-
 /// Reads what no process may read.
 void TouchForbiddenMemory() {
   const void* const page = ::mmap(nullptr, 1, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

@@ -62,16 +62,6 @@ TEST_F(FATAL_SIGNAL, SupervisorLineAndScreenAreWrittenAsAskedFor) {
   EXPECT_EQ(Run(WithTool(silent)).screen, "");
 }
 
-TEST_F(FATAL_SIGNAL, WithoutControllerTheExitStatusIs255) {
-  const PROCESS_END end = Run([] {
-    InstallFatalSignalHandler();
-    Log().Open("log");
-    ::raise(SIGINT);
-  });
-  EXPECT_EQ(end.exit_status, 255);
-  EXPECT_EQ(Content("log"), Line(interrupt));
-}
-
 TEST_F(FATAL_SIGNAL, EndlessProgramNameIsCut) {
   const PROCESS_END end = RunController({std::string(10000, 'n'), "-pid", "run"},
                                         [](CONTROLLER_IFC&) { ::raise(SIGINT); });

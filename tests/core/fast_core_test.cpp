@@ -9,7 +9,6 @@
 
 #include "core/pixel_evaluation.h"
 #include "core_job.h"
-#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 #include "supported_levels.h"
 
@@ -196,15 +195,6 @@ TEST(LargePhases, AreAsAccurateUpToTheLimitAndLeftToThePlainCoreBeyond) {
       }
     }
   }
-}
-
-TEST(DopplerCentroidModelTest, AnnotationThatMemoryCanNotHoldIsRefused) {
-  const LOG_CAPTURE log;
-  const TEMPORARY_DIRECTORY directory;
-  WriteFile(directory.File("pool"), SlavePool(OrdinaryScene()).Text());
-  PARAMETER_POOL pool(directory.File("pool").c_str());
-  RefusalsUntilMemorySuffices([&] { DOPPLER_CENTROID_MODEL().Setup(pool); });
-  EXPECT_TRUE(log.Has("ALARM : fDC: no memory for the annotation")) << log.Text();
 }
 
 struct EncodedFastCoreTest : testing::Test {

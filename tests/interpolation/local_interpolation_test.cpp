@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "interpolation/polynom.h"
-#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 #include "support_points.h"
 
@@ -73,16 +72,13 @@ TEST_F(LocalInterpolationTest, TheEndPiecesServeEverythingBeyondAndBordersTheLow
   EXPECT_EQ(local_.GetCoeffs(std::nextafter(3.0, 4.0))[1], 37.0);
 }
 
-TEST_F(LocalInterpolationTest, WithoutPointsSupportOrMemoryItIsRefused) {
+TEST_F(LocalInterpolationTest, WithoutPointsOrSupportItIsRefused) {
   EXPECT_THROW(local_.GetY(1.0), ERROR_ALGORITHM);
   EXPECT_EQ(log_.Text(), "ALARM : LOCAL_INTERPOLATION: evaluated before its set-up\n");
   EXPECT_THROW(Init(0), ERROR_ALGORITHM);
   ARRAY<POINT<double>> none;
   local_.SetSupportPointCount(2);
   EXPECT_THROW(local_.Init(none), ERROR_ALGORITHM);
-  const FAILING_ALLOCATION failing;
-  EXPECT_THROW(Init(2), ERROR_NO_MEMORY);
-  EXPECT_EQ(log_.Lines().back(), "ALARM : LOCAL_INTERPOLATION: no memory for the polynoms");
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-#include "support/failing_allocation.h"
 #include "support/log_capture.h"
 #include "support_points.h"
 
@@ -54,7 +53,7 @@ TEST(PolynomTest, TheSecondDerivativeOfFivePointsKeepsItsOwnFormula) {
   EXPECT_EQ(polynom.GetDerived2Y(-1.5), 1.0);
 }
 
-TEST(PolynomTest, NothingIsEvaluatedWithoutPointsOrMemory) {
+TEST(PolynomTest, NothingIsEvaluatedWithoutPoints) {
   const LOG_CAPTURE log;
   POLYNOM<double> polynom;
   EXPECT_THROW(polynom.GetY(0.0), ERROR_ALGORITHM);
@@ -62,9 +61,6 @@ TEST(PolynomTest, NothingIsEvaluatedWithoutPointsOrMemory) {
   ARRAY<POINT<double>> none;
   EXPECT_THROW(polynom.Init(none), ERROR_ALGORITHM);
   EXPECT_EQ(log.Lines().back(), "ALARM : POLYNOM: no support points");
-  const SUPPORT_POINTS points({0.0, 1.0}, [](double x) { return x; });
-  const FAILING_ALLOCATION failing;
-  EXPECT_THROW(polynom.Init(points.Array()), const char*);
 }
 
 }  // namespace

@@ -37,11 +37,6 @@ TEST_F(LOG_FILE, TemporaryLogMovesIntoTheRealOne) {
   EXPECT_EQ(ReadFile(Path("log")), early + "INFO  : resample : late\n");
 }
 
-TEST_F(LOG_FILE, TemporaryLogIsRemovedWithoutARealOne) {
-  const auto temporary = [] { return OpenFile(LOGGING("", "resample", NO_MESSAGE, DEBUG)); };
-  EXPECT_FALSE(std::filesystem::exists(temporary()));
-}
-
 TEST_F(LOG_FILE, UnopenableLogIsReportedAndTheTemporaryOneGoesOn) {
   LOGGING log("", "resample", NO_MESSAGE, DEBUG);
   std::string expected;

@@ -82,12 +82,6 @@ TEST_F(LOG, EachThresholdLetsItsLevelAndAbovePass) {
   }
 }
 
-TEST_F(LOG, StatusIsShownOnTerminalsOnly) {
-  testing::internal::CaptureStderr();
-  LOGGING("", "", NO_MESSAGE, TRACE).ShowStatus("50 %");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-}
-
 TEST_F(LOG, NothingCanBeLoggedAtNoMessage) {
   EXPECT_THROW(log_ << NO_MESSAGE << "text", const char*);
   try {

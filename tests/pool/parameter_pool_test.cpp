@@ -4,7 +4,6 @@
 
 #include "pool/pool_test.h"
 #include "pool/pool_values.h"
-#include "support/failing_allocation.h"
 
 namespace {
 
@@ -147,20 +146,6 @@ TEST_F(PARAMETER_POOL_REFUSES, BadRanges) {
   Broken<MATRIX<double>>("FLT_15_M 0 2147483647 0 2147483647\n{\n{\n1\n",
                          "no value for index 1 due to end of file");
   Broken<MATRIX<double>>("FLT_15_M 0 2147483647 0 0\n{\n{\n}\n", "no { due to end of file");
-}
-
-TEST_F(PARAMETER_POOL_REFUSES, ValuesThatMemoryCanNotHold) {
-  SetPool("v STR_V 0 1\n{\na\n}\nm STR_M 0 2 0 1\n{\n{\na\n}\n{\nb\n}\n}\n");
-  PARAMETER_POOL pool(Path());
-  ARRAY<STRING> vector;
-  MATRIX<STRING> matrix;
-  EXPECT_GT(RefusalsUntilMemorySuffices([&] { pool.Read("v", vector); }), 2);
-  EXPECT_GT(RefusalsUntilMemorySuffices([&] { pool.Read("m", matrix); }), 2);
-  EXPECT_TRUE(matrix.HasStorage() && matrix.At(1, 0) == STRING("b"));
-  for (const char* alarm :
-       {"v << not enough memory to create ARRAY", "m << not enough memory to create MATRIX"}) {
-    EXPECT_TRUE(log_.Has(std::string("ALARM : parameter pool: parameter key >> ") + alarm));
-  }
 }
 
 TEST_F(PARAMETER_POOL_REFUSES, BadBlocks) {

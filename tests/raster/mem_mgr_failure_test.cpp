@@ -1,14 +1,11 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <iterator>
-#include <set>
 
 #include "raster/system_error_text.h"
 #include "raster_test.h"
-#include "support/failing_allocation.h"
 
 namespace {
 
@@ -194,26 +191,11 @@ TEST_F(MEM_MGR_FAILURE, OfOtherOperationsKeepsTheImage) {
       [&] { raster_.Sync(MS_SYNC | MS_ASYNC); },
       {"MEM_MGR: msync error ..",
        "EINVAL: addr is not a multiple of the page size or wrong flag .."});
-  ExpectFailure<ERROR_NO_MEMORY>(
-      [&] {
-        const FAILING_ALLOCATION failing;
-        raster_.SetColorTable({nullptr, nullptr, nullptr, 4});
-      },
-      {"can not allocate colortable of length: 3 x 4 [bytes]"});
   ExpectFailure<ERROR_ARGUMENT>([&] { raster_.Advise(0); },
                                 {"MEM_MGR: less than one page per madvise call: 0"});
   EXPECT_EQ(ReadFile(path),
             Raster(RASTER_HEADER(10, 10, PIXEL_TYPE::U_INT_8), std::string(100, '\0')));
   EXPECT_EQ(raster_.DataLength(), 100) << "still held";
-}
-
-TEST(SYNC_ERROR, EachHasItsText) {
-  std::set<std::string> texts;
-  for (const int error : {EPERM, EIO, ENOMEM, EBUSY, EINVAL, ENOSPC}) {
-    texts.insert(SyncErrorText(error));
-  }
-  EXPECT_EQ(texts.size(), 6U);
-  EXPECT_TRUE(texts.contains("unhandled msync() error"));
 }
 
 }  // namespace

@@ -98,21 +98,6 @@ TEST(MultilookTest, DividesPixelsOnTheBorderOfTwoBoxes) {
   EXPECT_NEAR(grid.At(1, 1).power_a, 0.5 * (0.5 * 12 + 13) + (0.5 * 22 + 23), 1e-12);
 }
 
-TEST(MultilookTest, LosesNothingAndReadsEveryLineOnceInOrder) {
-  constexpr int samples = 100;
-  constexpr int lines = 64;
-  std::int64_t next_line = 0;
-  const auto line_sums = [&next_line](std::int64_t line, std::span<PAIR_SUMS> pixels) {
-    EXPECT_EQ(line, next_line++);
-    FillPowers(line, pixels);
-  };
-  const GRID<PAIR_SUMS> grid = Multilook(line_sums, samples, lines, 33, 63);
-  for (const PAIR_SUMS& cell : grid.Cells()) {
-    EXPECT_NEAR(cell.weight, 1.0 * samples * lines / (33 * 63), 1e-9);
-  }
-  EXPECT_EQ(next_line, lines);
-}
-
 class RasterFigureTest : public IMAGE_TEST {
  protected:
   static VALUE Ramp(int sample, int line) { return std::polar(2.0, 0.1 * sample - 0.2 * line); }
@@ -146,15 +131,6 @@ TEST_F(RasterFigureTest, InterferogramAndCoherenceShowTheDifferenceOfAPair) {
   EXPECT_NEAR(CoherenceFigure(a, turned, {}).values.At(5, 5), 1.0, 1e-6);
   EXPECT_NEAR(CoherenceFigure(a, alternating, {600, 300}).values.At(0, 0), 1.0 / 5.0, 1e-6)
       << "3 of 5 samples agree";
-}
-
-TEST_F(RasterFigureTest, MaskShowsASingleGap) {
-  const RASTER_READER mask = Real(
-      "m", 100, 50, [](int sample, int line) { return sample == 70 && line == 10 ? 0.0 : 255.0; },
-      PIXEL_TYPE::U_INT_8);
-  const FIGURE figure = MaskFigure(mask, {7, 5});
-  EXPECT_EQ(std::count(figure.values.Cells().begin(), figure.values.Cells().end(), 0.0), 1);
-  EXPECT_EQ(figure.values.At(4, 1), 0.0);
 }
 
 TEST_F(RasterFigureTest, SizeFollowsTheImageUnlessWanted) {
