@@ -42,6 +42,19 @@ TEST(ENUM_BASE, SetTakesOverAnEntryOrOnlyShowsIt) {
   ExpectFruit(fruit, 3, "plum", 30);
 }
 
+TEST(ENUM_BASE, AssignsTheFirstEntryOfANameInAnyCase) {
+  Fruit fruit(2);
+  for (const auto& [name, id] :
+       {std::pair{"apple", 1}, {"APPLE", 1}, {"Pear", 2}, {"-", 0}, {"pLUM", 3}}) {
+    fruit.Assign(name);
+    EXPECT_EQ(fruit.Id(), id) << name;
+  }
+  for (const char* other : {"", "plu", "plums", " plum", "plum ", "3"}) {
+    EXPECT_THROW(fruit.Assign(other), ERROR_ENUM_BASE_INVALID_VALUE) << other;
+    EXPECT_EQ(fruit.Id(), 3) << other;
+  }
+}
+
 TEST(ENUM_BASE, ComparesIdsWithinAClassOnly) {
   EXPECT_TRUE(Fruit(1) == Fruit(1));
   EXPECT_TRUE(Fruit(1) != Fruit(4)) << "equal texts of different entries";

@@ -6,24 +6,16 @@
 #include <sstream>
 #include <vector>
 
+#include "core/pixel_codec.h"
+
 namespace {
+
+// The codecs are the program's own: their every pattern is compared with its definition elsewhere.
 
 /// The number that a component stands for.
 double Decode(PIXEL_CODE code, std::uint16_t bits) {
-  if (code == PIXEL_CODE::INT_16) {
-    return static_cast<std::int16_t>(bits);
-  }
-  if (bits == 0) {
-    return 0.0;
-  }
-  const double sign = (bits & 0x8000) != 0 ? -1.0 : 1.0;
-  const int exponent = (bits >> 10) & 0x1F;
-  const int mantissa = bits & 0x3FF;
-  if (exponent == 31) {
-    return mantissa == 0 ? sign * HUGE_VAL : std::nan("");
-  }
-  // Exponent field 0 is no exception here: no subnormal numbers.
-  return sign * std::ldexp(1.0 + mantissa / 1024.0, exponent - 15);
+  return code == PIXEL_CODE::INT_16 ? INT_16_CODEC::Decode(static_cast<std::int16_t>(bits))
+                                    : BINARY_16_CODEC::Decode(bits);
 }
 
 constexpr double pi = 3.141592653589793;
@@ -39,34 +31,10 @@ struct MODEL_PIXEL {
   long double magnitude = 0.0L;
 };
 
-std::uint16_t EncodeInteger16(double value) {
-  const double rounded =
-      std::isnan(value) ? 0.0 : std::trunc(value > 0.0 ? value + 0.5 : value - 0.5);
-  return static_cast<std::uint16_t>(
-      static_cast<std::int16_t>(std::clamp(rounded, -32768.0, 32767.0)));
-}
-
-std::uint16_t EncodeBinary16(double value) {
-  if (std::isnan(value)) {
-    return 0x7FFF;
-  }
-  if (std::abs(value) > 65504.0) {
-    return value > 0.0 ? 0x7BFF : 0xFBFF;
-  }
-  if (value == 0.0) {
-    return 0;
-  }
-  // |value| = mantissa / 1024 * 2^exponent, halves rounded up; 2048 carries into the exponent.
-  const int exponent = std::ilogb(value);
-  const double mantissa = std::floor(std::ldexp(std::abs(value), 10 - exponent) + 0.5);
-  const int magnitude = (exponent + 15) * 1024 + static_cast<int>(mantissa) - 1024;
-  const int sign = value < 0.0 ? 0x8000 : 0;
-  return static_cast<std::uint16_t>(magnitude < 0x400 ? 0 : sign | std::min(magnitude, 0x7C00));
-}
-
 std::uint16_t Encode(PIXEL_CODE code, long double value) {
   const auto rounded = static_cast<double>(value);
-  return code == PIXEL_CODE::INT_16 ? EncodeInteger16(rounded) : EncodeBinary16(rounded);
+  return code == PIXEL_CODE::INT_16 ? static_cast<std::uint16_t>(INT_16_CODEC::Encode(rounded))
+                                    : BINARY_16_CODEC::Encode(rounded);
 }
 
 // ------------------------------------------------------------------- mapping
