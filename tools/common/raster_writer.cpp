@@ -1,14 +1,18 @@
 #include "common/raster_writer.h"
 
+#include <fcntl.h>
+
+#include <cerrno>
 #include <cstddef>
 #include <stdexcept>
+#include <system_error>
 #include <type_traits>
 #include <vector>
 
 #include "common/new_files.h"
 #include "common/parallel_lines.h"
 #include "common/pixel_encoder.h"
-#include "raster/mem_mgr.h"
+#include "raster/file_descriptor.h"
 
 namespace {
 
@@ -19,7 +23,7 @@ void WritePixels(const std::string& path, std::int64_t width, std::int64_t heigh
   constexpr std::size_t numbers_a_value = std::is_same_v<VALUE, double> ? 1 : 2;
   MEM_MGR raster;
   NEW_FILE file(path);
-  raster.Create(file.Path().c_str(), 0, 0, width - 1, height - 1, type);
+  CreateRaster(raster, file.Path(), width, height, type);
   auto* const pixels = reinterpret_cast<std::byte*>(raster.Data());
   const std::int64_t line_length = width * raster.BytesPerPixel();
   ForEachLine(height, [&](std::int64_t line) {
@@ -38,6 +42,17 @@ void WritePixels(const std::string& path, std::int64_t width, std::int64_t heigh
 }
 
 }  // namespace
+
+void CreateRaster(MEM_MGR& raster, const std::string& path, std::int64_t width, std::int64_t height,
+                  PIXEL_TYPE type) {
+  raster.Create(path.c_str(), 0, 0, width - 1, height - 1, type);
+  const FILE_DESCRIPTOR file(path.c_str(), O_RDWR);
+  const std::int64_t length = file.Length().value_or(0);
+  // Not every file system can do this.
+  if (length > 0 && ::fallocate(file.Get(), 0, 0, length) != 0 && errno != EOPNOTSUPP) {
+    throw std::system_error(errno, std::generic_category(), "no room for " + path);
+  }
+}
 
 void WriteRaster(const std::string& path, std::int64_t width, std::int64_t height, PIXEL_TYPE type,
                  const COMPLEX_LINE& fill) {

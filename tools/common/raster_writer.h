@@ -6,7 +6,14 @@
 #include <span>
 #include <string>
 
+#include "raster/mem_mgr.h"
 #include "raster/pixel_type.h"
+
+/// Creates a raster file and takes the disk space for all of its pixels, which would otherwise end
+/// the program by a signal where a full disk is found while they are written. Throws
+/// std::system_error for that, and the errors of MEM_MGR::Create.
+void CreateRaster(MEM_MGR& raster, const std::string& path, std::int64_t width, std::int64_t height,
+                  PIXEL_TYPE type);
 
 /// Fills the values of a line. Called for several lines at once; must not throw.
 using COMPLEX_LINE = std::function<void(std::int64_t line, std::span<std::complex<double>> values)>;

@@ -8,8 +8,8 @@
 
 #include "common/automatic_scale.h"
 #include "common/new_files.h"
+#include "common/raster_writer.h"
 #include "gdal/gdal_types.h"
-#include "raster/mem_mgr.h"
 
 namespace {
 
@@ -171,10 +171,9 @@ class IMPORTED_RASTER {
   IMPORTED_RASTER(const std::string& path, const std::string& mask_path,
                   const IMPORT_OPTIONS& options, IMPORT_RESULT& result)
       : options_(options), result_(result) {
-    raster_.Create(path.c_str(), 0, 0, result.width - 1, result.height - 1, result.type);
+    CreateRaster(raster_, path, result.width, result.height, result.type);
     if (!mask_path.empty()) {
-      mask_.Create(mask_path.c_str(), 0, 0, result.width - 1, result.height - 1,
-                   PIXEL_TYPE::U_INT_8);
+      CreateRaster(mask_, mask_path, result.width, result.height, PIXEL_TYPE::U_INT_8);
     }
   }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "gdal/gdal_errors.h"
 
@@ -115,8 +116,10 @@ std::vector<ANNOTATION> ANNOTATION::Children(const std::string& list,
   std::vector<ANNOTATION> children;
   for (CPLXMLNode* child = parent->psChild; child != nullptr; child = child->psNext) {
     if (child->eType == CXT_Element && child->pszValue == name) {
-      const std::string number = std::to_string(children.size() + 1);
-      children.push_back(ANNOTATION(place_ + list + "." + name + "[" + number + "].", child));
+      std::string place = place_;
+      place.append(list).append(".").append(name).append("[");
+      place.append(std::to_string(children.size() + 1)).append("].");
+      children.push_back(ANNOTATION(std::move(place), child));
     }
   }
   return children;

@@ -7,8 +7,8 @@
 
 #include "common/automatic_scale.h"
 #include "common/new_files.h"
+#include "common/raster_writer.h"
 #include "pool/parameter_pool_read_write_change.h"
-#include "raster/mem_mgr.h"
 
 namespace {
 
@@ -108,8 +108,9 @@ class RASTERS {
   RASTERS(const NEW_FILES& files, const std::string& role, PIXEL_TYPE source_type, PIXEL_TYPE type,
           PRODUCT_FILES_RESULT& result)
       : image_(result.image), from_binary16_(source_type == PIXEL_TYPE::C_FLT_2), result_(result) {
-    Create(pixels_, files.PathOf(role + ".ras"), type);
-    Create(mask_, files.PathOf(role + "_mask.ras"), PIXEL_TYPE::U_INT_8);
+    CreateRaster(pixels_, files.PathOf(role + ".ras"), image_.n_samples, image_.n_lines, type);
+    CreateRaster(mask_, files.PathOf(role + "_mask.ras"), image_.n_samples, image_.n_lines,
+                 PIXEL_TYPE::U_INT_8);
   }
 
   void WriteLine(std::int64_t line, std::span<std::complex<double>> values) {
@@ -137,10 +138,6 @@ class RASTERS {
   }
 
  private:
-  void Create(MEM_MGR& raster, const std::string& path, PIXEL_TYPE type) const {
-    raster.Create(path.c_str(), 0, 0, image_.n_samples - 1, image_.n_lines - 1, type);
-  }
-
   const SLC_IMAGE& image_;
   bool from_binary16_;
   PRODUCT_FILES_RESULT& result_;

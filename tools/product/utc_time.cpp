@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <regex>
 
 namespace {
 
@@ -16,32 +17,23 @@ double SecondsBetween(const UTC_TIME& from, const UTC_TIME& to) noexcept {
 }
 
 std::optional<UTC_TIME> UtcTimeOf(const std::string& text) {
-  int year = 0;
-  unsigned month = 0;
-  unsigned day = 0;
-  int length = 0;
-  if (std::sscanf(text.c_str(), "%4d-%2u-%2u%n", &year, &month, &day, &length) != 3) {
+  static const std::regex pattern(
+      R"((\d{4})-(\d{2})-(\d{2})(?:[T ](\d{2}):(\d{2}):(\d{2}(?:\.\d*)?))?Z?)");
+  std::smatch parts;
+  if (!std::regex_match(text, parts, pattern)) {
     return std::nullopt;
   }
-  const auto date = std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day);
-  int hour = 0;
-  int minute = 0;
-  double second = 0.0;
-  const char* rest = text.c_str() + length;
-  if (*rest == 'T' || (*rest == ' ' && rest[1] != '\0')) {
-    if (std::sscanf(rest + 1, "%2d:%2d:%lf%n", &hour, &minute, &second, &length) != 3) {
-      return std::nullopt;
-    }
-    rest += 1 + length;
-  }
-  const std::string end(rest);
-  const bool is_time = hour >= 0 && hour < 24 && minute >= 0 && minute < 60 && second >= 0.0 &&
-                       second < 61.0 && (end.empty() || end == "Z");
-  if (!date.ok() || !is_time) {
+  const auto number = [&](std::size_t part) {
+    return parts[part].matched ? std::stod(parts[part]) : 0.0;
+  };
+  const auto date = std::chrono::year(static_cast<int>(number(1))) /
+                    std::chrono::month(static_cast<unsigned>(number(2))) /
+                    std::chrono::day(static_cast<unsigned>(number(3)));
+  if (!date.ok() || number(4) >= 24.0 || number(5) >= 60.0 || number(6) >= 61.0) {
     return std::nullopt;
   }
   return UTC_TIME{std::chrono::sys_days(date).time_since_epoch().count(),
-                  3600.0 * hour + 60.0 * minute + second};
+                  3600.0 * number(4) + 60.0 * number(5) + number(6)};
 }
 
 std::string TextOf(const UTC_TIME& time) {
