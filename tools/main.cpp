@@ -11,6 +11,7 @@
 #include "export/export_command.h"
 #include "import/import_command.h"
 #include "info/info_command.h"
+#include "interferogram/interferogram_command.h"
 #include "logging/logging.h"
 #include "mask/mask_command.h"
 #include "match/match_command.h"
@@ -29,9 +30,10 @@ const LOGGING_USER tool_log("", "slctool", LOGGING_LEVEL_T::ALARM, LOGGING_LEVEL
 
 /// Each adds one subcommand, whose callback does the work and throws what goes wrong.
 constexpr void (*add_commands[])(CLI::App&) = {
-    AddSceneCommand,   AddCompareCommand, AddPngCommand,    AddInfoCommand,     AddDopplerCommand,
-    AddProductCommand, AddImportCommand,  AddExportCommand, AddMaskCommand,     AddVrtCommand,
-    AddMatchCommand,   AddOffsetsCommand, AddPoolCommand,   AddCheckRunCommand, AddReportCommand};
+    AddSceneCommand,         AddCompareCommand, AddPngCommand,      AddInfoCommand,
+    AddDopplerCommand,       AddProductCommand, AddImportCommand,   AddExportCommand,
+    AddMaskCommand,          AddVrtCommand,     AddMatchCommand,    AddOffsetsCommand,
+    AddInterferogramCommand, AddPoolCommand,    AddCheckRunCommand, AddReportCommand};
 
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, converts, measures and shows the files around a run of resample."};

@@ -21,18 +21,13 @@ template <class VALUE, class FILL>
 void WritePixels(const std::string& path, std::int64_t width, std::int64_t height, PIXEL_TYPE type,
                  const FILL& fill) {
   constexpr std::size_t numbers_a_value = std::is_same_v<VALUE, double> ? 1 : 2;
-  MEM_MGR raster;
   NEW_FILE file(path);
-  CreateRaster(raster, file.Path(), width, height, type);
-  auto* const pixels = reinterpret_cast<std::byte*>(raster.Data());
-  const std::int64_t line_length = width * raster.BytesPerPixel();
+  RASTER_WRITER raster(file.Path(), width, height, type);
   ForEachLine(height, [&](std::int64_t line) {
     std::vector<VALUE> values(static_cast<std::size_t>(width));
     fill(line, values);
-    ENCODING_COUNTS counts;
-    EncodePixels(type,
-                 {reinterpret_cast<const double*>(values.data()), values.size() * numbers_a_value},
-                 pixels + line * line_length, counts);
+    raster.Write(line,
+                 {reinterpret_cast<const double*>(values.data()), values.size() * numbers_a_value});
   });
   file.Finish();
 }
@@ -52,6 +47,18 @@ void CreateRaster(MEM_MGR& raster, const std::string& path, std::int64_t width, 
   if (length > 0 && ::fallocate(file.Get(), 0, 0, length) != 0 && errno != EOPNOTSUPP) {
     throw std::system_error(errno, std::generic_category(), "no room for " + path);
   }
+}
+
+RASTER_WRITER::RASTER_WRITER(const std::string& path, std::int64_t width, std::int64_t height,
+                             PIXEL_TYPE type) {
+  CreateRaster(raster_, path, width, height, type);
+}
+
+void RASTER_WRITER::Write(std::int64_t line, std::span<const double> numbers) {
+  auto* const pixels = reinterpret_cast<std::byte*>(raster_.Data());
+  ENCODING_COUNTS counts;
+  EncodePixels(raster_.PixelType(), numbers,
+               pixels + line * raster_.Width() * raster_.BytesPerPixel(), counts);
 }
 
 void WriteRaster(const std::string& path, std::int64_t width, std::int64_t height, PIXEL_TYPE type,

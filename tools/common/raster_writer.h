@@ -15,6 +15,19 @@
 void CreateRaster(MEM_MGR& raster, const std::string& path, std::int64_t width, std::int64_t height,
                   PIXEL_TYPE type);
 
+/// A new raster file whose lines are written in place, by any number of threads at once.
+class RASTER_WRITER {
+ public:
+  /// Makes the file under this very name. Throws what `CreateRaster` throws.
+  RASTER_WRITER(const std::string& path, std::int64_t width, std::int64_t height, PIXEL_TYPE type);
+
+  /// The numbers of a line, one a pixel or two a pair, encoded as `EncodePixels` does.
+  void Write(std::int64_t line, std::span<const double> numbers);
+
+ private:
+  MEM_MGR raster_;
+};
+
 /// Fills the values of a line. Called for several lines at once; must not throw.
 using COMPLEX_LINE = std::function<void(std::int64_t line, std::span<std::complex<double>> values)>;
 using REAL_LINE = std::function<void(std::int64_t line, std::span<double> values)>;

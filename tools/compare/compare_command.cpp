@@ -42,12 +42,6 @@ REGION RegionWithin(const RASTER_READER& raster, std::int64_t margin) {
   return region;
 }
 
-void CheckSameSize(const RASTER_READER& a, const RASTER_READER& b) {
-  if (a.Width() != b.Width() || a.Height() != b.Height()) {
-    throw std::invalid_argument(a.Path() + " and " + b.Path() + " have different sizes");
-  }
-}
-
 /// Calls `handle(block)` for all blocks of a region; the last ones are as small as they must be.
 template <class HANDLE>
 void ForEachBlock(const REGION& region, std::int64_t size, HANDLE handle) {
@@ -63,25 +57,24 @@ void ForEachBlock(const REGION& region, std::int64_t size, HANDLE handle) {
 void PrintComparison(const COMPARE_OPTIONS& options) {
   const RASTER_READER a(options.a);
   const RASTER_READER b(options.b);
-  CheckSameSize(a, b);
   std::vector<std::unique_ptr<RASTER_READER>> mask_readers;
   std::vector<const RASTER_READER*> masks;
   for (const std::string& path : options.masks) {
     mask_readers.push_back(std::make_unique<RASTER_READER>(path));
     masks.push_back(mask_readers.back().get());
-    CheckSameSize(a, *masks.back());
   }
 
+  const PAIR_LINES pair(a, b, masks);
   const REGION region = RegionWithin(a, options.margin);
   if (options.block > 0) {
     ForEachBlock(region, options.block, [&](const REGION& block) {
       std::cout << "first_sample=" << block.first_sample << " first_line=" << block.first_line
                 << " n_samples=" << block.n_samples << " n_lines=" << block.n_lines << " ";
-      Print(Compare(a, b, masks, block), ' ');
+      Print(Compare(pair, block), ' ');
     });
     return;
   }
-  const COMPARISON comparison = Compare(a, b, masks, region);
+  const COMPARISON comparison = Compare(pair, region);
   Print(comparison, '\n');
   if (comparison.compared == 0) {
     throw std::runtime_error("there is no pixel to compare");

@@ -3,96 +3,82 @@
 #include <cmath>
 #include <complex>
 
-#include "common/pair_sums.h"
+#include "common/parallel_lines.h"
 
 namespace {
 
-using VALUE = std::complex<double>;
-using LINE = std::vector<VALUE>;
+using VALUE = PAIR_LINES::VALUE;
+using LINE = PAIR_LINES::LINE;
 
-bool IsUsable(const VALUE& value) {
-  return std::isfinite(value.real()) && std::isfinite(value.imag()) && value != 0.0;
+/// The sum of what `of_line` makes of each line of a region, on all processors. The parts are added
+/// in the order of the lines, so that the result is the same in every run.
+template <class SUMS, class OF_LINE>
+SUMS SumLines(const PAIR_LINES& pair, const REGION& region, const OF_LINE& of_line) {
+  std::vector<SUMS> parts(static_cast<std::size_t>(region.n_lines));
+  ForEachLine(region.n_lines, [&](std::int64_t i) {
+    thread_local LINE line;
+    pair.Read(region.first_line + i, region.first_sample, region.n_samples, line);
+    parts[static_cast<std::size_t>(i)] = of_line(line);
+  });
+  SUMS sums;
+  for (const SUMS& part : parts) {
+    sums.Add(part);
+  }
+  return sums;
 }
 
-/// The rasters of a comparison within a region.
-class PAIR {
- public:
-  PAIR(const RASTER_READER& a, const RASTER_READER& b,
-       const std::vector<const RASTER_READER*>& masks, const REGION& region)
-      : a_(a), b_(b), masks_(masks), region_(region) {}
+/// What is left of a once it is fitted to b.
+struct RESIDUAL_SUMS {
+  double phase = 0.0;  ///< squared phases
+  double phase_weighted = 0.0;
+  double amplitude = 0.0;
+  double difference = 0.0;
 
-  /// Calls `handle(a, b)` for the pixels to compare, line by line.
-  template <class HANDLE>
-  void ForEachPixel(HANDLE handle) const {
-    for (std::int64_t i = 0; i < region_.n_lines; ++i) {
-      const std::int64_t line = region_.first_line + i;
-      const LINE a = Read(a_, line);
-      const LINE b = Read(b_, line);
-      const std::vector<bool> valid = ReadMasks(line);
-      for (std::size_t sample = 0; sample < a.size(); ++sample) {
-        if (valid[sample] && IsUsable(a[sample]) && IsUsable(b[sample])) {
-          handle(a[sample], b[sample]);
-        }
-      }
-    }
+  void Add(const RESIDUAL_SUMS& other) {
+    phase += other.phase;
+    phase_weighted += other.phase_weighted;
+    amplitude += other.amplitude;
+    difference += other.difference;
   }
-
- private:
-  LINE Read(const RASTER_READER& raster, std::int64_t line) const {
-    LINE values(static_cast<std::size_t>(region_.n_samples));
-    raster.ReadLine(line, region_.first_sample, values);
-    return values;
-  }
-
-  std::vector<bool> ReadMasks(std::int64_t line) const {
-    std::vector<bool> valid(static_cast<std::size_t>(region_.n_samples), true);
-    for (const RASTER_READER* mask : masks_) {
-      const LINE values = Read(*mask, line);
-      for (std::size_t sample = 0; sample < valid.size(); ++sample) {
-        valid[sample] = valid[sample] && values[sample] != 0.0;
-      }
-    }
-    return valid;
-  }
-
-  const RASTER_READER& a_;
-  const RASTER_READER& b_;
-  const std::vector<const RASTER_READER*>& masks_;
-  const REGION region_;
 };
 
-PAIR_SUMS SumPixels(const PAIR& pair) {
-  PAIR_SUMS sums;
-  pair.ForEachPixel([&](const VALUE& a, const VALUE& b) { sums.Add(PAIR_SUMS::Of(a, b)); });
+double Power(const VALUE& value) {
+  return value.real() * value.real() + value.imag() * value.imag();
+}
+
+RESIDUAL_SUMS SumResiduals(const LINE& line, const VALUE& factor) {
+  RESIDUAL_SUMS sums;
+  for (std::size_t i = 0; i < line.a.size(); ++i) {
+    const VALUE& a = line.a[i];
+    const VALUE& b = line.b[i];
+    const VALUE fitted = {factor.real() * a.real() - factor.imag() * a.imag(),
+                          factor.real() * a.imag() + factor.imag() * a.real()};
+    const double phase = std::atan2(fitted.imag() * b.real() - fitted.real() * b.imag(),
+                                    fitted.real() * b.real() + fitted.imag() * b.imag());
+    const double power = Power(b);
+    const double amplitude = std::sqrt(Power(fitted)) - std::sqrt(power);
+    sums.phase += phase * phase;
+    sums.phase_weighted += phase * phase * power;
+    sums.amplitude += amplitude * amplitude;
+    sums.difference += Power(fitted - b);
+  }
   return sums;
 }
 
 }  // namespace
 
-COMPARISON Compare(const RASTER_READER& a, const RASTER_READER& b,
-                   const std::vector<const RASTER_READER*>& masks, const REGION& region) {
-  const PAIR pair(a, b, masks, region);
-  const PAIR_SUMS sums = SumPixels(pair);
+COMPARISON Compare(const PAIR_LINES& pair, const REGION& region) {
+  const auto sums =
+      SumLines<PAIR_SUMS>(pair, region, [](const LINE& line) { return SumPairs(line.a, line.b); });
   const VALUE factor = std::conj(sums.cross) / sums.power_a;
-
-  double phase = 0.0;
-  double phase_weighted = 0.0;
-  double amplitude = 0.0;
-  double difference = 0.0;
-  pair.ForEachPixel([&](const VALUE& value_a, const VALUE& value_b) {
-    const VALUE fitted = factor * value_a;
-    const double deviation = std::arg(fitted * std::conj(value_b));
-    phase += deviation * deviation;
-    phase_weighted += deviation * deviation * std::norm(value_b);
-    amplitude += std::pow(std::abs(fitted) - std::abs(value_b), 2);
-    difference += std::norm(fitted - value_b);
-  });
+  const auto rest = SumLines<RESIDUAL_SUMS>(
+      pair, region, [&](const LINE& line) { return SumResiduals(line, factor); });
   return {.compared = static_cast<std::int64_t>(sums.weight),
           .coherence = sums.Coherence(),
           .phase_mean = sums.weight > 0.0 ? std::arg(sums.cross) : NAN,
-          .phase_rms = std::sqrt(phase / sums.weight),
-          .phase_rms_weighted = std::sqrt(phase_weighted / sums.power_b),
-          .amplitude_error = std::sqrt(amplitude / sums.power_b),
-          .complex_error = std::sqrt(difference / sums.power_b),
+          .phase_rms = std::sqrt(rest.phase / sums.weight),
+          .phase_rms_weighted = std::sqrt(rest.phase_weighted / sums.power_b),
+          .amplitude_error = std::sqrt(rest.amplitude / sums.power_b),
+          .complex_error = std::sqrt(rest.difference / sums.power_b),
           .gain = 1.0 / std::abs(factor)};
 }

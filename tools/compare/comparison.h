@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
-#include "common/raster_reader.h"
+#include "common/pair_lines.h"
 
 /// A rectangle of pixels.
 struct REGION {
@@ -26,7 +25,6 @@ struct COMPARISON {
   double gain = 0.0;                ///< 1 / |c|: amplitude of a relative to b
 };
 
-/// Compares within a region, going through it twice. A pixel is valid where all masks are not 0.
-/// Without any pixel to compare all figures but the count are NaN.
-COMPARISON Compare(const RASTER_READER& a, const RASTER_READER& b,
-                   const std::vector<const RASTER_READER*>& masks, const REGION& region);
+/// Compares within a region, going through it twice, on all processors. Without any pixel to
+/// compare all figures but the count are NaN.
+COMPARISON Compare(const PAIR_LINES& pair, const REGION& region);
