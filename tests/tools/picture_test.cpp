@@ -6,9 +6,9 @@
 #include <stdexcept>
 
 #include "picture/figure.h"
-#include "png/multilook.h"
+#include "picture/multilook.h"
+#include "picture/raster_figure.h"
 #include "png/png_command.h"
-#include "png/raster_figure.h"
 #include "tools/image_test.h"
 
 namespace {
@@ -141,6 +141,7 @@ TEST_F(RasterFigureTest, SizeFollowsTheImageUnlessWanted) {
   EXPECT_TRUE(is(ShownSize(300, 100, {}), 600, 200)) << "whole multiples";
   EXPECT_TRUE(is(ShownSize(1000000, 1, {}), 800, 1));
   EXPECT_TRUE(is(ShownSize(1, 1000000, {100, {}}), 100, largest_picture));
+  EXPECT_TRUE(is(ShownSize(2000, 8000, {{}, {}, RANGE_AZIMUTH<int>{4, 20}}), 500, 400));
 }
 
 TEST_F(RasterFigureTest, RefusesRastersThatDoNotFit) {
@@ -164,7 +165,8 @@ TEST_F(RasterFigureTest, CommandWritesEveryKind) {
   const std::string picture = Path("picture.png");
   for (const std::string& rasters :
        {"amplitude " + image, "phase " + image, "mask " + mask,
-        "interferogram " + image + " " + image, "coherence " + image + " " + image}) {
+        "interferogram " + image + " " + image, "coherence " + image + " " + image,
+        "pair --looks 2,4 " + image + " " + image}) {
     std::filesystem::remove(picture);
     CLI::App app;
     AddPngCommand(app);

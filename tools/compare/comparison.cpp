@@ -1,7 +1,10 @@
 #include "compare/comparison.h"
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
+#include <limits>
+#include <numbers>
 
 #include "common/parallel_lines.h"
 
@@ -46,6 +49,34 @@ double Power(const VALUE& value) {
   return value.real() * value.real() + value.imag() * value.imag();
 }
 
+/// |arg(re + i im)|, 0 for 0, to 1e-10 and several times faster than the library's: it is what a
+/// comparison would spend most of its time on. The series of atan for at most tan(pi / 8), which
+/// the symmetries of the circle reduce every angle to.
+double AbsolutePhase(double re, double im) {
+  constexpr double pi = std::numbers::pi;
+  constexpr double tangent_of_eighth = std::numbers::sqrt2 - 1.0;
+  const double x = std::abs(re);
+  const double y = std::abs(im);
+  const double low = std::min(x, y);
+  const double high = std::max(x, y);
+  // Factors of 0 and 1 in place of decisions, which no processor can foresee in noise.
+  const double beyond_eighth = static_cast<double>(low > tangent_of_eighth * high);
+  const double steep = static_cast<double>(y > x);
+  const double backward = static_cast<double>(re < 0.0);
+  const double t = (low - beyond_eighth * high) /
+                   (high + beyond_eighth * low + std::numeric_limits<double>::min());
+  const double z = t * t;
+  // 1 - z / 3 + z^2 / 5 - ..., the even and the odd terms by themselves, which run side by side.
+  const double zz = z * z;
+  const double even =
+      1.0 + zz * (1.0 / 5 + zz * (1.0 / 9 + zz * (1.0 / 13 + zz * (1.0 / 17 + zz * (1.0 / 21)))));
+  const double odd = 1.0 / 3 + zz * (1.0 / 7 + zz * (1.0 / 11 + zz * (1.0 / 15 + zz * (1.0 / 19))));
+  const double series = even - z * odd;
+  const double in_eighth = t * series + 0.25 * pi * beyond_eighth;
+  const double in_quarter = 0.5 * pi * steep + (1.0 - 2.0 * steep) * in_eighth;
+  return pi * backward + (1.0 - 2.0 * backward) * in_quarter;
+}
+
 RESIDUAL_SUMS SumResiduals(const LINE& line, const VALUE& factor) {
   RESIDUAL_SUMS sums;
   for (std::size_t i = 0; i < line.a.size(); ++i) {
@@ -53,15 +84,18 @@ RESIDUAL_SUMS SumResiduals(const LINE& line, const VALUE& factor) {
     const VALUE& b = line.b[i];
     const VALUE fitted = {factor.real() * a.real() - factor.imag() * a.imag(),
                           factor.real() * a.imag() + factor.imag() * a.real()};
-    const double phase = std::atan2(fitted.imag() * b.real() - fitted.real() * b.imag(),
-                                    fitted.real() * b.real() + fitted.imag() * b.imag());
+    const double re = fitted.real() * b.real() + fitted.imag() * b.imag();
+    const double im = fitted.imag() * b.real() - fitted.real() * b.imag();
+    const double phase = AbsolutePhase(re, im);
     const double power = Power(b);
-    const double amplitude = std::sqrt(Power(fitted)) - std::sqrt(power);
+    const double fitted_power = Power(fitted);
     sums.phase += phase * phase;
     sums.phase_weighted += phase * phase * power;
-    sums.amplitude += amplitude * amplitude;
+    sums.amplitude += fitted_power + power - 2.0 * std::sqrt(fitted_power * power);
     sums.difference += Power(fitted - b);
   }
+  // Rounding may leave less than nothing of equal amplitudes.
+  sums.amplitude = std::max(sums.amplitude, 0.0);
   return sums;
 }
 

@@ -8,7 +8,7 @@
 #include "base/error_exception.h"
 #include "common/raster_reader.h"
 #include "mapping/mapping_polynomial.h"
-#include "png/raster_figure.h"
+#include "picture/raster_figure.h"
 
 namespace {
 

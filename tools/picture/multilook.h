@@ -4,7 +4,7 @@
 
 #include "common/pair_sums.h"
 #include "picture/grid.h"
-#include "png/line_sums.h"
+#include "picture/line_sums.h"
 
 /// Sums up the pixels of each cell of a grid that divides an image of samples x lines into boxes
 /// of equal size. A pixel on the border of two boxes belongs to both in proportion, so that all

@@ -1,4 +1,4 @@
-#include "png/multilook.h"
+#include "picture/multilook.h"
 
 #include <algorithm>
 #include <vector>

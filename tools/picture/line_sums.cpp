@@ -1,4 +1,4 @@
-#include "png/line_sums.h"
+#include "picture/line_sums.h"
 
 #include <algorithm>
 #include <cmath>

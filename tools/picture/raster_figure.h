@@ -2,7 +2,7 @@
 
 #include "common/raster_reader.h"
 #include "picture/figure.h"
-#include "png/picture_size.h"
+#include "picture/picture_size.h"
 
 /// The figures average the pixels down to the wanted size in one pass over the lines. Pixels
 /// that are 0, which marks missing data, or not finite are left out. Throw std::invalid_argument
@@ -12,10 +12,12 @@
 FIGURE AmplitudeFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted);
 /// Phase of the averaged complex values, in radians.
 FIGURE PhaseFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted);
-/// Phase of a * conj(b) averaged within boxes of at least 3 x 3 pixels, in radians.
+/// Phase of a * conj(b) averaged within boxes of at least the wanted looks, or 3 x 3 pixels, in
+/// radians.
 FIGURE InterferogramFigure(const RASTER_READER& a, const RASTER_READER& b,
                            const PICTURE_SIZE& wanted);
-/// Coherence within boxes of at least 5 x 5 pixels, as far as the image has them.
+/// Coherence within boxes of at least the wanted looks, or 5 x 5 pixels, as far as the image has
+/// them.
 FIGURE CoherenceFigure(const RASTER_READER& a, const RASTER_READER& b, const PICTURE_SIZE& wanted);
 /// Mean of real pixels; the scale runs from the 1st to the 99th percentile.
 FIGURE ValueFigure(const RASTER_READER& image, const PICTURE_SIZE& wanted);

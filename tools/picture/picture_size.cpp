@@ -1,4 +1,4 @@
-#include "png/picture_size.h"
+#include "picture/picture_size.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,8 +27,9 @@ double Zoom(double samples, double lines, const PICTURE_SIZE& wanted) {
 }  // namespace
 
 SIZE ShownSize(std::int64_t samples, std::int64_t lines, const PICTURE_SIZE& wanted) {
-  const auto n_samples = static_cast<double>(samples);
-  const auto n_lines = static_cast<double>(lines);
+  const RANGE_AZIMUTH<int> looks = wanted.looks.value_or(RANGE_AZIMUTH<int>{1, 1});
+  const double n_samples = static_cast<double>(samples) / looks.range;
+  const double n_lines = static_cast<double>(lines) / looks.azimuth;
   const double zoom = Zoom(n_samples, n_lines, wanted);
   return {wanted.width.value_or(ToPictureLength(n_samples * zoom)),
           wanted.height.value_or(ToPictureLength(n_lines * zoom))};

@@ -1,4 +1,4 @@
-#include "png/raster_figure.h"
+#include "picture/raster_figure.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "png/multilook.h"
+#include "picture/multilook.h"
 
 namespace {
 
@@ -48,8 +48,9 @@ FIGURE MultilookedFigure(const RASTER_READER& image, const LINE_SUMS& line_sums,
                          const PICTURE_SIZE& wanted, int box, VALUE_OF value_of) {
   RefuseEmpty(image);
   const SIZE size = ShownSize(image.Width(), image.Height(), wanted);
-  const int columns = CellCount(size.width, image.Width(), box);
-  const int rows = CellCount(size.height, image.Height(), box);
+  const RANGE_AZIMUTH<int> looks = wanted.looks.value_or(RANGE_AZIMUTH<int>{box, box});
+  const int columns = CellCount(size.width, image.Width(), looks.range);
+  const int rows = CellCount(size.height, image.Height(), looks.azimuth);
   const GRID<PAIR_SUMS> sums = Multilook(line_sums, image.Width(), image.Height(), columns, rows);
   GRID<double> values(columns, rows);
   std::transform(sums.Cells().begin(), sums.Cells().end(), values.Cells().begin(), value_of);
