@@ -63,8 +63,10 @@ void Convert(const NEW_FILES& rasters, const INTERFEROGRAM_OPTIONS& options) {
   NEW_FILES converted(out.parent_path());
   for (const char* ending : endings) {
     const RASTER_READER raster(rasters.PathOf(NameOf(out, ending, own_extension)));
-    WriteGdalCopy(raster, converted.PathOf(NameOf(out, ending, out.extension())), "",
-                  options.creation_options, [](double) {});
+    WriteGdalCopy(
+        raster, converted.PathOf(NameOf(out, ending, out.extension())),
+        {.driver = {}, .creation_options = options.creation_options, .type = {}, .mask = {}},
+        [](double) {});
   }
   converted.Finish();
 }
