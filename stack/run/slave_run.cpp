@@ -56,8 +56,6 @@ bool WillComeAgain(int signal) {
   return std::find(signals.begin(), signals.end(), signal) != signals.end();
 }
 
-constexpr const char* put_back = "put back into the queue by Slurm";
-
 class SLAVE_RUN {
  public:
   SLAVE_RUN(const SLAVE_FOLDER& folder, const FILE_LOCK& lock)
@@ -102,7 +100,8 @@ class SLAVE_RUN {
         const bool is_requeued = !task_.empty() && attempt.task == task_;
         attempt.ended = SecondsSince1970();
         attempt.died = !is_requeued;
-        attempt.how = is_requeued ? put_back : "died with its machine or its job";
+        attempt.how =
+            is_requeued ? "put back into the queue by Slurm" : "died with its machine or its job";
       }
     }
   }
@@ -248,14 +247,15 @@ class SLAVE_RUN {
     attempt.how = reason_ = "ended by signal " + std::to_string(signals_.EndAsked());
     End(state, reason_);
     if (const auto report = task_.empty() ? std::nullopt : ReportOfTask(task_)) {
-      if (report->state == "TIMEOUT") {
+      if (report->state == "TIMEOUT" || report->reason == "TimeLimit") {
         state = SLAVE_STATE::TIMED_OUT;
       } else if (report->state == "CANCELLED") {
         state = SLAVE_STATE::CANCELLED;
+        attempt.how = reason_ = report->Text();
       }
-      const bool is_requeued = report->state == "COMPLETING" || report->state == "PENDING" ||
-                               report->state == "REQUEUED";
-      attempt.how = reason_ = is_requeued ? put_back : report->Text();
+    }
+    if (state == SLAVE_STATE::TIMED_OUT) {
+      attempt.how = reason_ = "time limit of the queue";
     }
     return state;
   }

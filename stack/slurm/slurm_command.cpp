@@ -19,14 +19,22 @@ std::string Field(const std::string& line, const std::string& name) {
 }
 
 std::optional<TASK_REPORT> AskController(const std::string& task) {
-  const COMMAND_RESULT result = RunSlurmCommand({"scontrol", "--oneliner", "show", "job", task});
-  if (result.end.exit_status != 0) {
-    return std::nullopt;
+  const auto show = [](const std::string& job) {
+    return RunSlurmCommand({"scontrol", "--oneliner", "show", "job", job});
+  };
+  const COMMAND_RESULT result = show(task);
+  if (result.end.exit_status == 0) {
+    return TASK_REPORT{.state = Field(result.text, "JobState"),
+                       .reason = Field(result.text, "Reason"),
+                       .exit = Field(result.text, "ExitCode"),
+                       .node = Field(result.text, "NodeList")};
   }
-  return TASK_REPORT{.state = Field(result.text, "JobState"),
-                     .reason = Field(result.text, "Reason"),
-                     .exit = Field(result.text, "ExitCode"),
-                     .node = Field(result.text, "NodeList")};
+  // A task becomes a job of its own when it begins: one that was taken out of its array before is
+  // not known any more as long as the array is.
+  if (show(task.substr(0, task.find('_'))).end.exit_status == 0) {
+    return TASK_REPORT{.state = "CANCELLED", .reason = "", .exit = "", .node = ""};
+  }
+  return std::nullopt;
 }
 
 std::optional<TASK_REPORT> AskAccounting(const std::string& task) {
