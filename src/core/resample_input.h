@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "annotation/image_mode.h"
+#include "annotation/annotation_types.h"
 #include "core/doppler_centroid_model.h"
 #include "core/resample_thr_arg.h"
 #include "interpolation/interpolation_kernel.h"

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "annotation/image_mode.h"
+#include "annotation/annotation_types.h"
 #include "core/doppler_centroid_model.h"
 #include "core/thread_argument.h"
 #include "interpolation/interpolation_kernel.h"

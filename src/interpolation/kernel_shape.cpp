@@ -1,7 +1,9 @@
 #include "interpolation/kernel_shape.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <ranges>
 
 #include "base/error_exception.h"
 #include "logging/logging.h"
@@ -35,7 +37,27 @@ double BesselI0(double z) {
   return sum;
 }
 
+// An id that two shapes shared, or that none had, would be a type without a name.
+static_assert(std::ranges::equal(kernel_shapes,
+                                 std::views::iota(1, static_cast<int>(kernel_shapes.size()) + 1),
+                                 {}, &KERNEL_SHAPE::id));
+
+/// The shapes between the two entries that stand for no kernel.
+constexpr auto EntriesOfShapes() {
+  std::array<BASIC::TYPES::ENUM_ENTRY, kernel_shapes.size() + 2> entries{};
+  entries.front() = entries.back() = {"-", 0, "-"};
+  for (const KERNEL_SHAPE& shape : kernel_shapes) {
+    entries.at(static_cast<std::size_t>(shape.id)) = {shape.name, 0, shape.description};
+  }
+  return entries;
+}
+
 }  // namespace
+
+std::span<const BASIC::TYPES::ENUM_ENTRY> BASIC::TYPES::KernelType::Entries() {
+  static constexpr auto entries = EntriesOfShapes();
+  return entries;
+}
 
 double CubicConvolution(double x, const KERNEL_WINDOW& /*window*/) {
   const double a = std::abs(x);

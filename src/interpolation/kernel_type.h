@@ -25,6 +25,7 @@ class KernelType : public ENUMERATION<KernelType> {
   /// Throws ERROR_ENUM_BASE_INVALID_VALUE.
   void Assign(const char* text) override { AssignNameOrDescription(text); }
 
+  /// From the table of the shapes, `kernel_shapes`.
   static std::span<const ENUM_ENTRY> Entries();
 };
 

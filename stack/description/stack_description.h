@@ -1,16 +1,10 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
-/// One slave of a stack: the parameters of its run of resample, as a configuration file gives them.
-/// Paths are absolute.
-struct STACK_SLAVE {
-  std::string name;
-  std::map<std::string, std::string> parameters;
-};
+#include "description/stack_slave.h"
 
 /// What a stack description says. Its paths are absolute and lead through no links, so that they
 /// are the same whatever path leads to the description.

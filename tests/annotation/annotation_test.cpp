@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "annotation/image_mode.h"
+#include "annotation/annotation_types.h"
 
 namespace {
 

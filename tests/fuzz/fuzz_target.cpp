@@ -44,17 +44,17 @@ void SilenceLog() {
   Require(is_done, "log is not silent");
 }
 
-MEMORY_FILE::MEMORY_FILE()
+FUZZ_FILE::FUZZ_FILE()
     : descriptor_(::memfd_create("fuzz", MFD_CLOEXEC)),
       path_("/proc/self/fd/" + std::to_string(descriptor_)) {
   Require(descriptor_ >= 0, "no memory file");
 }
 
-MEMORY_FILE::~MEMORY_FILE() {
+FUZZ_FILE::~FUZZ_FILE() {
   ::close(descriptor_);
 }
 
-void MEMORY_FILE::Set(std::string_view content) const {
+void FUZZ_FILE::Set(std::string_view content) const {
   const bool done = ::ftruncate(descriptor_, 0) == 0 &&
                     ::pwrite(descriptor_, content.data(), content.size(), 0) ==
                         static_cast<ssize_t>(content.size());

@@ -38,12 +38,12 @@ bool Succeeds(ACTION action) {
 }
 
 /// A file in memory that has a path as long as it lives.
-class MEMORY_FILE {
+class FUZZ_FILE {
  public:
-  MEMORY_FILE();
-  ~MEMORY_FILE();
-  MEMORY_FILE(const MEMORY_FILE&) = delete;
-  MEMORY_FILE& operator=(const MEMORY_FILE&) = delete;
+  FUZZ_FILE();
+  ~FUZZ_FILE();
+  FUZZ_FILE(const FUZZ_FILE&) = delete;
+  FUZZ_FILE& operator=(const FUZZ_FILE&) = delete;
 
   void Set(std::string_view content) const;
   const char* Path() const noexcept { return path_.c_str(); }

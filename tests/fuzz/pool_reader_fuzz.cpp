@@ -7,7 +7,7 @@ namespace {
 
 template <class T>
 void CheckRoundTrip(const T& value) {
-  static const MEMORY_FILE file;
+  static const FUZZ_FILE file;
   Succeeds([&] {
     file.Set(PARAMETER_POOL_ITEM("key", value, {}).Entry());
     PARAMETER_POOL pool(file.Path());
@@ -20,7 +20,7 @@ void CheckRoundTrip(const T& value) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const MEMORY_FILE file;
+  static const FUZZ_FILE file;
   SilenceLog();
   const std::string_view text = TextOf(data, size);
   file.Set(text);

@@ -65,7 +65,7 @@ class ENTRY_WRITER {
 
  private:
   std::string_view text_;
-  MEMORY_FILE file_;
+  FUZZ_FILE file_;
 };
 
 std::string WithoutBlankLines(std::string_view text) {

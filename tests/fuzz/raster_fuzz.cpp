@@ -74,7 +74,7 @@ void CheckBounds(MEM_MGR& raster, std::string_view file, PIXEL_TYPE type) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const MEMORY_FILE file;
+  static const FUZZ_FILE file;
   SilenceLog();
   const std::string_view bytes = TextOf(data, size);
   file.Set(bytes);

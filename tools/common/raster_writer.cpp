@@ -9,8 +9,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "base/parallel_lines.h"
 #include "common/new_files.h"
-#include "common/parallel_lines.h"
 #include "common/pixel_encoder.h"
 #include "raster/file_descriptor.h"
 

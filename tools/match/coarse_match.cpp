@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "common/parallel_lines.h"
+#include "base/parallel_lines.h"
 #include "match/fourier.h"
 #include "picture/grid.h"
 

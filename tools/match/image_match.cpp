@@ -6,7 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "common/parallel_lines.h"
+#include "base/parallel_lines.h"
 #include "common/polynomial_fit.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <vector>
 
-#include "common/parallel_lines.h"
+#include "base/parallel_lines.h"
 
 namespace {
 

@@ -13,7 +13,7 @@ inline constexpr COLOUR white{255, 255, 255};
 inline constexpr COLOUR black{0, 0, 0};
 
 /// A colour for every position from 0 to 1.
-using COLOUR_MAP = COLOUR (*)(double position);
+using COLOUR_RAMP = COLOUR (*)(double position);
 
 /// Black to white.
 COLOUR GreyMap(double position);

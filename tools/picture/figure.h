@@ -14,7 +14,7 @@
 struct COLOUR_SCALE {
   double low;
   double high;
-  COLOUR_MAP map;
+  COLOUR_RAMP map;
   std::string name;  ///< of the value, with its unit
   std::vector<TICK> ticks;
 };

@@ -88,7 +88,7 @@ double MeanOf(const PAIR_SUMS& sums) {
 }
 
 /// From the 1st to the 99th percentile, at least so far from end to end.
-COLOUR_SCALE PercentileScale(std::vector<double> values, double smallest_range, COLOUR_MAP map,
+COLOUR_SCALE PercentileScale(std::vector<double> values, double smallest_range, COLOUR_RAMP map,
                              const char* name) {
   std::erase_if(values, [](double value) { return std::isnan(value); });
   double low = 0.0;

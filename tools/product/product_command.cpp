@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "common/scale_option.h"
+#include "product/open_product.h"
 #include "product/product_files.h"
 
 namespace {

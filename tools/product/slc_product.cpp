@@ -1,11 +1,6 @@
 #include "product/slc_product.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <stdexcept>
-
-#include "product/rslc_product.h"
-#include "product/safe_product.h"
 
 double CENTROID_POLYNOMIALS::At(double azimuth_time, double range_time) const {
   const auto value = [&](std::size_t row) {
@@ -24,17 +19,4 @@ double CENTROID_POLYNOMIALS::At(double azimuth_time, double range_time) const {
   const double part =
       (azimuth_time - azimuth_times[row - 1]) / (azimuth_times[row] - azimuth_times[row - 1]);
   return (1.0 - part) * value(row - 1) + part * value(row);
-}
-
-std::unique_ptr<SLC_PRODUCT> OpenProduct(const std::string& path) {
-  if (!std::filesystem::exists(path)) {
-    throw std::runtime_error("there is no product " + path);
-  }
-  if (RSLC_PRODUCT::IsOne(path)) {
-    return std::make_unique<RSLC_PRODUCT>(path);
-  }
-  if (const std::string folder = SAFE_PRODUCT::FolderIn(path); !folder.empty()) {
-    return std::make_unique<SAFE_PRODUCT>(folder);
-  }
-  throw std::runtime_error(path + " is neither an RSLC in HDF5 nor a SAFE of Sentinel-1");
 }

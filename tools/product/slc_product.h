@@ -73,7 +73,3 @@ class SLC_PRODUCT {
   virtual SLC_IMAGE Describe(const SLC_IMAGE_NAME& name) const = 0;
   virtual std::unique_ptr<SLC_PIXELS> Pixels(const SLC_IMAGE_NAME& name) const = 0;
 };
-
-/// Opens a product of either kind: RSLC in HDF5, or a SAFE of Sentinel-1 as folder or zip. Throws
-/// std::runtime_error for anything else.
-std::unique_ptr<SLC_PRODUCT> OpenProduct(const std::string& path);

@@ -35,7 +35,7 @@ class TEXT_FILE {
 };
 
 /// A parameter pool: lines "key type value", vectors and matrices in braces.
-class POOL_FILE : public TEXT_FILE {
+class SCENE_POOL : public TEXT_FILE {
  public:
   using TEXT_FILE::TEXT_FILE;
 
@@ -71,7 +71,7 @@ class POOL_FILE : public TEXT_FILE {
 
 void WriteInsarPool(const SCENE_OPTIONS& options) {
   const SCENE_WARP warp(options);
-  POOL_FILE pool(options.directory + "/insar.pool");
+  SCENE_POOL pool(options.directory + "/insar.pool");
   pool.Stream() << "# Synthetic scene, seed " << options.seed << "\n";
   pool.Write("n_samples", options.n_samples);
   pool.Write("n_lines", options.n_lines);
@@ -92,7 +92,7 @@ void WriteSlavePool(const SCENE_OPTIONS& options) {
   std::vector<std::vector<double>> coefficients(azimuth_times.size());
   std::transform(azimuth_times.begin(), azimuth_times.end(), coefficients.begin(),
                  [&](double time) { return doppler.Coefficients(time); });
-  POOL_FILE pool(options.directory + "/slave.pool");
+  SCENE_POOL pool(options.directory + "/slave.pool");
   pool.Stream() << "# Synthetic scene, seed " << options.seed << "\n";
   pool.Write("imaging_mode", options.imaging_mode);
   pool.Write("prf", SCENE_DOPPLER::prf);

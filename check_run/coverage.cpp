@@ -3,7 +3,7 @@
 #include <atomic>
 #include <cmath>
 
-#include "common/parallel_lines.h"
+#include "base/parallel_lines.h"
 
 namespace {
 
