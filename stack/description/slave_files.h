@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/parameter_table.h"
-#include "description/stack_slave.h"
+#include "description/described_stack.h"
 
 /// An output has this name until its run has succeeded.
 std::filesystem::path PartialOutput(const std::filesystem::path& output);

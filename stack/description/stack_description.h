@@ -1,20 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
-#include <vector>
 
-#include "description/stack_slave.h"
-
-/// What a stack description says. Its paths are absolute and lead through no links, so that they
-/// are the same whatever path leads to the description.
-struct STACK_DESCRIPTION {
-  std::string name;
-  std::filesystem::path file;       ///< absolute
-  std::filesystem::path base;       ///< folder of the description, where relative paths begin
-  std::filesystem::path directory;  ///< of all that is kept about the stack's runs
-  std::vector<STACK_SLAVE> slaves;
-};
+#include "description/described_stack.h"
 
 /// Reads a description: a JSON object with "slaves", a list of objects that each have a "name" and
 /// parameters of resample, and optionally "name" (else the file's name without its ending),
