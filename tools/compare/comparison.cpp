@@ -6,7 +6,7 @@
 #include <limits>
 #include <numbers>
 
-#include "common/parallel_lines.h"
+#include "base/parallel_lines.h"
 
 namespace {
 

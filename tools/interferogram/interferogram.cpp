@@ -4,7 +4,7 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "common/parallel_lines.h"
+#include "base/parallel_lines.h"
 #include "common/raster_writer.h"
 
 namespace {
