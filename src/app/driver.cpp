@@ -8,6 +8,7 @@
 #include "app/parameter_table.h"
 #include "app/program_version.h"
 #include "app/resample_run.h"
+#include "base/memory_for.h"
 #include "control/controller_ifc.h"
 #include "control/standard_descriptors.h"
 #include "logging/logging.h"
@@ -47,13 +48,15 @@ void RunDriver(int argc, char** argv) {
   std::optional<RESAMPLE_RUN> run;
   VERSION_RECORD version = ProgramVersion();
   try {
-    controller.KeepFromLog(ParametersOf({PARAMETER_KIND::POOL, PARAMETER_KIND::RASTER}));
-    controller.ExplainParameters(ParameterHint);
-    controller.init(argc, argv, 1);
-    version.configuration_file = controller.ConfigurationFileName();
-    // The header uses its record up; the end of the run still needs one.
-    Log().WriteHeader(std::make_unique<VERSION_RECORD>(version));
-    run.emplace(controller);
+    WithMemoryFor("the start of", program_name, [&] {
+      controller.KeepFromLog(ParametersOf({PARAMETER_KIND::POOL, PARAMETER_KIND::RASTER}));
+      controller.ExplainParameters(ParameterHint);
+      controller.init(argc, argv, 1);
+      version.configuration_file = controller.ConfigurationFileName();
+      // The header uses its record up; the end of the run still needs one.
+      Log().WriteHeader(std::make_unique<VERSION_RECORD>(version));
+      run.emplace(controller);
+    });
     run->Execute(version);
     WriteTrailer();
   } catch (...) {

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/error_exception.h"
+#include "base/memory_for.h"
 #include "logging/logging.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
@@ -54,13 +55,13 @@ void BuildKernel(const KERNEL_PARAMETERS& parameters, RESAMPLE_INPUT& input) {
 }
 
 void MapSlave(const std::string& path, RESAMPLE_INPUT& input) {
-  input.slave.Map(path.c_str(), read_only);
+  WithMemoryFor("raster", path, [&] { input.slave.Map(path.c_str(), read_only); });
   Log().Message(DEBUG, "   - Pixel type : %d", static_cast<int>(input.slave.PixelType()));
   input.CheckSlave();
 }
 
 void MapMask(const std::string& path, RESAMPLE_INPUT& input) {
-  input.mask.Map(path.c_str(), read_only);
+  WithMemoryFor("raster", path, [&] { input.mask.Map(path.c_str(), read_only); });
   if (input.mask.BytesPerPixel() != 1) {
     Log() << ALARM << "mask is not one byte a pixel: " << path;
     throw ERROR_DATA();
@@ -90,7 +91,7 @@ void OpenMapping(const MAPPING_PARAMETERS& parameters, PARAMETER_POOL& insar_poo
 void ReadAnnotation(const std::string& slave_pool, PARAMETER_POOL& insar_pool,
                     RESAMPLE_INPUT& input) {
   PARAMETER_POOL pool(slave_pool.c_str());
-  input.doppler.Setup(pool);
+  WithMemoryFor("the centroid model of", slave_pool, [&] { input.doppler.Setup(pool); });
   input.doppler.range_start_time = ReadTime(insar_pool, "slave_first_rg_time");
   input.doppler.azimuth_start_time = ReadTime(insar_pool, "slave_first_az_time");
   Log().Message(PARAMETER, "fDC: t_rg_start = %f", input.doppler.range_start_time);

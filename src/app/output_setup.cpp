@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/error_exception.h"
+#include "base/memory_for.h"
 #include "base/same_file.h"
 #include "logging/logging.h"
 
@@ -59,8 +60,12 @@ void CheckOutputPaths(const OUTPUT_FILES& outputs, std::vector<std::string> file
 void CreateOutput(const OUTPUT_FILES& files, const RESAMPLE_INPUT& input, RESAMPLE_OUTPUT& output) {
   const int last_sample = input.n_samples - 1;
   const int last_line = input.n_lines - 1;
-  output.slave.Create(files.slave.c_str(), 0, 0, last_sample, last_line, input.slave.PixelType());
+  WithMemoryFor("raster", files.slave, [&] {
+    output.slave.Create(files.slave.c_str(), 0, 0, last_sample, last_line, input.slave.PixelType());
+  });
   if (files.mask) {
-    output.mask.Create(files.mask->c_str(), 0, 0, last_sample, last_line, PIXEL_TYPE::U_INT_8);
+    WithMemoryFor("raster", *files.mask, [&] {
+      output.mask.Create(files.mask->c_str(), 0, 0, last_sample, last_line, PIXEL_TYPE::U_INT_8);
+    });
   }
 }

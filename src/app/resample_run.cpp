@@ -4,19 +4,20 @@
 #include "app/output_setup.h"
 #include "app/parameter_check.h"
 #include "app/resampling.h"
+#include "base/memory_for.h"
 #include "logging/logging.h"
 
 using enum LOGGING_LEVEL_T;
 
 void RESAMPLE_RUN::Execute(const VERSION_RECORD& version) {
-  ReadParameters();
-  InitializeKernels();
-  MapSlaveAndMask();
-  SetupMapping();
-  AllocateOutput();
-  SetupSlcParameters();
-  PerformProcessing();
-  ReleaseMemory(version);
+  WithMemoryFor("step", "Read input parameters", [&] { ReadParameters(); });
+  WithMemoryFor("step", "Initialize Kernels", [&] { InitializeKernels(); });
+  WithMemoryFor("step", "Map input slave and mask", [&] { MapSlaveAndMask(); });
+  WithMemoryFor("step", "Setup input mapping", [&] { SetupMapping(); });
+  WithMemoryFor("step", "Allocate output", [&] { AllocateOutput(); });
+  WithMemoryFor("step", "Setup SLC parameters", [&] { SetupSlcParameters(); });
+  WithMemoryFor("step", "Perform processing", [&] { PerformProcessing(); });
+  WithMemoryFor("step", "Memory de-allocation", [&] { ReleaseMemory(version); });
 }
 
 void RESAMPLE_RUN::ReadParameters() {

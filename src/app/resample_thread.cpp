@@ -1,6 +1,9 @@
 #include "app/resample_thread.h"
 
+#include <string>
+
 #include "base/error_exception.h"
+#include "base/memory_for.h"
 #include "logging/logging.h"
 
 namespace {
@@ -30,13 +33,7 @@ void WithCodec(PIXEL_TYPE type, const HANDLE& handle) {
   }
 }
 
-}  // namespace
-
-void CheckPixelTypeIsSupported(PIXEL_TYPE type) {
-  WithCodec(type, [](auto) {});
-}
-
-void ResampleThread(RESAMPLE_WORK& work) {
+void ResampleBlock(const RESAMPLE_WORK& work) {
   const URANGE<unsigned int>& block = work.block;
   Log().Message(TRACE, "Thread %d, getstart = %u,getend = %u", work.worker_number, block.First(),
                 block.Last());
@@ -46,4 +43,14 @@ void ResampleThread(RESAMPLE_WORK& work) {
     throw ERROR_DATA();
   }
   WithCodec(type, [&]<class CODEC>(CODEC) { RunCore<CODEC>(work); });
+}
+
+}  // namespace
+
+void CheckPixelTypeIsSupported(PIXEL_TYPE type) {
+  WithCodec(type, [](auto) {});
+}
+
+void ResampleThread(RESAMPLE_WORK& work) {
+  WithMemoryFor("worker", std::to_string(work.worker_number), [&] { ResampleBlock(work); });
 }

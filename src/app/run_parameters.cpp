@@ -6,6 +6,7 @@
 
 #include "app/parameter_table.h"
 #include "base/error_exception.h"
+#include "base/memory_for.h"
 #include "logging/logging.h"
 
 namespace {
@@ -73,9 +74,11 @@ void CheckOutputSize(const OUTPUT_SIZE& size) {
 }  // namespace
 
 std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name) {
-  std::string value;
-  controller.GetParameter(name, value);
-  return value;
+  return WithMemoryFor("parameter", name, [&] {
+    std::string value;
+    controller.GetParameter(name, value);
+    return value;
+  });
 }
 
 INPUT_FILES ReadInputFiles(CONTROLLER_IFC& controller) {

@@ -1,25 +1,37 @@
 #include "app/run_pools.h"
 
 #include "app/run_parameters.h"
+#include "base/memory_for.h"
 #include "control/processing_history.h"
 #include "logging/logging.h"
 
+namespace {
+
+std::shared_ptr<PARAMETER_POOL_READ_WRITE_CHANGE> OpenPool(const std::string& name) {
+  return WithMemoryFor("parameter file", name, [&] {
+    return std::make_shared<PARAMETER_POOL_READ_WRITE_CHANGE>(name.c_str());
+  });
+}
+
+}  // namespace
+
 void RUN_POOLS::OpenInsarPool(CONTROLLER_IFC& controller) {
   insar_name = MandatoryParameter(controller, "INSAR_PARAMETER_POOL");
-  insar = std::make_shared<PARAMETER_POOL_READ_WRITE_CHANGE>(insar_name.c_str());
+  insar = OpenPool(insar_name);
 }
 
 void RUN_POOLS::OpenLogPool(CONTROLLER_IFC& controller) {
   const std::string name = MandatoryParameter(controller, "log_pp");
-  log =
-      name == insar_name ? insar : std::make_shared<PARAMETER_POOL_READ_WRITE_CHANGE>(name.c_str());
+  log = name == insar_name ? insar : OpenPool(name);
 }
 
 void RUN_POOLS::AddRunToHistory(const VERSION_RECORD& version) const {
-  PROCESSING_HISTORY().AddRun(*log, {.name = version.display_name,
-                                     .version = version.version,
-                                     .date = version.compile_date,
-                                     .start_time = Log().StartTime()});
+  WithMemoryFor("the processing history in", log->FileName(), [&] {
+    PROCESSING_HISTORY().AddRun(*log, {.name = version.display_name,
+                                       .version = version.version,
+                                       .date = version.compile_date,
+                                       .start_time = Log().StartTime()});
+  });
 }
 
 void RUN_POOLS::Update(const VERSION_RECORD& version) {

@@ -48,15 +48,12 @@ PoolValueType PARAMETER_POOL::TypeOf(const STRING& key) const {
 }
 
 bool PARAMETER_POOL::FindLine(const STRING& key, POOL_LINE& line) const {
-  RequireFile();
-  const POOL_LOCK lock(file_, POOL_LOCK::KIND::SHARED);
-  POOL_LINES lines(file_);
-  return FindKeyLine(lines, key.Text(), line);
-}
-
-POOL_ENTRY PARAMETER_POOL::Entry(const STRING& key) const {
-  RequireFile();
-  return {file_, key, error_level_};
+  return WithMemoryFor("parameter", key.Text(), [&] {
+    RequireFile();
+    const POOL_LOCK lock(file_, POOL_LOCK::KIND::SHARED);
+    POOL_LINES lines(file_);
+    return FindKeyLine(lines, key.Text(), line);
+  });
 }
 
 void PARAMETER_POOL::RequireFile() const {

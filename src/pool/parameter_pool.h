@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/enum_base.h"
+#include "base/memory_for.h"
 #include "base/string.h"
 #include "logging/logging.h"
 #include "pool/pool_entry.h"
@@ -29,22 +30,14 @@ class PARAMETER_POOL {
   /// PARAMETER_OUT_OF_BOUNDS, their root ERROR_PARAMETER_POOL and ERROR_NO_MEMORY.
   template <POOL_VALUE T>
   void Read(const STRING& key, T& value) {
-    POOL_ENTRY entry = Entry(key);
-    entry.Expect(pool_type_of<T>);
-    entry.Read(value);
-    Trace("Read", key, pool_type_of<T>);
+    ReadEntry(key, value);
   }
 
   /// Vectors, also as VECTOR<T>. The element of index i stands at index i of the result, whose
   /// first index is 0; elements in front of the entry's first index are default ones.
   template <class T>
   requires POOL_VALUE<ARRAY<T>>
-  void Read(const STRING& key, ARRAY<T>& value) {
-    POOL_ENTRY entry = Entry(key);
-    entry.Expect(pool_type_of<ARRAY<T>>);
-    entry.Read(value);
-    Trace("Read", key, pool_type_of<ARRAY<T>>);
-  }
+  void Read(const STRING& key, ARRAY<T>& value) { ReadEntry(key, value); }
 
   /// Reads a STR entry that holds the name of one of the enumeration's values. Throws
   /// ERROR_ENUM_BASE_INVALID_VALUE for another text.
@@ -76,7 +69,17 @@ class PARAMETER_POOL {
   void RequireFile() const;
 
  private:
-  POOL_ENTRY Entry(const STRING& key) const;
+  template <class T>
+  void ReadEntry(const STRING& key, T& value) {
+    WithMemoryFor("parameter", key.Text(), [&] {
+      RequireFile();
+      POOL_ENTRY entry(file_, key, error_level_);
+      entry.Expect(pool_type_of<T>);
+      entry.Read(value);
+      Trace("Read", key, pool_type_of<T>);
+    });
+  }
+
   bool FindLine(const STRING& key, POOL_LINE& line) const;
 
   POOL_FILE file_;

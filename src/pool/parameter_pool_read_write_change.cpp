@@ -52,8 +52,10 @@ void PARAMETER_POOL_READ_WRITE_CHANGE::Update() {
     return;
   }
   const PARAMETER_POOL_LIST items = std::exchange(items_, {});
-  const POOL_LOCK lock = LockForUpdate();
-  UpdatePoolFile(File(), items);
+  WithMemoryFor("parameter file", FileName(), [&] {
+    const POOL_LOCK lock = LockForUpdate();
+    UpdatePoolFile(File(), items);
+  });
 }
 
 void PARAMETER_POOL_READ_WRITE_CHANGE::CheckUpdate() const {

@@ -24,12 +24,12 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
   /// read back.
   template <POOL_VALUE T>
   void Write(const STRING& key, const T& value, const LIST<STRING>& comments = {}) {
-    Add(PARAMETER_POOL_ITEM(key, value, comments));
+    WithMemoryFor("parameter", key.Text(), [&] { Add(PARAMETER_POOL_ITEM(key, value, comments)); });
   }
   template <class T>
   requires POOL_VALUE<ARRAY<T>>
   void Write(const STRING& key, const ARRAY<T>& value, const LIST<STRING>& comments = {}) {
-    Add(PARAMETER_POOL_ITEM(key, value, comments));
+    WithMemoryFor("parameter", key.Text(), [&] { Add(PARAMETER_POOL_ITEM(key, value, comments)); });
   }
 
   /// Registers all of these entries or, when it throws, none.
@@ -39,12 +39,14 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
   /// Throws PARAMETER_KEY_NOT_FOUND for any other.
   template <POOL_VALUE T>
   void Change(const STRING& key, const T& value, const LIST<STRING>& comments = {}) {
-    ChangeTo(PARAMETER_POOL_ITEM(key, value, comments));
+    WithMemoryFor("parameter", key.Text(),
+                  [&] { ChangeTo(PARAMETER_POOL_ITEM(key, value, comments)); });
   }
   template <class T>
   requires POOL_VALUE<ARRAY<T>>
   void Change(const STRING& key, const ARRAY<T>& value, const LIST<STRING>& comments = {}) {
-    ChangeTo(PARAMETER_POOL_ITEM(key, value, comments));
+    WithMemoryFor("parameter", key.Text(),
+                  [&] { ChangeTo(PARAMETER_POOL_ITEM(key, value, comments)); });
   }
 
   /// `Write` for the name of an enumeration's value, as a STR entry.

@@ -172,6 +172,9 @@ TEST_F(INJECTION, OfAnAllocationEndsInSuccessOrReport) {
     SCOPED_TRACE(number);
     if (folder_.Exists("log.run")) {
       ExpectSuccessOrReport();
+      EXPECT_FALSE(Says("FATAL ERROR")) << Report();
+      EXPECT_TRUE(end_.exit_status == 0 || Says("memory") || Says("can not copy array"))
+          << Report();
     } else {  // before the run knew its name
       EXPECT_NE(end_.exit_status, 0);
       ExpectNothingLost();
