@@ -123,6 +123,8 @@ TEST(Failure, OfAParameter) {
       {Size("2147483647", "2147483647"),
        "MEM_MGR: impossible image bounds: columns 0 .. 2147483646, rows 0 .. 2147483646" +
            wrong_argument},
+      {Parameter("KERNEL_COEFFICIENT", "1e30"),  // finite, but the sums of its window are not
+       "INTERPOLATION_KERNEL: Kaiser weight is too large: 1e+30" + wrong_argument},
       {Parameter("KERNEL_COEFFICIENT", "inf"),
        "INTERPOLATION_KERNEL: Kaiser weight is too large: inf" + wrong_argument},
       {Parameter("KERNEL_SUBPIX_POS", "-3"),
