@@ -8,6 +8,7 @@
 #include "app/parameter_table.h"
 #include "app/program_version.h"
 #include "app/resample_run.h"
+#include "app/run_parameters.h"
 #include "base/memory_for.h"
 #include "control/controller_ifc.h"
 #include "control/standard_descriptors.h"
@@ -49,7 +50,7 @@ void RunDriver(int argc, char** argv) {
   VERSION_RECORD version = ProgramVersion();
   try {
     WithMemoryFor("the start of", program_name, [&] {
-      controller.KeepFromLog(ParametersOf({PARAMETER_KIND::POOL, PARAMETER_KIND::RASTER}));
+      controller.ProtectFiles(RunFileParameters());
       controller.ExplainParameters(ParameterHint);
       controller.init(argc, argv, 1);
       version.configuration_file = controller.ConfigurationFileName();
@@ -59,9 +60,9 @@ void RunDriver(int argc, char** argv) {
     });
     run->Execute(version);
     WriteTrailer();
+    // The rasters stay mapped: the files are complete when the process ends.
+    controller.FinishSuccessExit();
   } catch (...) {
     EndWithFailure(controller, run, version);
   }
-  // The rasters stay mapped: the files are complete when the process ends.
-  controller.FinishSuccessExit();
 }

@@ -134,6 +134,11 @@ void ApplyNumberOfCpus(CONTROLLER_IFC& controller) {
   }
 }
 
+CONTROLLER_IFC::FILE_PARAMETERS RunFileParameters() {
+  return {.inputs = ParametersOf({PARAMETER_KIND::POOL, PARAMETER_KIND::RASTER}),
+          .outputs = ParametersOf({PARAMETER_KIND::OUTPUT})};
+}
+
 OUTPUT_FILES ReadOutputFiles(CONTROLLER_IFC& controller) {
   return {.slave = MandatoryParameter(controller, "SlaveOut"),
           .mask = OptionalParameter(controller, "MaskOut")};

@@ -49,6 +49,9 @@ struct RUN_PARAMETERS {
   bool ps_mode = false;
 };
 
+/// The parameters that name files of a run.
+CONTROLLER_IFC::FILE_PARAMETERS RunFileParameters();
+
 /// A mandatory parameter; asked for at the keyboard when no source has it.
 std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name);
 

@@ -1,19 +1,19 @@
 #include "control/controller_ifc.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cfenv>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
 
+#include "base/error_exception.h"
 #include "base/same_file.h"
 #include "control/fatal_signal.h"
 #include "control/keyboard.h"
 #include "control/number_file.h"
 #include "control/process_id_files.h"
 #include "logging/logging.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -22,6 +22,13 @@ using enum LOGGING_LEVEL_T;
 const char* LastPathComponent(const char* path) {
   const char* const slash = std::strrchr(path, '/');
   return slash == nullptr ? path : slash + 1;
+}
+
+[[noreturn]] void ThrowCanNotRemove(const std::string& file) {
+  const std::string reason = SystemErrorText(errno);
+  Log() << ALARM << "Can not remove file " << file << "!";
+  Log() << ALARM << "reason: " << reason;
+  throw ERROR_CAN_NOT_WRITE_FILE();
 }
 
 std::optional<std::string> LookUpEnvironment(const std::string& name) {
@@ -36,30 +43,30 @@ std::optional<std::string> LookUpEnvironment(const std::string& name) {
 
 }  // namespace
 
-std::atomic<CONTROLLER_IFC*> CONTROLLER_IFC::current_ = nullptr;
-
 CONTROLLER_IFC::~CONTROLLER_IFC() {
-  CONTROLLER_IFC* self = this;
-  current_.compare_exchange_strong(self, nullptr);
+  if (PublishedRun() == &signalled_run_) {
+    PublishRun(nullptr);
+  }
 }
 
 void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
-  supervisor_flag_ = supervisor_flag;
+  signalled_run_.tells_supervisor = supervisor_flag != 0;
   TakeArguments(argc, argv);
-  // A signal that arrives right after the installation finds a controller with its paths.
-  current_ = this;
+  // A signal that arrives right after the installation finds a run with its paths.
+  PublishRun(&signalled_run_);
   InstallFatalSignalHandler();
 
   const bool run_is_named = LookUpRun();
   // The log file can not be named in the configuration file, so its name is looked up first.
-  const std::string log_file_name = LookUpLogFileName(run_is_named);
+  log_file_name_ = LookUpLogFileName(run_is_named);
   configuration_file_.Open(configuration_file_name_);
-  OpenLog(log_file_name);
+  OpenLog();
   WarnWithoutConfigurationFile();
   SetLogLevels();
 
   StopWhenAsked();
-  ::unlink(status_files_->OkFile().c_str());
+  RefuseInputsNamedLikeOwnFiles();
+  RemoveStaleOkFile();
   WriteStatusFile(status_files_->ErrorFile(), 1);
   WriteProcessIdFiles();
 }
@@ -67,13 +74,14 @@ void CONTROLLER_IFC::init(int argc, char** argv, int supervisor_flag) {
 void CONTROLLER_IFC::InitLookups(int argc, char** argv) {
   asks_nobody_ = true;
   TakeArguments(argc, argv);
-  unopened_log_ = LookUpLogFileName(LookUpRun());
+  log_file_name_ = LookUpLogFileName(LookUpRun());
   configuration_file_.Open(configuration_file_name_);
   WarnWithoutConfigurationFile();
   if (status_files_->StopFileExists()) {
     Log() << ALARM << "STOP file was found: " << status_files_->StopFile();
     throw "program execution interrupted";
   }
+  RefuseInputsNamedLikeOwnFiles();
 }
 
 void CONTROLLER_IFC::TakeArguments(int argc, char** argv) {
@@ -81,6 +89,7 @@ void CONTROLLER_IFC::TakeArguments(int argc, char** argv) {
   argv_ = argv;
   if (argc > 0) {
     argument_binary_name_ = LastPathComponent(argv[0]);
+    signalled_run_.program = argument_binary_name_;
   }
   SetStatusFiles();
 }
@@ -107,9 +116,8 @@ void CONTROLLER_IFC::SetStatusFiles() {
   if (!status_path_.empty() && !status_path_.ends_with('/')) {
     status_path_ += '/';
   }
-  auto status_files = std::make_unique<const STATUS_FILES>(status_path_, *binary_name_);
-  published_status_files_ = status_files.get();
-  status_files_ = std::move(status_files);
+  status_files_ = std::make_unique<STATUS_FILES>(status_path_, *binary_name_);
+  signalled_run_.status_files = status_files_.get();
 }
 
 std::string CONTROLLER_IFC::LookUpLogFileName(bool run_is_named) {
@@ -120,25 +128,65 @@ std::string CONTROLLER_IFC::LookUpLogFileName(bool run_is_named) {
   return name_so_far.empty() || run_is_named ? "log." + *binary_name_ : name_so_far;
 }
 
-void CONTROLLER_IFC::OpenLog(const std::string& file_name) {
-  std::vector<std::string> kept = {configuration_file_name_};
-  for (const std::string& parameter : kept_from_log_) {
-    kept.push_back(Peek(parameter).value_or(""));
+void CONTROLLER_IFC::OpenLog() {
+  std::vector<std::string> kept = {configuration_file_name_,   status_files_->StopFile(),
+                                   status_files_->ErrorFile(), status_files_->OkFile(),
+                                   current_process_file,       parent_process_file};
+  for (const auto* parameters : {&file_parameters_.inputs, &file_parameters_.outputs}) {
+    for (const std::string& parameter : *parameters) {
+      kept.push_back(Peek(parameter).value_or(""));
+    }
   }
   for (const std::string& file : kept) {
-    if (IsSameFile(file_name.c_str(), file.c_str())) {
-      Log() << ALARM << " can not open logging file: " << file_name;
+    if (!file.empty() && IsSamePath(log_file_name_, file)) {
+      Log() << ALARM << " can not open logging file: " << log_file_name_;
       Log() << ALARM << "logging would overwrite another file of the run: " << file;
       return;
     }
   }
-  Log().Open(file_name);
+  Log().Open(log_file_name_);
+}
+
+void CONTROLLER_IFC::RefuseInputsNamedLikeOwnFiles() {
+  std::vector<std::string> inputs = {configuration_file_name_};
+  for (const std::string& parameter : file_parameters_.inputs) {
+    inputs.push_back(Peek(parameter).value_or(""));
+  }
+  const std::string& ok_file = status_files_->OkFile();
+  const std::string& error_file = status_files_->ErrorFile();
+  bool is_refused = false;
+  for (const std::string& input : inputs) {
+    for (const std::string& own : {ok_file, error_file, std::string(current_process_file),
+                                   std::string(parent_process_file)}) {
+      if (!input.empty() && LeadsThrough(input, own)) {
+        Log() << ALARM << "input has the name of a file that the run writes: " << input << " is "
+              << own;
+        is_refused = true;
+        // The end of the run must not touch it either.
+        if (own == ok_file) {
+          status_files_->SpareOkFile();
+        } else if (own == error_file) {
+          status_files_->SpareErrorFile();
+        }
+      }
+    }
+  }
+  if (is_refused) {
+    throw ERROR_ARGUMENT();
+  }
+}
+
+void CONTROLLER_IFC::RemoveStaleOkFile() const {
+  if (!status_files_->RemoveOkFile()) {
+    ThrowCanNotRemove(status_files_->OkFile());
+  }
 }
 
 std::vector<std::string> CONTROLLER_IFC::OwnFiles() const {
-  return {configuration_file_name_,  Log().FileName(),           unopened_log_,
-          status_files_->StopFile(), status_files_->ErrorFile(), status_files_->OkFile(),
-          current_process_file,      parent_process_file};
+  return {configuration_file_name_,   log_file_name_,
+          Log().FileName(),           status_files_->StopFile(),
+          status_files_->ErrorFile(), status_files_->OkFile(),
+          current_process_file,       parent_process_file};
 }
 
 void CONTROLLER_IFC::SetLogLevels() {
@@ -174,6 +222,10 @@ bool CONTROLLER_IFC::GetParameter(const char* name, std::string& value, bool no_
       throw "missing parameter";
     }
     found = AskAtKeyboard(name, hint_(name));
+  }
+  if (found->find('\0') != std::string::npos) {
+    Log() << ALARM << "value with a NUL character for parameter " << name << ": " << *found;
+    throw ERROR_ARGUMENT();
   }
   value = std::move(*found);
   return true;
@@ -248,14 +300,9 @@ void CONTROLLER_IFC::WriteStatusFile(const std::string& path, int number) {
 }
 
 void CONTROLLER_IFC::RemoveErrorFile() const {
-  if (status_files_ && ::unlink(status_files_->ErrorFile().c_str()) != 0 && errno != ENOENT) {
-    Log() << WARNING << "Can not remove file " << status_files_->ErrorFile() << "!";
+  if (status_files_ && !status_files_->RemoveErrorFile()) {
+    ThrowCanNotRemove(status_files_->ErrorFile());
   }
-}
-
-bool CONTROLLER_IFC::MarkFailed() const noexcept {
-  const STATUS_FILES* const status_files = published_status_files_;
-  return status_files != nullptr && status_files->MarkFailed();
 }
 
 int CONTROLLER_IFC::FinishSuccess() {
@@ -271,7 +318,7 @@ int CONTROLLER_IFC::FinishSuccess() {
 int CONTROLLER_IFC::FinishFailure() {
   BlockFatalSignals();
   CloseConfigurationFile();
-  if (!MarkFailed() && status_files_) {
+  if (status_files_ && !status_files_->MarkFailed()) {
     Log() << WARNING << "Can not create file " << status_files_->ErrorFile() << "!";
   }
   return 1;

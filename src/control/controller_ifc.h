@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <optional>
 #include <span>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "control/configuration_file.h"
+#include "control/fatal_signal.h"
 #include "control/status_files.h"
 
 /// The program's link to whatever starts it, a supervisor of the processing chain or a person at
@@ -29,15 +29,23 @@ class CONTROLLER_IFC {
   CONTROLLER_IFC(const CONTROLLER_IFC&) = delete;
   CONTROLLER_IFC& operator=(const CONTROLLER_IFC&) = delete;
 
-  /// Parameters that name files which the log must not empty, should it be given the same name; to
-  /// be told before `init`. The log then stays without a file of its own.
-  void KeepFromLog(std::vector<std::string> names) { kept_from_log_ = std::move(names); }
+  /// Parameters that name files of the run, to be told before `init`.
+  struct FILE_PARAMETERS {
+    std::vector<std::string> inputs;
+    std::vector<std::string> outputs;
+  };
+  /// A log of the same name as one of these files stays without a file; an input of the name of a
+  /// status or process identifier file is refused.
+  void ProtectFiles(FILE_PARAMETERS parameters) { file_parameters_ = std::move(parameters); }
 
   /// Makes this the controller of the process, installs the fatal-signal handler, opens the
   /// configuration file and the log, and leaves the ERROR file, which only a successful end
   /// replaces. Ends the process with exit status 2 when the STOP file exists. The arguments must
   /// outlive the controller. With a `supervisor_flag` other than 0 fatal signals are reported to
   /// the supervisor.
+  ///
+  /// Throws ERROR_ARGUMENT for an input that is named like a file which the run writes here, and
+  /// ERROR_CAN_NOT_WRITE_FILE for an old OK file that can not be removed.
   void init(int argc, char** argv, int supervisor_flag);
 
   /// For one who only wants to know what a run with these arguments would find: opens the
@@ -53,7 +61,8 @@ class CONTROLLER_IFC {
   /// Looks a parameter up in the argument list ("-NAME value", the last one wins), the
   /// configuration file and the environment, and asks for it at the keyboard when it is in none
   /// of them. With `no_prompt` the result is false then, and `value` unchanged.
-  /// Throws a `const char*` when the keyboard's input ends.
+  /// Throws a `const char*` when the keyboard's input ends, ERROR_ARGUMENT for a value with a NUL
+  /// character, which would be cut there.
   bool GetParameter(const char* name, std::string& value, bool no_prompt = false);
   /// Whether the parameter is given without asking at the keyboard.
   bool IsGiven(const char* name);
@@ -74,18 +83,19 @@ class CONTROLLER_IFC {
   std::vector<std::string> ConfigurationFileNames() { return configuration_file_.Names(); }
   /// The files of the run's control: configuration file, log, marker and process identifier files.
   std::vector<std::string> OwnFiles() const;
-  int SupervisorFlag() const noexcept { return supervisor_flag_; }
-  void SetSupervisorFlag() noexcept { supervisor_flag_ = 1; }
+  int SupervisorFlag() const noexcept { return signalled_run_.tells_supervisor ? 1 : 0; }
+  void SetSupervisorFlag() noexcept { signalled_run_.tells_supervisor = true; }
 
   /// Creates the file with the number as its text; a failure is only logged.
   static void WriteStatusFile(const std::string& path, int number);
-  /// A failure is only logged.
+  /// Throws ERROR_CAN_NOT_WRITE_FILE when it can not be removed.
   void RemoveErrorFile() const;
   void CloseConfigurationFile() noexcept { configuration_file_.Close(); }
 
   /// The two ends of a run: they leave the OK file with 0 or the ERROR file with 1, remove the
   /// other one and return the exit status. Signals that are sent to it do not change the outcome
-  /// any more.
+  /// any more. A success next to an ERROR file that can not be removed would be none: it throws
+  /// ERROR_CAN_NOT_WRITE_FILE.
   int FinishSuccess();
   int FinishFailure();
   /// The same, and the process ends with that exit status. Objects on the stack are not torn
@@ -97,11 +107,6 @@ class CONTROLLER_IFC {
   /// instead of producing a NaN or an infinity.
   static void EnableFloatingPointTraps();
 
-  /// The controller of the process, null before `init`. Async-signal-safe, like the next one.
-  static const CONTROLLER_IFC* Current() noexcept { return current_; }
-  /// Removes the OK file and writes 1 into the ERROR file; false when that cannot be written.
-  bool MarkFailed() const noexcept;
-
  private:
   void TakeArguments(int argc, char** argv);
   void SetStatusFiles();
@@ -109,9 +114,11 @@ class CONTROLLER_IFC {
   bool LookUpRun();
   void WarnWithoutConfigurationFile() const;
   std::string LookUpLogFileName(bool run_is_named);
-  void OpenLog(const std::string& file_name);
+  void OpenLog();
   void SetLogLevels();
   void StopWhenAsked() const;
+  void RefuseInputsNamedLikeOwnFiles();
+  void RemoveStaleOkFile() const;
 
   std::optional<std::string> LookUp(const std::string& name);
   std::optional<std::string> LookUpArgument(const std::string& name) const;
@@ -121,21 +128,17 @@ class CONTROLLER_IFC {
   /// A value, wherever it comes from but the keyboard, without a line in the log.
   std::optional<std::string> Peek(const std::string& name);
 
-  static std::atomic<CONTROLLER_IFC*> current_;
-
   bool asks_nobody_ = false;
-  std::string unopened_log_;  ///< of a run that is only asked about
+  std::string log_file_name_;  ///< as asked for, whether it could be opened or not
   PARAMETER_HINT hint_ = [](const std::string&) { return std::string(); };
   int argc_ = 0;
   char** argv_ = nullptr;
-  std::vector<std::string> kept_from_log_;
+  FILE_PARAMETERS file_parameters_;
   std::optional<std::string> binary_name_;
   const char* argument_binary_name_ = "unknown";
   std::string status_path_;
   CONFIGURATION_FILE configuration_file_;
   std::string configuration_file_name_;
-  std::unique_ptr<const STATUS_FILES> status_files_;
-  /// What `status_files_` owns, for the fatal-signal handler: set in one step.
-  std::atomic<const STATUS_FILES*> published_status_files_ = nullptr;
-  std::atomic<int> supervisor_flag_ = 0;
+  std::unique_ptr<STATUS_FILES> status_files_;
+  SIGNALLED_RUN signalled_run_;  ///< shares what the fatal-signal handler needs
 };

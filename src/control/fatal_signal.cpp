@@ -12,7 +12,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "control/controller_ifc.h"
 #include "logging/logging.h"
 #include "logging/printable_text.h"
 
@@ -118,23 +117,23 @@ void WriteAlarm(const LOGGING& log, std::string_view text) noexcept {
   }
 }
 
-void ReportSignal(int signal_number, const LOGGING& log,
-                  const CONTROLLER_IFC* controller) noexcept {
+void ReportSignal(int signal_number, const LOGGING& log, const SIGNALLED_RUN* run) noexcept {
   if (log.CanShowStatus()) {
     WriteSoon(STDERR_FILENO, "\r\033[K");
   }
   SIGNAL_LINE message;
   message << "got fatal signal " << signal_number << ": " << Description(signal_number);
   WriteAlarm(log, message.Text());
-  if (controller != nullptr && controller->SupervisorFlag() != 0) {
+  if (run != nullptr && run->tells_supervisor) {
     SIGNAL_LINE supervisor_message;
-    supervisor_message << "KVT_MSG|ERROR|" << controller->ArgumentBinaryName() << " "
-                       << message.Text();
+    supervisor_message << "KVT_MSG|ERROR|" << run->program.load() << " " << message.Text();
     supervisor_message.MakePrintable();
     WriteAlarm(log, supervisor_message.Text());
   }
+  log.RemoveTemporaryFile();
 }
 
+std::atomic<const SIGNALLED_RUN*> published_run = nullptr;
 std::atomic_flag signal_taken = ATOMIC_FLAG_INIT;
 /// Whether the process ends as it has decided to.
 std::atomic<bool> end_is_decided = false;
@@ -158,14 +157,16 @@ extern "C" void HandleFatalSignal(int signal_number, siginfo_t* info, void* /*co
       ::pause();
     }
   }
-  const CONTROLLER_IFC* const controller = CONTROLLER_IFC::Current();
+  const SIGNALLED_RUN* const run = published_run;
   if (const LOGGING* const log = ExistingLog(); log != nullptr) {
-    ReportSignal(signal_number, *log, controller);
+    ReportSignal(signal_number, *log, run);
   }
-  if (controller == nullptr) {
+  if (run == nullptr) {
     ::_exit(255);
   }
-  controller->MarkFailed();
+  if (const STATUS_FILES* const status_files = run->status_files; status_files != nullptr) {
+    status_files->MarkFailed();
+  }
   ::_exit(1);
 }
 
@@ -180,6 +181,14 @@ void UseSignalStack() {
 }
 
 }  // namespace
+
+void PublishRun(const SIGNALLED_RUN* run) noexcept {
+  published_run = run;
+}
+
+const SIGNALLED_RUN* PublishedRun() noexcept {
+  return published_run;
+}
 
 void InstallFatalSignalHandler() {
   UseSignalStack();

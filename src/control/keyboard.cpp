@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "logging/logging.h"
+#include "system/whole_write.h"
 
 namespace {
 
@@ -72,20 +73,6 @@ std::string ReadWord() {
   return word;
 }
 
-/// Gives up on a failure: a question that cannot be shown can still be answered.
-void Show(int file, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = ::write(file, text.data(), text.size());
-    if (written < 0 && errno == EINTR) {
-      continue;
-    }
-    if (written <= 0) {
-      return;
-    }
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
 }  // namespace
 
 std::string AskAtKeyboard(const std::string& name, const std::string& hint) {
@@ -97,10 +84,11 @@ std::string AskAtKeyboard(const std::string& name, const std::string& hint) {
   std::string word;
   {
     const INPUT_ALARM alarm(seconds);
+    // A question that cannot be shown can still be answered.
     if (::isatty(STDERR_FILENO) != 0) {
-      Show(STDERR_FILENO, hint);
+      WriteWhole(STDERR_FILENO, hint);
     }
-    Show(STDOUT_FILENO, name + " := ");
+    WriteWhole(STDOUT_FILENO, name + " := ");
     word = ReadWord();
   }
   if (word.empty()) {

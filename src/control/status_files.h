@@ -1,10 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 
 /// The marker files of one run in its status directory: "STOP.", "ERROR." and "OK." followed by
-/// the name of the run. Immutable once made, so that the fatal-signal handler can use it at any
-/// moment.
+/// the name of the run. The fatal-signal handler can use it at any moment.
 class STATUS_FILES {
  public:
   /// `directory` ends with "/", or is empty for the current directory.
@@ -16,12 +16,21 @@ class STATUS_FILES {
 
   /// Whether the STOP file can be opened for reading; its content does not matter.
   bool StopFileExists() const noexcept;
+  /// Each removes its file; false, with `errno`, when one stays.
+  bool RemoveOkFile() const noexcept;
+  bool RemoveErrorFile() const noexcept;
   /// Removes the OK file and writes 1 into the ERROR file, if need be with the descriptor of
   /// standard input; false when that cannot be written. Async-signal-safe.
   bool MarkFailed() const noexcept;
+
+  /// From here on the OK file or the ERROR file is left alone: another's file has its name.
+  void SpareOkFile() noexcept { spares_ok_file_ = true; }
+  void SpareErrorFile() noexcept { spares_error_file_ = true; }
 
  private:
   std::string stop_file_;
   std::string error_file_;
   std::string ok_file_;
+  std::atomic<bool> spares_ok_file_ = false;
+  std::atomic<bool> spares_error_file_ = false;
 };

@@ -1,10 +1,8 @@
 #include "logging/logging.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -14,6 +12,8 @@
 
 #include "logging/execution_time.h"
 #include "logging/printable_text.h"
+#include "system/c_locale.h"
+#include "system/whole_write.h"
 
 namespace {
 
@@ -21,32 +21,6 @@ using enum LOGGING_LEVEL_T;
 
 constexpr std::string_view star_line =
     "***********************************************************";
-
-/// Writes all bytes, going on after interruptions and short writes. A failure is final: there
-/// is nowhere to report that the log itself cannot be written.
-void WriteAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) {
-      continue;
-    }
-    if (written <= 0) {
-      return;
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
-/// Creates or empties a log file. A FIFO that nobody reads is a failure and not a wait without end;
-/// one that is read takes every line in full.
-int OpenWaitingForNobody(const std::string& name) {
-  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
-  const int file = ::open(name.c_str(), flags | O_NONBLOCK, 0666);
-  if (file >= 0) {
-    ::fcntl(file, F_SETFL, O_APPEND);
-  }
-  return file;
-}
 
 std::string LocalTime(std::time_t time) {
   std::array<char, 32> text{};  // ctime_r needs 26
@@ -66,6 +40,7 @@ std::string HostName() {
 __attribute__((format(printf, 1, 0)))  // else the compiler can not check what it is handed
 std::string
 FormatText(const char* format, std::va_list arguments) {
+  const C_LOCALE c_locale;
   std::va_list measured;
   va_copy(measured, arguments);
   // The analyzer does not see that va_copy initialises its target.
@@ -125,11 +100,13 @@ LOG_LINE& LOG_LINE::operator<<(unsigned long long value) {
 }
 
 LOG_LINE& LOG_LINE::operator<<(double value) {
+  const C_LOCALE c_locale;
   text_ += std::to_string(value);
   return *this;
 }
 
 LOG_LINE& LOG_LINE::operator<<(long double value) {
+  const C_LOCALE c_locale;
   std::array<char, 64> digits{};
   std::snprintf(digits.data(), digits.size(), "%LG", value);
   text_ += digits.data();
@@ -139,13 +116,11 @@ LOG_LINE& LOG_LINE::operator<<(long double value) {
 LOGGING::LOGGING(std::string_view file_name, std::string_view program_name,
                  LOGGING_LEVEL_T screen_level, LOGGING_LEVEL_T file_level)
     : prefix_(program_name.empty() ? std::string() : std::string(program_name) + " : "),
-      file_name_(file_name),
+      file_(file_name),
       screen_level_(screen_level),
       file_level_(file_level),
       start_time_(std::time(nullptr)),
-      can_show_status_(::isatty(STDERR_FILENO) != 0) {
-  OpenTemporary();
-}
+      can_show_status_(::isatty(STDERR_FILENO) != 0) {}
 
 LOGGING::LOGGING(RECEIVER receiver)
     : screen_level_(NO_MESSAGE),
@@ -155,10 +130,9 @@ LOGGING::LOGGING(RECEIVER receiver)
       receiver_(std::move(receiver)) {}
 
 LOGGING::~LOGGING() {
-  if (const int open_file = file_.exchange(-1); open_file >= 0) {
-    ::close(open_file);
+  for (const std::string& trouble : file_.Close()) {
+    Show(ALARM, trouble);
   }
-  RemoveTemporary();
 }
 
 LOG_LINE LOGGING::operator<<(LOGGING_LEVEL_T level) {
@@ -216,17 +190,9 @@ bool LOGGING::SetFileLevel(std::string_view name) {
 
 void LOGGING::Open(const std::string& file_name) {
   const std::lock_guard lock(mutex_);
-  const int opened = OpenWaitingForNobody(file_name);
-  if (opened < 0) {
-    WriteLocked(ALARM, " can not open logging file: " + file_name);
-    return;
+  for (const std::string& trouble : file_.Open(file_name)) {
+    WriteLocked(ALARM, trouble);
   }
-  if (const int previous = file_.exchange(opened); previous >= 0) {
-    ::close(previous);
-  }
-  file_name_ = file_name;
-  CarryOver();
-  RemoveTemporary();
 }
 
 void LOGGING::WriteHeader(std::unique_ptr<VERSION_RECORD> record) {
@@ -264,7 +230,7 @@ void LOGGING::SetReceiver(RECEIVER receiver) {
 
 std::string LOGGING::FileName() const {
   const std::lock_guard lock(mutex_);
-  return file_name_;
+  return file_.Name();
 }
 
 void LOGGING::ShowStatus(std::string_view text) {
@@ -279,13 +245,13 @@ void LOGGING::ShowStatus(std::string_view text) {
 
 void LOGGING::HideStatus() const {
   if (!status_.empty()) {
-    WriteAll(STDERR_FILENO, "\r\033[K");
+    WriteWhole(STDERR_FILENO, "\r\033[K");
   }
 }
 
 void LOGGING::DrawStatus() const {
   if (!status_.empty()) {
-    WriteAll(STDERR_FILENO, status_);
+    WriteWhole(STDERR_FILENO, status_);
   }
 }
 
@@ -308,67 +274,29 @@ void LOGGING::WriteLocked(LOGGING_LEVEL_T level, std::string_view text) {
   if (level == QA_WARNING) {
     qa_warning_logged_ = true;
   }
-  if (receiver_) {
-    receiver_(level, PrintableText(WithoutFinalLineFeed(text)));
-  }
-  const bool to_screen = level >= screen_level_;
-  const bool to_file = file_ >= 0 && level >= file_level_;
-  if (!to_screen && !to_file) {
+  if (level < screen_level_ && level < file_level_ && !receiver_) {
     return;
   }
-  std::string line = LevelTag(level);
-  line += " : ";
-  line += prefix_;
-  line += PrintableText(WithoutFinalLineFeed(text));
-  if (to_screen) {
-    HideStatus();
-    WriteAll(STDOUT_FILENO, ScreenHighlight(level) + line + ScreenReset(level) + "\n");
-    DrawStatus();
-  }
-  if (to_file) {
-    WriteAll(file_, line + "\n");
-  }
-}
-
-void LOGGING::OpenTemporary() {
-  for (const char* directory : {"/tmp/", "/var/tmp/", "./"}) {
-    std::string name = std::string(directory) + "log.XXXXXX";
-    const int opened = ::mkostemp(name.data(), O_APPEND | O_CLOEXEC);
-    if (opened >= 0) {
-      file_ = opened;
-      temporary_name_ = name;
-      return;
+  const std::string line = Show(level, text);
+  if (level >= file_level_) {
+    for (const std::string& trouble : file_.Write(line + "\n")) {
+      Show(ALARM, trouble);
     }
   }
 }
 
-void LOGGING::CarryOver() {
-  if (temporary_name_.empty()) {
-    return;
+std::string LOGGING::Show(LOGGING_LEVEL_T level, std::string_view text) {
+  const std::string printable = PrintableText(WithoutFinalLineFeed(text));
+  if (receiver_) {
+    receiver_(level, printable);
   }
-  const int temporary = ::open(temporary_name_.c_str(), O_RDONLY | O_CLOEXEC);
-  if (temporary < 0) {
-    WriteLocked(ALARM, " can not reopen tmp logging file: " + temporary_name_);
-    return;
+  std::string line = std::string(LevelTag(level)) + " : " + prefix_ + printable;
+  if (level >= screen_level_) {
+    HideStatus();
+    WriteWhole(STDOUT_FILENO, ScreenHighlight(level) + line + ScreenReset(level) + "\n");
+    DrawStatus();
   }
-  std::array<char, 4096> block{};
-  ssize_t length = 0;
-  while ((length = ::read(temporary, block.data(), block.size())) > 0) {
-    WriteAll(file_, {block.data(), static_cast<std::size_t>(length)});
-  }
-  ::close(temporary);
-}
-
-void LOGGING::RemoveTemporary() {
-  if (temporary_name_.empty()) {
-    return;
-  }
-  if (::unlink(temporary_name_.c_str()) != 0) {
-    const std::string reason = std::strerror(errno);
-    WriteLocked(ALARM, "can not remove tmp file: " + temporary_name_);
-    WriteLocked(ALARM, "reason: " + reason);
-  }
-  temporary_name_.clear();
+  return line;
 }
 
 namespace {

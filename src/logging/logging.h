@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "logging/log_file.h"
 #include "logging/logging_level.h"
 #include "logging/version_record.h"
 
@@ -48,7 +49,8 @@ class LOG_LINE {
 /// "<tag> : <program> : <text>", control characters in the text written as `PrintableText` does.
 ///
 /// Until `Open` names the real log file, lines go to a temporary one, whose content `Open`
-/// carries over. Trouble with log files is reported at ALARM and never stops the program.
+/// carries over. Trouble with log files is reported at ALARM and never stops the program; a file
+/// that can not be written is given up. Numbers are those of the C locale, whatever the program's.
 /// All operations may be called from several threads.
 class LOGGING {
  public:
@@ -112,7 +114,9 @@ class LOGGING {
 
   /// Descriptor of the open log file, -1 without one; for the fatal-signal handler, which must
   /// write without taking the lock.
-  int FileDescriptor() const noexcept { return file_.load(); }
+  int FileDescriptor() const noexcept { return file_.Descriptor(); }
+  /// Removes the temporary log file, if there is one; for the same handler.
+  void RemoveTemporaryFile() const noexcept { file_.RemoveTemporaryFile(); }
   /// The thresholds and the prefix, readable without the lock for the same reason.
   LOGGING_LEVEL_T ScreenLevel() const noexcept { return screen_level_; }
   LOGGING_LEVEL_T FileLevel() const noexcept { return file_level_; }
@@ -123,17 +127,14 @@ class LOGGING {
 
   void Write(LOGGING_LEVEL_T level, std::string_view text);
   void WriteLocked(LOGGING_LEVEL_T level, std::string_view text);
-  void OpenTemporary();
-  void CarryOver();
+  /// What concerns screen and receiver of a line. Returns the line.
+  std::string Show(LOGGING_LEVEL_T level, std::string_view text);
   void HideStatus() const;
   void DrawStatus() const;
-  void RemoveTemporary();
 
   mutable std::mutex mutex_;
   const std::string prefix_;
-  std::string file_name_;
-  std::string temporary_name_;
-  std::atomic<int> file_ = -1;
+  LOG_FILE file_;
   std::atomic<LOGGING_LEVEL_T> screen_level_;
   std::atomic<LOGGING_LEVEL_T> file_level_;
   const std::time_t start_time_;

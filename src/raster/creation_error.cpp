@@ -7,19 +7,10 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "raster/file_descriptor.h"
+#include "base/same_file.h"
+#include "system/file_descriptor.h"
 
 namespace {
-
-/// The file that a new one of this name would be: symbolic links may lead to none so far.
-std::filesystem::path BehindLinks(std::filesystem::path path) {
-  constexpr int most_links = 40;
-  std::error_code no_link;
-  for (int i = 0; i < most_links && std::filesystem::is_symlink(path, no_link); ++i) {
-    path = path.parent_path() / std::filesystem::read_symlink(path, no_link);
-  }
-  return path;
-}
 
 int ErrorOfNewFile(const std::filesystem::path& path) {
   if (path.filename().empty()) {

@@ -9,7 +9,7 @@
 
 #include "base/data_type.h"
 #include "raster/color_map.h"
-#include "raster/file_descriptor.h"
+#include "system/file_descriptor.h"
 #include "raster/image_bounds.h"
 #include "raster/memory_mapping.h"
 #include "raster/pixel_type.h"

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "app/program_version.h"
+#include "app/run_parameters.h"
 #include "basics/file_lock.h"
 #include "basics/stack_error.h"
 #include "check_run/run_check.h"
@@ -38,6 +39,7 @@ SLAVE_FINDINGS CheckSlave(const SLAVE_FOLDER& folder) {
     pointers[i] = arguments[i].data();
   }
   CONTROLLER_IFC controller;
+  controller.ProtectFiles(RunFileParameters());
   FINDINGS findings;
   // A rough share of the pixels will do for the disk's room.
   constexpr std::int64_t pixels_looked_at = 1 << 14;

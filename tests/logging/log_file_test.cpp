@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "logging/logging.h"
@@ -25,10 +28,11 @@ class LOG_FILE : public testing::Test {
 TEST_F(LOG_FILE, TemporaryLogMovesIntoTheRealOne) {
   WriteFile(Path("log"), std::string(100000, 'o'));
   LOGGING log("", "resample", NO_MESSAGE, DEBUG);
+  EXPECT_EQ(log.FileDescriptor(), -1) << "a process that logs nothing has no file to leave behind";
+  log << INFO << std::string(50000, 'x');
   const std::string temporary = OpenFile(log);
   EXPECT_TRUE(temporary.starts_with("/tmp/log.") && temporary.size() == 15) << temporary;
   EXPECT_EQ(log.FileName(), "");
-  log << INFO << std::string(50000, 'x');
   const std::string early = ReadFile(temporary);
   log.Open(Path("log"));
   EXPECT_FALSE(std::filesystem::exists(temporary));
@@ -40,9 +44,12 @@ TEST_F(LOG_FILE, TemporaryLogMovesIntoTheRealOne) {
 TEST_F(LOG_FILE, UnopenableLogIsReportedAndTheTemporaryOneGoesOn) {
   LOGGING log("", "resample", NO_MESSAGE, DEBUG);
   std::string expected;
-  for (const std::string& name : {Path("no such directory/log"), directory_.Path().string()}) {
+  for (const auto& [name, reason] :
+       {std::pair(Path("no such directory/log"), "No such file or directory"),
+        std::pair(directory_.Path().string(), "Is a directory")}) {
     log.Open(name);
-    expected += "ALARM : resample :  can not open logging file: " + name + "\n";
+    expected += "ALARM : resample :  can not open logging file: " + name +
+                "\nALARM : resample : reason: " + reason + "\n";
   }
   EXPECT_EQ(ReadFile(OpenFile(log)), expected);
   EXPECT_EQ(log.FileName(), "");
@@ -52,26 +59,96 @@ TEST_F(LOG_FILE, UnopenableLogIsReportedAndTheTemporaryOneGoesOn) {
 
 TEST_F(LOG_FILE, LostTemporaryLogIsReportedInTheRealOne) {
   LOGGING log("", "resample", NO_MESSAGE, DEBUG);
+  log.Message(INFO, "lost");
   const std::string temporary = OpenFile(log);
   ASSERT_EQ(::unlink(temporary.c_str()), 0);
   log.Open(Path("log"));
   log.Message(INFO, "going on");
   EXPECT_EQ(ReadFile(Path("log")),
             "ALARM : resample :  can not reopen tmp logging file: " + temporary +
-                "\nALARM : resample : can not remove tmp file: " + temporary +
                 "\nALARM : resample : reason: No such file or directory\n"
                 "INFO  : resample : going on\n");
+}
+
+/// A log whose ALARM lines are caught.
+struct WATCHED_LOG {
+  WATCHED_LOG() {
+    log.SetReceiver([this](LOGGING_LEVEL_T level, std::string_view text) {
+      alarms += level == ALARM ? std::string(text) + "\n" : "";
+    });
+  }
+  LOGGING log{"", "resample", NO_MESSAGE, DEBUG};
+  std::string alarms;
+};
+
+TEST_F(LOG_FILE, TemporaryLogIsKeptAndGoesOnWhenItCanNotBeCopied) {
+  std::string temporary;
+  {
+    WATCHED_LOG watched;
+    watched.log.Message(INFO, "early");
+    temporary = OpenFile(watched.log);
+    watched.log.Open("/dev/full");
+    EXPECT_EQ(watched.alarms,
+              "can not write logging file: /dev/full\nreason: No space left on device\n"
+              "the log is kept in: " +
+                  temporary + "\n");
+    EXPECT_EQ(watched.log.FileName(), temporary);
+    watched.log.Message(INFO, "late");
+  }
+  const std::string kept = ReadFile(temporary);
+  EXPECT_TRUE(kept.starts_with("INFO  : resample : early\nALARM") && kept.ends_with(": late\n"));
+  std::filesystem::remove(temporary);
+}
+
+TEST_F(LOG_FILE, LogThatCanNotBeWrittenEndsWithAWholeLineAndOneReport) {
+  const rlimit no_limit = {RLIM_INFINITY, RLIM_INFINITY};
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+  ::signal(SIGXFSZ, SIG_IGN);
+  WATCHED_LOG watched;
+  watched.log.Open(Path("log"));
+  limit.rlim_cur = 1000;
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  for (int i = 0; i < 100; ++i) {
+    watched.log.Message(INFO, "line %d", i);
+  }
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &no_limit), 0);
+  EXPECT_EQ(watched.alarms, "can not write logging file: " + Path("log") +
+                                "\nreason: File too large\nlogging goes on without it\n");
+  const std::string log = ReadFile(Path("log"));
+  EXPECT_TRUE(log.ends_with("\n") && log.size() > 950) << log;
+}
+
+TEST_F(LOG_FILE, FifoWhoseReaderGoesOrSleepsIsGivenUp) {
+  ASSERT_EQ(::mkfifo(Path("fifo").c_str(), 0600), 0);
+  for (const bool reader_goes : {true, false}) {
+    const int reader = ::open(Path("fifo").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    WATCHED_LOG watched;
+    watched.log.Open(Path("fifo"));
+    if (reader_goes) {
+      ::close(reader);
+    }
+    for (int i = 0; i < 100; ++i) {
+      watched.log << INFO << std::string(1000, 'x');
+    }
+    EXPECT_EQ(watched.alarms, "can not write logging file: " + Path("fifo") + "\nreason: " +
+                                  (reader_goes ? "Broken pipe" : "Connection timed out") +
+                                  "\nlogging goes on without it\n");
+    if (!reader_goes) {
+      ::close(reader);
+    }
+  }
 }
 
 TEST_F(LOG_FILE, LogWithoutAnyFileGoesOnUntilOneOpens) {
   rlimit limit{};
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
   const rlimit no_more_files = {0, limit.rlim_max};
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &no_more_files), 0);
   LOGGING log("", "resample", NO_MESSAGE, DEBUG);
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &no_more_files), 0);
+  log.Message(INFO, "lost");
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
   EXPECT_EQ(log.FileDescriptor(), -1);
-  log.Message(INFO, "lost");
   log.Open(Path("log"));
   log.Message(INFO, "kept");
   EXPECT_EQ(ReadFile(Path("log")), "INFO  : resample : kept\n");

@@ -286,13 +286,104 @@ TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
 }
 
 TEST(Failure, OfAnOutputThatIsAFileOfTheRunsControl) {
-  for (const std::string file : {"pcf.run", "log.run", "OK.run", "ERROR.run", "STOP.run",
+  for (const std::string file : {"pcf.run", "OK.run", "ERROR.run", "STOP.run",
                                  "current_process.pid", "parent_process.pid"}) {
     RUN_FOLDER folder(OrdinaryScene());
     folder.parameters["MaskOut"] = "./" + file;
     ExpectOverwritingRefused(folder, "./" + file, file);
     EXPECT_TRUE(folder.Content("pcf.run").starts_with("AZ_MAPPING_FILE"));
   }
+}
+
+/// Whether the screen shows a line at ALARM.
+bool ShowsAlarm(const PROCESS_END& end, const std::string& text) {
+  return end.screen.find(alarm_begin + text + "\033") != std::string::npos;
+}
+
+TEST(Failure, OfALogThatIsAnOutputLeavesAnEarlierResultAlone) {
+  for (const char* const log : {"out.ras", "link"}) {
+    RUN_FOLDER folder(OrdinaryScene());
+    folder.Write("out.ras", "earlier result");
+    std::filesystem::create_symlink("out.ras", folder.Path("link"));
+    folder.arguments.insert(folder.arguments.end(), {"-lfn", log});
+    const PROCESS_END end = folder.Run();
+    ExpectFailure(folder, end);
+    EXPECT_TRUE(ShowsAlarm(end, "logging would overwrite another file of the run: out.ras"));
+    EXPECT_TRUE(ShowsAlarm(
+        end, std::string("output would overwrite another file of the run: out.ras is ") + log));
+    EXPECT_EQ(folder.Content("out.ras"), "earlier result");
+  }
+}
+
+TEST(Failure, NoneForALogThatIsAFileOfTheRunsControl) {
+  for (const std::string file : {"OK.run", "ERROR.run", "STOP.run", "current_process.pid"}) {
+    RUN_FOLDER folder(OrdinaryScene());
+    folder.arguments.insert(folder.arguments.end(), {"-lfn", "./" + file});
+    const PROCESS_END end = folder.Run();
+    ExpectSuccess(folder, end);
+    EXPECT_TRUE(ShowsAlarm(end, "logging would overwrite another file of the run: " + file));
+  }
+}
+
+TEST(Failure, OfAnInputNamedLikeAFileThatTheRunWritesLeavesItAlone) {
+  for (const std::string own : {"OK.run", "ERROR.run", "current_process.pid"}) {
+    for (const bool is_link : {false, true}) {
+      SCOPED_TRACE(own);
+      RUN_FOLDER folder(OrdinaryScene());
+      const std::string slave = folder.Content("slave.ras");
+      std::filesystem::rename(folder.Path("slave.ras"), folder.Path(own));
+      std::filesystem::create_symlink(own, folder.Path("link"));
+      const std::string input = is_link ? "link" : "./" + own;
+      folder.parameters["SlaveIn"] = input;
+      const std::string alarm =
+          "input has the name of a file that the run writes: " + input + " is " + own;
+      ExpectCheckSays(folder, alarm + wrong_argument);
+      const PROCESS_END end = folder.Run();
+      EXPECT_EQ(end.exit_status, 1);
+      EXPECT_TRUE(ShowsAlarm(end, alarm));
+      EXPECT_TRUE(folder.Content(own) == slave);
+      EXPECT_TRUE(own == "ERROR.run" || folder.Content("ERROR.run") == "1");
+    }
+  }
+}
+
+TEST(Failure, NoneForMarkersThatAreLinksToAnInputWhichStaysAsItIs) {
+  for (const char* own : {"OK.run", "ERROR.run", "parent_process.pid"}) {
+    for (const bool is_symbolic : {false, true}) {
+      RUN_FOLDER folder(OrdinaryScene());
+      const std::string slave = folder.Content("slave.ras");
+      if (is_symbolic) {
+        std::filesystem::create_symlink("slave.ras", folder.Path(own));
+      } else {
+        std::filesystem::create_hard_link(folder.Path("slave.ras"), folder.Path(own));
+      }
+      ExpectSuccess(folder, folder.Run());
+      EXPECT_TRUE(folder.Content("slave.ras") == slave);
+    }
+  }
+}
+
+TEST(Failure, OfAMarkerOfAnEarlierRunThatStays) {
+  for (const std::string marker : {"OK.run", "ERROR.run"}) {
+    RUN_FOLDER folder(OrdinaryScene());
+    std::filesystem::create_directory(folder.Path(marker));
+    const PROCESS_END end = folder.Run();
+    EXPECT_EQ(end.exit_status, 1);
+    EXPECT_EQ(folder.Alarms(), "Can not remove file " + marker +
+                                   "!\nreason: Is a directory\ncan not write into file\n" +
+                                   supervisor_line + "\n");
+    EXPECT_EQ(folder.Exists("out.ras"), marker == "ERROR.run");
+    EXPECT_EQ(folder.Exists("OK.run"), marker == "OK.run");
+  }
+}
+
+TEST(Failure, OfAValueWithANulCharacter) {
+  RUN_FOLDER folder(OrdinaryScene());
+  folder.parameters["MaskOut"] = std::string("out.ras\0x", 9);
+  ExpectFailure(folder, folder.Run());
+  EXPECT_TRUE(folder.Alarms().starts_with(
+      "value with a NUL character for parameter MaskOut: out.ras\\x00x\n"))
+      << folder.Alarms();
 }
 
 TEST(Failure, NoneForALogThatIsAnInputWhichStaysAsItIs) {
@@ -319,10 +410,8 @@ TEST(Failure, NoneForALogThatIsAnInputWhichStaysAsItIs) {
     const PROCESS_END end = folder.Run();
     ExpectSuccess(folder, end);
     EXPECT_TRUE(folder.Content(input).starts_with(before));
-    EXPECT_NE(end.screen.find(alarm_begin +
-                              "logging would overwrite another file of the run: " + input + "\033"),
-              std::string::npos)
-        << end.screen;
+    EXPECT_TRUE(
+        ShowsAlarm(end, std::string("logging would overwrite another file of the run: ") + input));
   }
 }
 

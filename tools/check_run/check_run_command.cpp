@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/program_version.h"
+#include "app/run_parameters.h"
 #include "base/data_type.h"
 #include "check_run/run_check.h"
 #include "control/controller_ifc.h"
@@ -75,6 +76,7 @@ void Print(const RUN_FIGURES& figures) {
 void CheckRun(const std::vector<std::string>& words) {
   PROGRAM_ARGUMENTS arguments(words);
   CONTROLLER_IFC controller;
+  controller.ProtectFiles(RunFileParameters());
   FINDINGS findings;
   RUN_CHECK check(controller, findings);
   findings.Take([&] { controller.InitLookups(arguments.Count(), arguments.Pointers()); });

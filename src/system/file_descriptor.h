@@ -6,20 +6,25 @@
 #include <cstdint>
 #include <optional>
 
-/// Owns an open file, or none. Operations leave the system's reason for a failure in `errno`.
+/// Owns an open file, or none. Operations leave the system's reason for a failure in `errno`, and
+/// may be called from signal handlers.
 class FILE_DESCRIPTOR {
  public:
   FILE_DESCRIPTOR() = default;
   /// Opens a file; `IsOpen` tells whether that succeeded. `permissions` are those of a file that
   /// the flags create.
   FILE_DESCRIPTOR(const char* path, int flags, mode_t permissions = 0) noexcept;
+  /// Creates a file of a unique name, for the user alone, and opens it for reading and writing with
+  /// these flags besides. `name` ends with "XXXXXX", which becomes the file's own.
+  static FILE_DESCRIPTOR CreateTemporary(char* name, int flags) noexcept;
   FILE_DESCRIPTOR(FILE_DESCRIPTOR&& other) noexcept;
   FILE_DESCRIPTOR& operator=(FILE_DESCRIPTOR&& other) noexcept;
   ~FILE_DESCRIPTOR() { Close(); }
 
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   int Get() const noexcept { return descriptor_; }
-  void Close() noexcept;
+  /// False when the system reports a failure; the file is closed then, too.
+  bool Close() noexcept;
 
   /// Length of the file in bytes.
   std::optional<std::int64_t> Length() const noexcept;

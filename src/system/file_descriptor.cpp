@@ -1,4 +1,4 @@
-#include "raster/file_descriptor.h"
+#include "system/file_descriptor.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -7,12 +7,21 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <utility>
+
+#include "system/whole_write.h"
 
 FILE_DESCRIPTOR::FILE_DESCRIPTOR(const char* path, int flags, mode_t permissions) noexcept
     // Without O_NONBLOCK a FIFO in place of the file would hang the program; files on disk do not
     // mind it.
     : descriptor_(::open(path, flags | O_CLOEXEC | O_NONBLOCK, permissions)) {}
+
+FILE_DESCRIPTOR FILE_DESCRIPTOR::CreateTemporary(char* name, int flags) noexcept {
+  FILE_DESCRIPTOR file;
+  file.descriptor_ = ::mkostemp(name, flags | O_CLOEXEC);
+  return file;
+}
 
 FILE_DESCRIPTOR::FILE_DESCRIPTOR(FILE_DESCRIPTOR&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)) {}
@@ -22,10 +31,8 @@ FILE_DESCRIPTOR& FILE_DESCRIPTOR::operator=(FILE_DESCRIPTOR&& other) noexcept {
   return *this;
 }
 
-void FILE_DESCRIPTOR::Close() noexcept {
-  if (IsOpen()) {
-    ::close(std::exchange(descriptor_, -1));
-  }
+bool FILE_DESCRIPTOR::Close() noexcept {
+  return !IsOpen() || ::close(std::exchange(descriptor_, -1)) == 0;
 }
 
 std::optional<std::int64_t> FILE_DESCRIPTOR::Length() const noexcept {
@@ -68,19 +75,7 @@ bool FILE_DESCRIPTOR::ReadStart(void* bytes, std::size_t size) const noexcept {
 }
 
 bool FILE_DESCRIPTOR::Write(const void* bytes, std::size_t size) const noexcept {
-  const auto* position = static_cast<const char*>(bytes);
-  // One call writes at most 2 GiB.
-  while (size > 0) {
-    const ssize_t count = ::write(descriptor_, position, size);
-    if (count == 0 || (count < 0 && errno != EINTR)) {
-      return false;
-    }
-    if (count > 0) {
-      position += count;
-      size -= static_cast<std::size_t>(count);
-    }
-  }
-  return true;
+  return WriteWhole(descriptor_, {static_cast<const char*>(bytes), size}) == size;
 }
 
 bool FILE_DESCRIPTOR::SetLength(std::int64_t length) const noexcept {
