@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <utility>
@@ -17,6 +16,7 @@
 #include "raster/creation_error.h"
 #include "raster/raster_header.h"
 #include "raster/system_error_text.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ int ProtectionOf(int access_mode) {
 }
 
 void LogSystemError(int error) {
-  Log().Message(ALARM, "MEM_MGR: %s", std::strerror(error));
+  Log() << ALARM << "MEM_MGR: " << SystemErrorText(error);
 }
 
 void LogAccess(const char* path, int access_mode, std::optional<PIXEL_TYPE> pixel_type) {
@@ -147,8 +147,8 @@ NEW_RASTER MakeNewRaster(const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
 }
 
 void LogCreationError(const char* path, int error) {
+  Log() << ALARM << "MEM_MGR: can not create: " << path << ": " << SystemErrorText(error);
   Log() << ALARM << OpenErrorText(error);
-  Log() << ALARM << "MEM_MGR: can not create: " << path;
 }
 
 /// A sparse file finds its disk full only as its pixels are written, which can be hours later.
@@ -158,6 +158,12 @@ void WarnOfSmallDisk(const FILE_DESCRIPTOR& file, const char* path, std::int64_t
     Log() << WARNING << "MEM_MGR: " << path << " may need " << length
           << " bytes, its disk has room for " << *free_space;
   }
+}
+
+[[noreturn]] void ThrowSyncError(int error) {
+  Log() << ALARM << "MEM_MGR: msync error ..";
+  Log() << ALARM << SyncErrorText(error);
+  throw ERROR_CAN_NOT_MSYNC();
 }
 
 [[noreturn]] void ThrowNoImage() {
@@ -209,18 +215,42 @@ void MEM_MGR::MapRaw(const char* path, std::int64_t first_column, std::int64_t f
 void MEM_MGR::Create(const char* path, std::int64_t first_column, std::int64_t first_row,
                      std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type,
                      const COLOR_MAP& color_map) {
-  CreateFile(path, {first_column, first_row, last_column, last_row}, pixel_type, color_map,
-             LogCreationError);
+  const IMAGE_BOUNDS bounds = {first_column, first_row, last_column, last_row};
+  BeginCreation(bounds, pixel_type, color_map);
+  FillFile(OpenOutput(path), bounds, pixel_type, color_map);
 }
 
 void MEM_MGR::Create(const char* path, std::int64_t first_column, std::int64_t first_row,
                      std::int64_t last_column, std::int64_t last_row,
                      const BASIC::TYPES::DataType& data_type, const COLOR_MAP& color_map) {
-  CreateFile(path, {first_column, first_row, last_column, last_row}, PixelTypeOf(data_type),
-             color_map, [](const char* file_path, int error) {
-               Log() << ALARM << "unable to open file: " << file_path;
-               LogSystemError(error);
-             });
+  const IMAGE_BOUNDS bounds = {first_column, first_row, last_column, last_row};
+  const PIXEL_TYPE pixel_type = PixelTypeOf(data_type);
+  BeginCreation(bounds, pixel_type, color_map);
+  OUTPUT_FILE output(path);
+  if (!output.IsOpen()) {
+    const int error = errno;
+    Log() << ALARM << "unable to open file: " << path;
+    LogSystemError(error);
+    throw ERROR_CAN_NOT_CREATE_FILE();
+  }
+  FillFile(std::move(output), bounds, pixel_type, color_map);
+}
+
+void MEM_MGR::Create(OUTPUT_FILE file, std::int64_t first_column, std::int64_t first_row,
+                     std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type,
+                     const COLOR_MAP& color_map) {
+  const IMAGE_BOUNDS bounds = {first_column, first_row, last_column, last_row};
+  BeginCreation(bounds, pixel_type, color_map);
+  FillFile(std::move(file), bounds, pixel_type, color_map);
+}
+
+OUTPUT_FILE MEM_MGR::OpenOutput(const char* path) {
+  OUTPUT_FILE output(path);
+  if (!output.IsOpen()) {
+    LogCreationError(path, errno);
+    throw ERROR_CAN_NOT_CREATE_FILE();
+  }
+  return output;
 }
 
 void MEM_MGR::CheckCreate(const char* path, std::int64_t first_column, std::int64_t first_row,
@@ -232,20 +262,27 @@ void MEM_MGR::CheckCreate(const char* path, std::int64_t first_column, std::int6
   }
 }
 
-void MEM_MGR::CreateFile(const char* path, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
-                         const COLOR_MAP& color_map,
-                         void (*log_open_error)(const char* path, int error)) {
+void MEM_MGR::BeginCreation(const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
+                            const COLOR_MAP& color_map) {
   Unmap();
-  const auto [header, block_length] = MakeNewRaster(bounds, pixel_type, color_map.entries);
+  MakeNewRaster(bounds, pixel_type, color_map.entries);
   Log() << DEBUG << "creating file with dimensions " << bounds.Width() << "x" << bounds.Height();
+}
 
-  FILE_DESCRIPTOR file(path, create_flags, new_file_permissions);
-  if (!file.IsOpen()) {
-    log_open_error(path, errno);
+void MEM_MGR::FillFile(OUTPUT_FILE output, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
+                       const COLOR_MAP& color_map) {
+  const auto [header, block_length] = MakeNewRaster(bounds, pixel_type, color_map.entries);
+  const std::string path = output.Path();
+  output.Lock();
+  FILE_DESCRIPTOR file;
+  if (!output.TakeEmpty(file)) {
+    LogCreationError(path.c_str(), errno);
     throw ERROR_CAN_NOT_CREATE_FILE();
   }
   const RASTER_HEADER::BYTES bytes = header.Encode();
   if (!file.Write(bytes.data(), bytes.size())) {
+    const int error = errno;
+    Log() << ALARM << "MEM_MGR: can not write: " << path << ": " << SystemErrorText(error);
     Log() << ALARM << "can not write to file " << bytes.size() << " [bytes]";
     throw ERROR_CAN_NOT_WRITE_FILE();
   }
@@ -255,7 +292,7 @@ void MEM_MGR::CreateFile(const char* path, const IMAGE_BOUNDS& bounds, PIXEL_TYP
     LogSystemError(error);
     throw ERROR_CAN_NOT_WRITE_FILE();
   }
-  WarnOfSmallDisk(file, path, block_length);
+  WarnOfSmallDisk(file, path.c_str(), block_length);
   HoldFile(std::move(file), header.PixelOffset(), block_length, PROT_READ | PROT_WRITE,
            {0, 0, bounds.Width() - 1, bounds.Height() - 1}, pixel_type);
   if (color_map.entries > 0) {
@@ -263,6 +300,7 @@ void MEM_MGR::CreateFile(const char* path, const IMAGE_BOUNDS& bounds, PIXEL_TYP
     CopyPlanes(color_map, planes);
     color_map_ = COLOR_MAP::FromPlanes(planes, color_map.entries);
   }
+  path_ = path;
 }
 
 void MEM_MGR::CreateInMemory(std::int64_t first_column, std::int64_t first_row,
@@ -407,10 +445,22 @@ void MEM_MGR::WritePixels(const FILE_DESCRIPTOR& file, const char* path, std::si
 
 void MEM_MGR::Sync(int flags) const {
   if (file_.IsOpen() && !memory_.Sync(flags)) {
+    ThrowSyncError(errno);
+  }
+}
+
+void MEM_MGR::StartWriteBack() const noexcept {
+  if (file_.IsOpen()) {
+    file_.StartSync();
+  }
+}
+
+void MEM_MGR::Flush() const {
+  if (file_.IsOpen() && !(memory_.Sync(MS_SYNC) && file_.Sync())) {
     const int error = errno;
-    Log() << ALARM << "MEM_MGR: msync error ..";
-    Log() << ALARM << SyncErrorText(error);
-    throw ERROR_CAN_NOT_MSYNC();
+    Log() << ALARM << "MEM_MGR: can not carry over to the disk: " << path_ << ": "
+          << SystemErrorText(error);
+    ThrowSyncError(error);
   }
 }
 

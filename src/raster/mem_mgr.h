@@ -6,13 +6,15 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "base/data_type.h"
 #include "raster/color_map.h"
-#include "system/file_descriptor.h"
 #include "raster/image_bounds.h"
 #include "raster/memory_mapping.h"
+#include "raster/output_file.h"
 #include "raster/pixel_type.h"
+#include "system/file_descriptor.h"
 
 /// One raster image in memory: a file mapped as a whole, so that pixels are read and written in
 /// place, or zero-filled memory of the process. One manager can hold several images in turn.
@@ -48,10 +50,10 @@ class MEM_MGR {
               std::int64_t last_column, std::int64_t last_row, int access_mode);
 
   /// Creates a raster file of zeros, replacing any file of that name, and maps it to read and
-  /// write. The file is sparse: it takes disk space as pixels are written; a disk without room for
-  /// all of them is a line at WARNING. The bounds become
-  /// 0 .. width - 1 and 0 .. height - 1. `color_map` is copied into the file; its planes must not
-  /// be this manager's, which lets go of them first.
+  /// write. It is locked until it is unmapped, so that no other program that does so writes it. The
+  /// file is sparse: it takes disk space as pixels are written; a disk without room for all of them
+  /// is a line at WARNING. The bounds become 0 .. width - 1 and 0 .. height - 1. `color_map` is
+  /// copied into the file; its planes must not be this manager's, which lets go of them first.
   ///
   /// Throws ERROR_NOT_SUPPORTED_PIXEL_TYPE, ERROR_ARGUMENT (impossible bounds, or sides that a
   /// header can not hold), both before any file is touched; ERROR_CAN_NOT_CREATE_FILE,
@@ -62,6 +64,14 @@ class MEM_MGR {
   void Create(const char* path, std::int64_t first_column, std::int64_t first_row,
               std::int64_t last_column, std::int64_t last_row,
               const BASIC::TYPES::DataType& data_type, const COLOR_MAP& color_map = {});
+
+  /// The same in a file that is open already, so that it could be looked at before it is emptied,
+  /// and locked.
+  void Create(OUTPUT_FILE file, std::int64_t first_column, std::int64_t first_row,
+              std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type,
+              const COLOR_MAP& color_map = {});
+  /// Opens the file for that. Throws ERROR_CAN_NOT_CREATE_FILE.
+  static OUTPUT_FILE OpenOutput(const char* path);
 
   /// Throws what the first `Create` would, as far as that can be told without touching a file:
   /// ERROR_NOT_SUPPORTED_PIXEL_TYPE, ERROR_ARGUMENT and ERROR_CAN_NOT_CREATE_FILE. Disk space is
@@ -93,6 +103,11 @@ class MEM_MGR {
   /// Logs how many calls would cover the mapping at that many pages a call. The system is told
   /// nothing, its own paging suits rasters. Throws ERROR_ARGUMENT for less than one page a call.
   void Advise(int pages_per_call) const;
+
+  /// Lets the system begin to carry changes over to the disk of a mapped file; does not wait.
+  void StartWriteBack() const noexcept;
+  /// Waits until the mapped file, if any, is on its disk. Throws ERROR_CAN_NOT_MSYNC.
+  void Flush() const;
 
   /// Takes over a copy of a colour map in place of the held one; the file does not change.
   /// Throws ERROR_NO_MEMORY.
@@ -139,8 +154,10 @@ class MEM_MGR {
 
  private:
   void MapRaster(const char* path, int access_mode, std::optional<PIXEL_TYPE> pixel_type);
-  void CreateFile(const char* path, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
-                  const COLOR_MAP& color_map, void (*log_open_error)(const char* path, int error));
+  /// Lets go of what is held; throws for bounds and types that can not be, before a file is opened.
+  void BeginCreation(const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type, const COLOR_MAP& color_map);
+  void FillFile(OUTPUT_FILE output, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
+                const COLOR_MAP& color_map);
   void HoldFile(FILE_DESCRIPTOR file, std::int64_t header_length, std::int64_t block_length,
                 int protection, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type);
   void Hold(MEMORY_MAPPING memory, std::int64_t header_length, const IMAGE_BOUNDS& bounds,
@@ -152,6 +169,7 @@ class MEM_MGR {
   void WritePixels(const FILE_DESCRIPTOR& file, const char* path, std::size_t length) const;
 
   FILE_DESCRIPTOR file_;   ///< open while a file is mapped
+  std::string path_;       ///< of that file
   MEMORY_MAPPING memory_;  ///< header, colour map and pixel block, or the pixel block alone
   unsigned char* data_ = nullptr;
   IMAGE_BOUNDS bounds_;

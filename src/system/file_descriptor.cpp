@@ -12,6 +12,14 @@
 
 #include "system/whole_write.h"
 
+namespace {
+
+bool IsSame(const struct stat& a, const struct stat& b) noexcept {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+}  // namespace
+
 FILE_DESCRIPTOR::FILE_DESCRIPTOR(const char* path, int flags, mode_t permissions) noexcept
     // Without O_NONBLOCK a FIFO in place of the file would hang the program; files on disk do not
     // mind it.
@@ -56,8 +64,13 @@ std::optional<std::int64_t> FILE_DESCRIPTOR::FreeSpace() const noexcept {
 bool FILE_DESCRIPTOR::IsFile(const char* path) const noexcept {
   struct stat own {};
   struct stat other {};
-  return ::fstat(descriptor_, &own) == 0 && ::stat(path, &other) == 0 &&
-         own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+  return ::fstat(descriptor_, &own) == 0 && ::stat(path, &other) == 0 && IsSame(own, other);
+}
+
+bool FILE_DESCRIPTOR::IsFileOf(int descriptor) const noexcept {
+  struct stat own {};
+  struct stat other {};
+  return ::fstat(descriptor_, &own) == 0 && ::fstat(descriptor, &other) == 0 && IsSame(own, other);
 }
 
 bool FILE_DESCRIPTOR::ReadStart(void* bytes, std::size_t size) const noexcept {
@@ -80,4 +93,13 @@ bool FILE_DESCRIPTOR::Write(const void* bytes, std::size_t size) const noexcept 
 
 bool FILE_DESCRIPTOR::SetLength(std::int64_t length) const noexcept {
   return ::ftruncate(descriptor_, length) == 0;
+}
+
+bool FILE_DESCRIPTOR::Sync() const noexcept {
+  return ::fsync(descriptor_) == 0;
+}
+
+void FILE_DESCRIPTOR::StartSync() const noexcept {
+  // A failure is told by `Sync` again, which has the last word.
+  ::sync_file_range(descriptor_, 0, 0, SYNC_FILE_RANGE_WRITE);
 }

@@ -33,12 +33,19 @@ class FILE_DESCRIPTOR {
   /// Whether `path` names the open file, by whatever name.
   bool IsFile(const char* path) const noexcept;
 
+  /// Whether the other descriptor is open for the same file.
+  bool IsFileOf(int descriptor) const noexcept;
+
   /// Reads the first `size` bytes of the file; false when there are fewer.
   bool ReadStart(void* bytes, std::size_t size) const noexcept;
   /// Writes all bytes at the file's position; false when not all could be written.
   bool Write(const void* bytes, std::size_t size) const noexcept;
   /// Makes the file that long; what is new reads as zeros and takes no disk space.
   bool SetLength(std::int64_t length) const noexcept;
+  /// Waits until the file is on its disk.
+  bool Sync() const noexcept;
+  /// Lets the system begin to carry changes over to the disk, and does not wait.
+  void StartSync() const noexcept;
 
  private:
   int descriptor_ = -1;
