@@ -55,6 +55,11 @@ void RUN_CHECK::ReadParameters() {
   is_read_.mapping = pools_.insar && findings_.Take([&] {
     parameters_.mapping = ReadMappingParameters(controller_, *pools_.insar);
   });
+  findings_.Take([&] {
+    pools_.RefuseInputs({controller_.ConfigurationFileName(), parameters_.inputs.slave,
+                         parameters_.inputs.mask.value_or(""), parameters_.mapping.rg_file,
+                         parameters_.mapping.az_file});
+  });
   is_read_.kernel = findings_.Take([&] { parameters_.kernel = ReadKernelParameters(controller_); });
   is_read_.size = pools_.insar && findings_.Take([&] {
     parameters_.size = ReadOutputSize(controller_, *pools_.insar);
@@ -62,6 +67,7 @@ void RUN_CHECK::ReadParameters() {
   findings_.Take([&] { ApplyNumberOfCpus(controller_); });
   is_read_.outputs = findings_.Take([&] { parameters_.outputs = ReadOutputFiles(controller_); });
   findings_.Take([&] { parameters_.ps_mode = ReadPsMode(controller_); });
+  findings_.Take([&] { parameters_.flush_outputs = ReadFlushOutputs(controller_); });
   WarnOfUnknownParameters(controller_);
   input_.n_samples = parameters_.size.n_samples;
   input_.n_lines = parameters_.size.n_lines;

@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -21,6 +22,7 @@
 #include "product/product_command.h"
 #include "report/report_command.h"
 #include "scene/scene_command.h"
+#include "system/c_locale.h"
 #include "vrt/vrt_command.h"
 
 namespace {
@@ -49,12 +51,24 @@ int Run(int argc, char** argv) {
   return EXIT_SUCCESS;
 }
 
+/// A result that nobody gets is none.
+int WithWrittenOutput(int status) {
+  errno = 0;
+  std::cout.flush();
+  if (std::cout) {
+    return status;
+  }
+  std::cerr << "slctool: can not write the output"
+            << (errno != 0 ? ": " + SystemErrorText(errno) : "") << "\n";
+  return EXIT_FAILURE;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const INTERRUPTION interruption;
   try {
-    return Run(argc, argv);
+    return WithWrittenOutput(Run(argc, argv));
   } catch (const ERROR_EXCEPTION& error) {
     std::cerr << "slctool: " << error.what() << "\n";
   } catch (const std::exception& error) {

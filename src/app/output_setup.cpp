@@ -1,6 +1,8 @@
 #include "app/output_setup.h"
 
-#include <filesystem>
+#include <unistd.h>
+
+#include <optional>
 #include <utility>
 
 #include "base/error_exception.h"
@@ -12,26 +14,35 @@ namespace {
 
 using enum LOGGING_LEVEL_T;
 
-/// The path without links, dots and a relative beginning, as far as it exists.
-std::filesystem::path Resolved(const std::string& path) {
-  std::error_code unresolved;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, unresolved);
-  return std::filesystem::weakly_canonical(absolute, unresolved);
-}
-
-/// Two paths that name one file, whether it exists already or not.
-bool IsSamePath(const std::string& a, const std::string& b) {
-  return IsSameFile(a.c_str(), b.c_str()) || Resolved(a) == Resolved(b);
+[[noreturn]] void ThrowOverwriting(const std::string& output, const std::string& file) {
+  Log() << ALARM << "output would overwrite another file of the run: " << output << " is " << file;
+  throw ERROR_ARGUMENT();
 }
 
 void RefuseOverwriting(const std::string& output, const std::vector<std::string>& taken) {
   for (const std::string& file : taken) {
     if (!output.empty() && !file.empty() && IsSamePath(output, file)) {
-      Log() << ALARM << "output would overwrite another file of the run: " << output << " is "
-            << file;
-      throw ERROR_ARGUMENT();
+      ThrowOverwriting(output, file);
     }
   }
+}
+
+/// The same for what is behind an output's name now, by whatever way it got there.
+void RefuseOpenFiles(const OUTPUT_FILE& output) {
+  const std::pair<int, const char*> open_files[] = {{STDOUT_FILENO, "standard output"},
+                                                    {STDERR_FILENO, "standard error"},
+                                                    {Log().FileDescriptor(), "the log"}};
+  for (const auto& [descriptor, name] : open_files) {
+    if (descriptor >= 0 && output.IsFileOf(descriptor)) {
+      ThrowOverwriting(output.Path(), name);
+    }
+  }
+}
+
+OUTPUT_FILE OpenOutput(const std::string& path) {
+  OUTPUT_FILE output = MEM_MGR::OpenOutput(path.c_str());
+  RefuseOpenFiles(output);
+  return output;
 }
 
 }  // namespace
@@ -60,12 +71,23 @@ void CheckOutputPaths(const OUTPUT_FILES& outputs, std::vector<std::string> file
 void CreateOutput(const OUTPUT_FILES& files, const RESAMPLE_INPUT& input, RESAMPLE_OUTPUT& output) {
   const int last_sample = input.n_samples - 1;
   const int last_line = input.n_lines - 1;
-  WithMemoryFor("raster", files.slave, [&] {
-    output.slave.Create(files.slave.c_str(), 0, 0, last_sample, last_line, input.slave.PixelType());
-  });
+  // Neither is emptied before both are known to be right.
+  OUTPUT_FILE slave = OpenOutput(files.slave);
+  std::optional<OUTPUT_FILE> mask;
   if (files.mask) {
+    mask.emplace(OpenOutput(*files.mask));
+    if (mask->IsSameAs(slave)) {
+      ThrowOverwriting(*files.mask, files.slave);
+    }
+    mask->Lock();
+  }
+  slave.Lock();
+  WithMemoryFor("raster", files.slave, [&] {
+    output.slave.Create(std::move(slave), 0, 0, last_sample, last_line, input.slave.PixelType());
+  });
+  if (mask) {
     WithMemoryFor("raster", *files.mask, [&] {
-      output.mask.Create(files.mask->c_str(), 0, 0, last_sample, last_line, PIXEL_TYPE::U_INT_8);
+      output.mask.Create(std::move(*mask), 0, 0, last_sample, last_line, PIXEL_TYPE::U_INT_8);
     });
   }
 }

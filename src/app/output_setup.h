@@ -16,6 +16,8 @@ std::vector<std::string> FilesInUse(const RUN_PARAMETERS& parameters, const RUN_
 /// output.
 void CheckOutputPaths(const OUTPUT_FILES& outputs, std::vector<std::string> files_in_use);
 
-/// Creates the files, image and mask, of the input's output size and the slave's pixel type. Throws
-/// what `MEM_MGR::Create` throws.
+/// Creates the files, image and mask, of the input's output size and the slave's pixel type. Files
+/// that exist are emptied only when both could be opened and locked and are neither one file nor
+/// the log, standard output or standard error; else ERROR_ARGUMENT. Throws what `MEM_MGR::Create`
+/// throws besides.
 void CreateOutput(const OUTPUT_FILES& files, const RESAMPLE_INPUT& input, RESAMPLE_OUTPUT& output);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "interpolation/kernel_shape.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -55,6 +56,8 @@ std::vector<PARAMETER_ENTRY> MakeTable() {
       {"MaskOut", OUTPUT, "default: none", ANY, "mask of the resampled slave",
        "a file; replaced when it exists"},
       {"PS_MODE", WHOLE_NUMBER, "default: 0", ANY, "1 switches the Doppler rate term off", "0, 1"},
+      {"FLUSH_OUTPUTS", WHOLE_NUMBER, "default: 1", ANY,
+       "0: do not wait until the outputs are on the disk", "0, 1"},
       {"pid", CONTROL, "default: resample", ARGUMENTS_AND_ENVIRONMENT,
        "name of the run, in log, status and configuration file names", ""},
       {"status", CONTROL, "default: current directory", ARGUMENTS_AND_ENVIRONMENT,
@@ -116,6 +119,7 @@ std::string NumberComplaint(const PARAMETER_ENTRY& parameter, const std::string&
   if (!parameter.IsNumber()) {
     return "";
   }
+  const C_LOCALE c_locale;
   char* end = nullptr;
   if (is_whole) {
     std::strtol(text.c_str(), &end, 10);

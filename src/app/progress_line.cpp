@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "logging/logging.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -50,6 +51,7 @@ PROGRESS_LINE::~PROGRESS_LINE() {
 
 std::string ProgressText(std::int64_t pixels_done, std::int64_t pixels,
                          std::chrono::duration<double> elapsed) {
+  const C_LOCALE c_locale;
   const double done = static_cast<double>(pixels_done) / static_cast<double>(pixels);
   std::array<char, 80> text{};
   std::snprintf(text.data(), text.size(), "%3.0f %%", std::floor(100.0 * done));

@@ -1,11 +1,15 @@
 #include "app/resample_run.h"
 
+#include <optional>
+#include <vector>
+
 #include "app/input_setup.h"
 #include "app/output_setup.h"
 #include "app/parameter_check.h"
 #include "app/resampling.h"
 #include "base/memory_for.h"
 #include "logging/logging.h"
+#include "raster/write_back.h"
 
 using enum LOGGING_LEVEL_T;
 
@@ -24,7 +28,7 @@ void RESAMPLE_RUN::ReadParameters() {
   Log().Message(INFO, "* Read input parameters");
   pools_.OpenInsarPool(controller_);
   pools_.OpenLogPool(controller_);
-  parameters_ = ReadRunParameters(controller_, *pools_.insar);
+  parameters_ = ReadRunParameters(controller_, pools_);
   EchoRunParameters(parameters_, pools_.insar_name);
   WarnOfUnknownParameters(controller_);
   input_.n_samples = parameters_.size.n_samples;
@@ -64,7 +68,14 @@ void RESAMPLE_RUN::SetupSlcParameters() {
 
 void RESAMPLE_RUN::PerformProcessing() {
   Log().Message(INFO, "* Perform processing");
+  std::optional<WRITE_BACK> write_back;
+  if (parameters_.flush_outputs) {
+    write_back.emplace(std::vector<const MEM_MGR*>{&output_.slave, &output_.mask});
+  }
   Resample(input_, output_);
+  if (write_back) {
+    write_back->Finish();
+  }
 }
 
 void RESAMPLE_RUN::ReleaseMemory(const VERSION_RECORD& version) {

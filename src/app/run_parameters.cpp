@@ -8,6 +8,7 @@
 #include "base/error_exception.h"
 #include "base/memory_for.h"
 #include "logging/logging.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -148,16 +149,24 @@ bool ReadPsMode(CONTROLLER_IFC& controller) {
   return ToInteger("PS_MODE", OptionalParameter(controller, "PS_MODE").value_or("0")) == 1;
 }
 
-RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
-                                 PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
+bool ReadFlushOutputs(CONTROLLER_IFC& controller) {
+  return OptionalParameter(controller, "FLUSH_OUTPUTS") != "0";
+}
+
+RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller, const RUN_POOLS& pools) {
   RUN_PARAMETERS parameters;
   parameters.inputs = ReadInputFiles(controller);
-  parameters.mapping = ReadMappingParameters(controller, insar_pool);
+  // Before a forced mapping format is handed to the pool, which even a failed run writes.
+  pools.RefuseInputs({controller.ConfigurationFileName(), parameters.inputs.slave,
+                      parameters.inputs.mask.value_or("")});
+  parameters.mapping = ReadMappingParameters(controller, *pools.insar);
+  pools.RefuseInputs({parameters.mapping.rg_file, parameters.mapping.az_file});
   parameters.kernel = ReadKernelParameters(controller);
-  parameters.size = ReadOutputSize(controller, insar_pool);
+  parameters.size = ReadOutputSize(controller, *pools.insar);
   ApplyNumberOfCpus(controller);
   parameters.outputs = ReadOutputFiles(controller);
   parameters.ps_mode = ReadPsMode(controller);
+  parameters.flush_outputs = ReadFlushOutputs(controller);
   return parameters;
 }
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "app/run_pools.h"
 #include "control/controller_ifc.h"
 #include "interpolation/kernel_type.h"
 #include "mapping/mapping_format_type.h"
@@ -47,6 +48,7 @@ struct RUN_PARAMETERS {
   OUTPUT_SIZE size;
   OUTPUT_FILES outputs;
   bool ps_mode = false;
+  bool flush_outputs = true;
 };
 
 /// The parameters that name files of a run.
@@ -72,10 +74,11 @@ OUTPUT_SIZE ReadOutputSize(CONTROLLER_IFC& controller, PARAMETER_POOL& insar_poo
 void ApplyNumberOfCpus(CONTROLLER_IFC& controller);
 OUTPUT_FILES ReadOutputFiles(CONTROLLER_IFC& controller);
 bool ReadPsMode(CONTROLLER_IFC& controller);
+/// Whether the outputs are carried over to the disk: unless the value is 0.
+bool ReadFlushOutputs(CONTROLLER_IFC& controller);
 
-/// All of them.
-RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller,
-                                 PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);
+/// All of them. Throws ERROR_ARGUMENT besides when a pool is another input.
+RUN_PARAMETERS ReadRunParameters(CONTROLLER_IFC& controller, const RUN_POOLS& pools);
 
 /// Logs the parameters as the run understood them, those that are given.
 void EchoRunParameters(const RUN_PARAMETERS& parameters, const std::string& insar_pool_name);

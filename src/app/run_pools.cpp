@@ -1,9 +1,13 @@
 #include "app/run_pools.h"
 
 #include "app/run_parameters.h"
+#include "base/error_exception.h"
 #include "base/memory_for.h"
+#include "base/same_file.h"
 #include "control/processing_history.h"
 #include "logging/logging.h"
+
+using enum LOGGING_LEVEL_T;
 
 namespace {
 
@@ -23,6 +27,19 @@ void RUN_POOLS::OpenInsarPool(CONTROLLER_IFC& controller) {
 void RUN_POOLS::OpenLogPool(CONTROLLER_IFC& controller) {
   const std::string name = MandatoryParameter(controller, "log_pp");
   log = name == insar_name ? insar : OpenPool(name);
+}
+
+void RUN_POOLS::RefuseInputs(const std::vector<std::string>& inputs) const {
+  for (const auto& pool : {insar, log}) {
+    for (const std::string& input : inputs) {
+      if (pool && !input.empty() && IsSamePath(pool->FileName(), input)) {
+        Log() << ALARM << "pool would be written into another file of the run: " << pool->FileName()
+              << " is " << input;
+        pool->Discard();
+        throw ERROR_ARGUMENT();
+      }
+    }
+  }
 }
 
 void RUN_POOLS::AddRunToHistory(const VERSION_RECORD& version) const {

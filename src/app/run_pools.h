@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "control/controller_ifc.h"
 #include "logging/version_record.h"
@@ -17,6 +18,10 @@ struct RUN_POOLS {
   /// Both throw the controller's and the pools' errors. The INSAR pool comes first.
   void OpenInsarPool(CONTROLLER_IFC& controller);
   void OpenLogPool(CONTROLLER_IFC& controller);
+
+  /// Throws ERROR_ARGUMENT when one of the pools is a file that the run only reads, and makes it
+  /// forget what it was to write there. Empty names stand for files that are not used.
+  void RefuseInputs(const std::vector<std::string>& inputs) const;
 
   /// Hands the log pool the history with this run, which began with the log. Throws the errors of
   /// `PROCESSING_HISTORY::AddRun`.

@@ -1,8 +1,11 @@
 #include "control/configuration_file.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <string_view>
 
+#include "base/same_file.h"
 #include "logging/logging.h"
 
 namespace {
@@ -21,9 +24,20 @@ std::string_view TakeWord(std::string_view& text) {
   return word;
 }
 
+/// Whether reading the file ends, should it exist.
+bool IsReadable(const std::string& name) {
+  struct stat status {};
+  return ::stat(name.c_str(), &status) != 0 || S_ISREG(status.st_mode) ||
+         S_ISDIR(status.st_mode) || IsSameFile(name.c_str(), "/dev/null");
+}
+
 }  // namespace
 
 bool CONFIGURATION_FILE::Open(const std::string& name) {
+  if (!IsReadable(name)) {
+    Log() << ALARM << "Configuration file " << name << " is neither a regular file nor /dev/null!";
+    return false;
+  }
   file_.reset(std::fopen(name.c_str(), "re"));
   return IsOpen();
 }

@@ -14,7 +14,9 @@
 /// file order is read in one pass.
 class CONFIGURATION_FILE {
  public:
-  /// False when the file cannot be opened for reading; there is none then.
+  /// False when the file cannot be opened for reading; there is none then. Nor is there for a pipe,
+  /// which can be read but once, or a device, which may never end: an ALARM line tells it. The null
+  /// device and directories are files without lines.
   bool Open(const std::string& name);
   void Close() noexcept { file_.reset(); }
   bool IsOpen() const noexcept { return file_ != nullptr; }
@@ -24,7 +26,7 @@ class CONFIGURATION_FILE {
   std::optional<std::string> Find(const std::string& name);
 
   /// The value of the first line with this name in the file. The next search goes on as if this one
-  /// had not been. Nothing is found in a pipe, which can be read but once.
+  /// had not been.
   std::optional<std::string> FindFromStart(const std::string& name);
 
   /// The first words of all lines that have one, likewise without an effect on the next search.

@@ -21,6 +21,10 @@ PARAMETER_POOL::PARAMETER_POOL(const char* path, int flags) : file_(path, O_RDON
     Log() << ALARM << "parameter file " << path << " is a directory!";
     throw CAN_NOT_OPEN_POOL();
   }
+  if (!file_.IsRegular()) {
+    Log() << ALARM << "parameter file " << path << " is not a regular file!";
+    throw CAN_NOT_OPEN_POOL();
+  }
 }
 
 void PARAMETER_POOL::ReadEnumeration(const STRING& key, BASIC::TYPES::ENUM_BASE& value) {

@@ -17,6 +17,10 @@ PARAMETER_POOL_READ_WRITE_CHANGE::PARAMETER_POOL_READ_WRITE_CHANGE(const char* p
     Log() << ALARM << "can not open pool file for update " << path;
     throw CAN_NOT_OPEN_POOL();
   }
+  if (!File().IsRegular()) {
+    Log() << ALARM << "pool file for update " << path << " is not a regular file!";
+    throw CAN_NOT_OPEN_POOL();
+  }
 }
 
 PARAMETER_POOL_READ_WRITE_CHANGE::~PARAMETER_POOL_READ_WRITE_CHANGE() noexcept(false) {

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "pool/pool_block_texts.h"
+#include "system/c_locale.h"
 
 /// What an integer is checked for, with the texts of the refusals. Some texts name the next
 /// smaller type; they are known to the tools that search logs and stay.
@@ -34,7 +35,7 @@ long long LeadingInteger(const std::string& word) {
 
 /// The leading real number; 0 when there is none.
 double LeadingReal(const std::string& word) {
-  return std::strtod(word.c_str(), nullptr);
+  return RealFromText(word.c_str());
 }
 
 }  // namespace

@@ -4,11 +4,11 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
 
 #include "base/error_exception.h"
 #include "pool/pool_lines.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -22,6 +22,7 @@ std::string Column(std::string word, std::size_t width) {
 }
 
 std::string ExponentForm(double value, int digits) {
+  const C_LOCALE c_locale;
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), "%.*E", digits, value);
   return text.data();
@@ -30,7 +31,7 @@ std::string ExponentForm(double value, int digits) {
 /// Whether the text reads back as this value: the reader scans a double, refuses it beyond the
 /// range of float and rounds it.
 bool ReadsBackAs(const std::string& text, float value) {
-  const double scanned = std::strtod(text.c_str(), nullptr);
+  const double scanned = RealFromText(text.c_str());
   return std::abs(scanned) <= std::numeric_limits<float>::max() &&
          static_cast<float>(scanned) == value;
 }

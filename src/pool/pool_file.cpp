@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "logging/logging.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -61,6 +62,11 @@ POOL_FILE::~POOL_FILE() {
 bool POOL_FILE::IsDirectory() const noexcept {
   struct stat status = {};
   return ::fstat(descriptor_, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool POOL_FILE::IsRegular() const noexcept {
+  struct stat status = {};
+  return ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 bool POOL_FILE::IsAtItsName() const noexcept {
@@ -115,7 +121,7 @@ POOL_LOCK::POOL_LOCK(const POOL_FILE& file, KIND kind) : file_(file.is_locked_ ?
   }
   if (!is_held && kind == KIND::EXCLUSIVE) {
     Log() << LOGGING_LEVEL_T::WARNING << "can not lock parameter file " << file.Name() << ": "
-          << std::strerror(errno);
+          << SystemErrorText(errno);
   }
   file.is_locked_ = true;
 }

@@ -26,6 +26,7 @@ class POOL_FILE {
 
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   bool IsDirectory() const noexcept;
+  bool IsRegular() const noexcept;
   /// Whether a POOL_LOCK holds this file now.
   bool IsLocked() const noexcept { return is_locked_; }
   /// Whether the name still leads to this file.

@@ -9,6 +9,7 @@
 
 #include "base/error_exception.h"
 #include "logging/logging.h"
+#include "system/c_locale.h"
 
 namespace {
 
@@ -102,7 +103,7 @@ void POOL_LINES::Fill() {
   } while (length < 0 && errno == EINTR);
   if (length < 0) {
     Log() << LOGGING_LEVEL_T::ALARM << "can not read parameter file " << file_->Name() << ": "
-          << std::strerror(errno);
+          << SystemErrorText(errno);
     throw ERROR_CAN_NOT_READ_FILE();
   }
   position_ = 0;

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -14,34 +13,15 @@
 #include "pool/pool_contents.h"
 #include "pool/pool_errors.h"
 #include "pool/pool_merge.h"
+#include "system/c_locale.h"
+#include "system/held_signals.h"
 
 namespace {
 
 using enum LOGGING_LEVEL_T;
 
-/// Makes the signals that come from outside wait while it lives: one that ended the process in
-/// the middle of an update would leave half a pool, or a temporary file that nobody names. So
-/// does SIGXFSZ: a file that may not grow is a failed write, which is reported as such first.
-class HELD_SIGNALS {
- public:
-  HELD_SIGNALS() {
-    sigset_t held;
-    ::sigfillset(&held);
-    for (const int own_fault : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP}) {
-      ::sigdelset(&held, own_fault);
-    }
-    ::pthread_sigmask(SIG_BLOCK, &held, &before_);
-  }
-  ~HELD_SIGNALS() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  HELD_SIGNALS(const HELD_SIGNALS&) = delete;
-  HELD_SIGNALS& operator=(const HELD_SIGNALS&) = delete;
-
- private:
-  sigset_t before_{};
-};
-
 [[noreturn]] void RefuseForPermission(const char* path, int error) {
-  Log() << ALARM << "no permission to change pool file: " << path << ": " << std::strerror(error);
+  Log() << ALARM << "no permission to change pool file: " << path << ": " << SystemErrorText(error);
   throw NO_UPDATE_PERMISSION_FOR_POOL();
 }
 
@@ -69,7 +49,7 @@ POOL_FILE WriteTemporary(const char* pool_name, std::string_view merged) {
     const int error = errno;
     temporary.Keep();
     Log() << ALARM << "can not update parameter pool: " << pool_name << ": "
-          << std::strerror(error);
+          << SystemErrorText(error);
     Log() << ALARM << "the corrupted parameter pool is:" << temporary.Name();
     Log() << ALARM << "the original parameter pool is NOT CHANGED !!";
     throw CORRUPTED_PARAMETER_POOL();
@@ -82,7 +62,7 @@ POOL_FILE WriteTemporary(const char* pool_name, std::string_view merged) {
 void RemoveTemporary(POOL_FILE& temporary) noexcept {
   try {
     if (!temporary.Remove()) {
-      Log() << WARNING << "can not remove " << temporary.Name() << ": " << std::strerror(errno);
+      Log() << WARNING << "can not remove " << temporary.Name() << ": " << SystemErrorText(errno);
     }
   } catch (...) {  // no memory for the line
   }
@@ -92,7 +72,7 @@ void RemoveTemporary(POOL_FILE& temporary) noexcept {
 [[noreturn]] void TakeBack(POOL_FILE& pool, std::string_view original, POOL_FILE& temporary,
                            int error) {
   const bool is_back = pool.Write(original) && pool.Truncate(original.size()) && pool.Sync();
-  Log() << ALARM << "can not update pool " << pool.Name() << ": " << std::strerror(error);
+  Log() << ALARM << "can not update pool " << pool.Name() << ": " << SystemErrorText(error);
   if (is_back) {
     temporary.Remove();
     Log() << ALARM << "the parameter pool has its former content again";

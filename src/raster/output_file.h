@@ -16,9 +16,9 @@ class OUTPUT_FILE {
 
   const std::string& Path() const noexcept { return path_; }
   bool IsOpen() const noexcept { return file_.IsOpen(); }
-  /// Whether it is the file behind this descriptor, or behind this path.
+  /// Whether it is the file behind this descriptor.
   bool IsFileOf(int descriptor) const noexcept { return file_.IsFileOf(descriptor); }
-  bool IsFileOf(const std::string& path) const noexcept { return file_.IsFile(path.c_str()); }
+  bool IsSameAs(const OUTPUT_FILE& other) const noexcept { return IsFileOf(other.file_.Get()); }
 
   /// Keeps other programs that lock their outputs from writing the file as long as it is open; asks
   /// once and does not wait. A file system without locks is a line at WARNING. Throws

@@ -1,32 +1,42 @@
 #include "raster/write_back.h"
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <new>
 #include <system_error>
 #include <utility>
 
 WRITE_BACK::WRITE_BACK(std::vector<const MEM_MGR*> rasters) : rasters_(std::move(rasters)) {
   try {
-    thread_ = std::jthread([this](const std::stop_token& stop) { CarryOverUntilStopped(stop); });
+    thread_ = std::thread(&WRITE_BACK::CarryOverUntilEnded, this);
   } catch (const std::system_error&) {  // too many threads: all is carried over at the end
+  } catch (const std::bad_alloc&) {
   }
 }
 
-void WRITE_BACK::CarryOverUntilStopped(const std::stop_token& stop) const {
+/// Allocates nothing: an error must not leave a thread.
+void WRITE_BACK::CarryOverUntilEnded() {
   constexpr std::chrono::milliseconds period(250);
-  std::mutex mutex;
-  std::unique_lock lock(mutex);
-  std::condition_variable_any stopped;
-  while (!stopped.wait_for(lock, stop, period, [&] { return stop.stop_requested(); })) {
+  std::unique_lock lock(mutex_);
+  while (!ended_.wait_for(lock, period, [this] { return has_ended_; })) {
     for (const MEM_MGR* raster : rasters_) {
       raster->StartWriteBack();
     }
   }
 }
 
+void WRITE_BACK::End() {
+  {
+    const std::lock_guard lock(mutex_);
+    has_ended_ = true;
+  }
+  ended_.notify_all();
+  if (thread_.joinable()) {
+    thread_.join();
+  }
+}
+
 void WRITE_BACK::Finish() {
-  thread_ = {};  // ends it
+  End();
   for (const MEM_MGR* raster : rasters_) {
     raster->Flush();
   }

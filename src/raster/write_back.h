@@ -1,6 +1,7 @@
 #pragma once
 
-#include <stop_token>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -12,6 +13,7 @@ class WRITE_BACK {
  public:
   /// A thread that can not be had is done without.
   explicit WRITE_BACK(std::vector<const MEM_MGR*> rasters);
+  ~WRITE_BACK() { End(); }
   WRITE_BACK(const WRITE_BACK&) = delete;
   WRITE_BACK& operator=(const WRITE_BACK&) = delete;
 
@@ -20,8 +22,12 @@ class WRITE_BACK {
   void Finish();
 
  private:
-  void CarryOverUntilStopped(const std::stop_token& stop) const;
+  void CarryOverUntilEnded();
+  void End();
 
   std::vector<const MEM_MGR*> rasters_;
-  std::jthread thread_;
+  std::mutex mutex_;
+  std::condition_variable ended_;
+  bool has_ended_ = false;
+  std::thread thread_;
 };

@@ -148,13 +148,16 @@ TEST_F(MEM_MGR_FAILURE, OfFilesThatCanNotBeCreated) {
   };
   ExpectEmptied<ERROR_CAN_NOT_CREATE_FILE>(
       create(directory, PIXEL_TYPE::RGB),
-      {"EISDIR: see: man page of open", "MEM_MGR: can not create: " + directory});
+      {"MEM_MGR: can not create: " + directory + ": Is a directory",
+       "EISDIR: see: man page of open"});
   EXPECT_EQ(OpenErrorText(ETXTBSY), "open unknown system error code");
   ExpectEmptied<ERROR_CAN_NOT_CREATE_FILE>(
       create(directory, DataTypeOf(PIXEL_TYPE::RGB)),
       {"unable to open file: " + directory, "MEM_MGR: Is a directory"});
   ExpectEmptied<ERROR_CAN_NOT_WRITE_FILE>(create("/dev/full", PIXEL_TYPE::RGB),
-                                          {"can not write to file 32 [bytes]"});
+                                          {"MEM_MGR: can not write: /dev/full: No space left on "
+                                           "device",
+                                           "can not write to file 32 [bytes]"});
   ExpectEmptied<ERROR_CAN_NOT_WRITE_FILE>(
       create("/dev/null", PIXEL_TYPE::RGB),
       {"MEM_MGR: can not extend: /dev/null", "MEM_MGR: Invalid argument"});

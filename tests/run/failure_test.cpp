@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "run_checks.h"
+#include "signalled_run.h"
 
 namespace {
 
@@ -109,6 +110,12 @@ std::string NoValue(const std::string& type, const std::string& value, const std
          "\nValid values are: " + valid;
 }
 
+std::string NotCreated(const std::string& path, const std::string& reason,
+                       const std::string& name) {
+  return "MEM_MGR: can not create: " + path + ": " + reason + "\n" + name +
+         ": see: man page of open\ncan not create file";
+}
+
 TEST(Failure, OfAParameter) {
   ExpectFailures({
       {Parameter("KERNEL_TYPE", "foo"),
@@ -133,17 +140,16 @@ TEST(Failure, OfAParameter) {
       {[](RUN_FOLDER& folder) { folder.parameters.erase("SlaveIn"); },
        "end of standard input, no value for parameter SlaveIn\nmissing parameter"},
       {Parameter("SlaveOut", "missing/out.ras"),
-       "ENOENT: see: man page of open\nMEM_MGR: can not create: missing/out.ras\n"
-       "can not create file"},
+       NotCreated("missing/out.ras", "No such file or directory", "ENOENT")},
       {[](RUN_FOLDER& folder) {
          std::filesystem::create_symlink("missing/out.ras", folder.Path("link.ras"));
          folder.parameters["SlaveOut"] = "link.ras";
        },
-       "ENOENT: see: man page of open\nMEM_MGR: can not create: link.ras\ncan not create file"},
-      {Parameter("SlaveOut", "missing/"),
-       "EISDIR: see: man page of open\nMEM_MGR: can not create: missing/\ncan not create file"},
-      {Parameter("SlaveOut", "."),
-       "EISDIR: see: man page of open\nMEM_MGR: can not create: .\ncan not create file"},
+       NotCreated("link.ras", "No such file or directory", "ENOENT")},
+      {Parameter("SlaveOut", "missing/"), NotCreated("missing/", "Is a directory", "EISDIR")},
+      {Parameter("SlaveOut", "."), NotCreated(".", "Is a directory", "EISDIR")},
+      {Parameter("KERNEL_COEFFICIENT", "1e30"),
+       "INTERPOLATION_KERNEL: Kaiser weight is too large: 1e+30" + wrong_argument},
   });
 }
 
@@ -256,6 +262,11 @@ TEST(Failure, OfTheSlavesAnnotation) {
   });
 }
 
+/// Whether the screen shows a line at ALARM.
+bool ShowsAlarm(const PROCESS_END& end, const std::string& text) {
+  return end.screen.find(alarm_begin + text + "\033") != std::string::npos;
+}
+
 /// A run with an output that would take the place of another file of the run.
 void ExpectOverwritingRefused(const RUN_FOLDER& folder, const std::string& output,
                               const std::string& file) {
@@ -285,6 +296,69 @@ TEST(Failure, OfAnOutputThatIsAnInputLeavesTheInputAlone) {
   }
 }
 
+TEST(Failure, OfOutputsThatAreOneFile) {
+  RUN_FOLDER folder(OrdinaryScene());
+  std::filesystem::create_symlink("new.ras", folder.Path("a"));
+  std::filesystem::create_symlink("./new.ras", folder.Path("b"));
+  folder.parameters["SlaveOut"] = "a";
+  folder.parameters["MaskOut"] = "b";
+  ExpectOverwritingRefused(folder, "b", "a");
+  EXPECT_FALSE(folder.Exists("new.ras"));
+}
+
+TEST(Failure, OfAnOutputThatIsTheScreen) {
+  for (const char* parameter : {"SlaveOut", "MaskOut"}) {
+    RUN_FOLDER folder(OrdinaryScene());
+    folder.Write("out.ras", "earlier result");
+    folder.parameters[parameter] = "/proc/self/fd/1";
+    const PROCESS_END end = folder.Run();  // its screen is a file
+    ExpectFailure(folder, end);
+    EXPECT_EQ(folder.Alarms(),
+              "output would overwrite another file of the run: /proc/self/fd/1 is standard output" +
+                  wrong_argument + "\n" + supervisor_line + "\n");
+    EXPECT_TRUE(end.screen.find("* Read input parameters") != std::string::npos);
+    EXPECT_EQ(folder.Content("out.ras"), "earlier result");
+    EXPECT_FALSE(folder.Exists("out_mask.ras"));
+  }
+}
+
+TEST(Failure, OfAPoolThatIsAnotherInputLeavesItAlone) {
+  for (const char* const input : {"slave.ras", "mask.ras", "rg.map", "pcf.run"}) {
+    for (const char* const pool : {"INSAR_PARAMETER_POOL", "log_pp"}) {
+      RUN_FOLDER folder(OrdinaryScene());
+      if (pool == std::string("INSAR_PARAMETER_POOL")) {
+        folder.Write(input, folder.Content("insar.pool"));
+      }
+      folder.parameters[pool] = std::string("./") + input;
+      folder.parameters["MAPPING_FORMAT"] = "matrix";  // is written into the INSAR pool
+      folder.Settings();                               // writes the configuration file
+      const std::string before = folder.Content(input);
+      const PROCESS_END end = folder.Run();
+      ExpectFailure(folder, end);
+      EXPECT_TRUE(folder.Content(input) == before);
+      if (input != std::string("pcf.run") || pool == std::string("log_pp")) {
+        EXPECT_TRUE(ShowsAlarm(end, std::string("pool would be written into another file of the "
+                                                "run: ./") +
+                                        input + " is " + input));
+      }
+    }
+  }
+}
+
+TEST(Failure, OfAnOutputThatAnotherRunWrites) {
+  RUN_FOLDER folder(OrdinaryScene());
+  HELD_RUN first(folder);
+  folder.arguments = {"-pid", "second", "-pcf", "pcf.run"};
+  const PROCESS_END second = folder.Run();
+  EXPECT_EQ(second.exit_status, 1);
+  EXPECT_EQ(folder.Content("ERROR.second"), "1");
+  EXPECT_TRUE(ShowsAlarm(second, "MEM_MGR: another run is writing this output: out_mask.ras"))
+      << second.screen;
+  const PROCESS_END end = first.Release();
+  EXPECT_EQ(end.exit_status, 0);
+  EXPECT_EQ(folder.Content("OK.run"), "0");
+}
+
 TEST(Failure, OfAnOutputThatIsAFileOfTheRunsControl) {
   for (const std::string file : {"pcf.run", "OK.run", "ERROR.run", "STOP.run",
                                  "current_process.pid", "parent_process.pid"}) {
@@ -293,11 +367,6 @@ TEST(Failure, OfAnOutputThatIsAFileOfTheRunsControl) {
     ExpectOverwritingRefused(folder, "./" + file, file);
     EXPECT_TRUE(folder.Content("pcf.run").starts_with("AZ_MAPPING_FILE"));
   }
-}
-
-/// Whether the screen shows a line at ALARM.
-bool ShowsAlarm(const PROCESS_END& end, const std::string& text) {
-  return end.screen.find(alarm_begin + text + "\033") != std::string::npos;
 }
 
 TEST(Failure, OfALogThatIsAnOutputLeavesAnEarlierResultAlone) {

@@ -143,6 +143,10 @@ void* mmap(void* address, std::size_t length, int protection, int flags, int fil
                              ::syscall(SYS_mmap, address, length, protection, flags, file, offset));
 }
 
+int msync(void* address, std::size_t length, int flags) {
+  return Fails("msync") ? -1 : static_cast<int>(::syscall(SYS_msync, address, length, flags));
+}
+
 int munmap(void* address, std::size_t length) noexcept {
   return Fails("munmap") ? -1 : static_cast<int>(::syscall(SYS_munmap, address, length));
 }

@@ -133,14 +133,12 @@ class INJECTION : public testing::Test {
 
 TEST_F(INJECTION, OfEachCallOfTheSystemEndsInSuccessOrReport) {
   const std::pair<const char*, int> calls[] = {
-      {"open", EMFILE},     {"open", EIO},      {"fopen", EMFILE},
-      {"mkostemp", ENOSPC}, {"read", EIO},      {"pread", EIO},
-      {"write", ENOSPC},    {"pwrite", ENOSPC}, {"ftruncate", EIO},
-      {"fsync", EIO},       {"flock", ENOLCK},  {"unlink", EPERM},
-      {"stat", EACCES},     {"fstat", EIO},     {"mmap", ENOMEM},
-      {"munmap", EINVAL},   {"close", EIO},     {"pthread_create", EAGAIN},
-      {"setenv", ENOMEM},   {"write", EINTR},   {"read", EINTR},
-      {"pread", EINTR}};
+      {"open", EMFILE},   {"open", EIO},          {"fopen", EMFILE}, {"mkostemp", ENOSPC},
+      {"read", EIO},      {"pread", EIO},         {"write", ENOSPC}, {"pwrite", ENOSPC},
+      {"ftruncate", EIO}, {"fsync", EIO},         {"flock", ENOLCK}, {"unlink", EPERM},
+      {"stat", EACCES},   {"fstat", EIO},         {"mmap", ENOMEM},  {"munmap", EINVAL},
+      {"msync", EIO},     {"flock", EWOULDBLOCK}, {"close", EIO},    {"pthread_create", EAGAIN},
+      {"setenv", ENOMEM}, {"write", EINTR},       {"read", EINTR},   {"pread", EINTR}};
   int failed = 0;
   int survived = 0;
   for (const auto& [call, error] : calls) {

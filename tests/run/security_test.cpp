@@ -18,8 +18,8 @@ void ForEachParameter(const std::string& value,
   std::istringstream names(
       "INSAR_PARAMETER_POOL log_pp SLAVE_PARAMETER_POOL SlaveIn MaskIn MAPPING_FORMAT "
       "RG_MAPPING_FILE AZ_MAPPING_FILE KERNEL_TYPE n_samples KERNEL_COEFFICIENT "
-      "KERNEL_LENGTH KERNEL_SUBPIX_POS no_of_cpu SlaveOut MaskOut PS_MODE pid status "
-      "pcf lfn lfl lsl");
+      "KERNEL_LENGTH KERNEL_SUBPIX_POS no_of_cpu SlaveOut MaskOut PS_MODE FLUSH_OUTPUTS pid "
+      "status pcf lfn lfl lsl");
   for (std::string name; names >> name;) {
     SCOPED_TRACE(name);
     RUN_FOLDER folder(OrdinaryScene());

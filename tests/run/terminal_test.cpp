@@ -111,7 +111,7 @@ TEST(Terminal, ProgressIsShownOnStandardErrorOnlyThereAndChangesNothingElse) {
   if (repetitions > 1) {  // the runtime of a sanitizer must be loaded before any other library
     folder.environment.insert({{"LD_PRELOAD", FAULT_INJECTOR},
                                {"FAULT_CALL", "pthread_create"},
-                               {"FAULT_NUMBER", "0"},
+                               {"FAULT_NUMBER", "1"},  // the first thread writes back
                                {"FAULT_ERROR", "11"}});
     ExpectSuccess(folder, RunAtTerminal(folder, terminal));
     EXPECT_EQ(terminal.Shown(), "") << "there is no thread for it";

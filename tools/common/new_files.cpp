@@ -8,7 +8,7 @@
 #include <set>
 #include <system_error>
 
-#include "raster/file_descriptor.h"
+#include "system/file_descriptor.h"
 
 namespace {
 

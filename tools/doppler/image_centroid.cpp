@@ -76,7 +76,7 @@ IMAGE_CENTROID MeasureCentroid(const IMAGE_LINES& image, const DOPPLER_CENTROID_
   };
   const int columns = CellsAlong(image.n_samples, most_columns);
   const int rows = CellsAlong(image.n_lines - 1, most_rows);
-  const GRID<LAG_ONE_CELL> cells = SumLagOne(image, columns, rows, most_pairs, annotated);
+  const CELL_GRID<LAG_ONE_CELL> cells = SumLagOne(image, columns, rows, most_pairs, annotated);
 
   IMAGE_CENTROID centroid;
   centroid.along_range.resize(static_cast<std::size_t>(columns));

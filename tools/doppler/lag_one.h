@@ -61,5 +61,5 @@ struct LAG_ONE_CELL {
 /// about `most_pairs` pairs of lines, spread evenly. `known` is taken out line by line and in the
 /// middle of each cell along range, so that a centroid that sweeps along azimuth does not cancel
 /// the sums. Cells that no pair of lines falls into are empty.
-GRID<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
+CELL_GRID<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
                              std::int64_t most_pairs, const CENTROID& known);

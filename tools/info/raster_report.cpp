@@ -80,6 +80,9 @@ struct RASTER_STATISTICS {
 
 RASTER_STATISTICS Measure(const RASTER_READER& raster) {
   RASTER_STATISTICS statistics(raster.Type());
+  if (raster.Width() == 0 || raster.Height() == 0) {
+    return statistics;  // the other side may be billions long
+  }
   std::vector<std::complex<double>> values(static_cast<std::size_t>(raster.Width()));
   for (std::int64_t line = 0; line < raster.Height(); ++line) {
     raster.ReadLine(line, 0, values);

@@ -17,8 +17,8 @@ constexpr int most_cells = 1024;
 constexpr float no_value = NAN;
 
 /// The logarithm of the mean power of each cell, NaN where less than half of it has data.
-GRID<float> LogPower(const RASTER_READER& image, const RANGE_AZIMUTH<int>& cell) {
-  GRID<float> grid(static_cast<int>(image.Width() / cell.range),
+CELL_GRID<float> LogPower(const RASTER_READER& image, const RANGE_AZIMUTH<int>& cell) {
+  CELL_GRID<float> grid(static_cast<int>(image.Width() / cell.range),
                    static_cast<int>(image.Height() / cell.azimuth));
   const auto width = static_cast<std::size_t>(cell.range);
   ForEachLine(grid.Rows(), [&](std::int64_t row) {
@@ -58,8 +58,8 @@ struct BOX_SUM {
   }
 };
 
-GRID<BOX_SUM> BoxSums(const GRID<float>& grid) {
-  GRID<BOX_SUM> sums(grid.Columns() + 1, grid.Rows() + 1);
+CELL_GRID<BOX_SUM> BoxSums(const CELL_GRID<float>& grid) {
+  CELL_GRID<BOX_SUM> sums(grid.Columns() + 1, grid.Rows() + 1);
   for (int row = 0; row < grid.Rows(); ++row) {
     BOX_SUM line;
     for (int column = 0; column < grid.Columns(); ++column) {
@@ -73,10 +73,10 @@ GRID<BOX_SUM> BoxSums(const GRID<float>& grid) {
 }
 
 /// What a cell has more than the mean of those around it; 0 without data.
-GRID<float> WithoutRegions(const GRID<float>& grid) {
+CELL_GRID<float> WithoutRegions(const CELL_GRID<float>& grid) {
   constexpr int reach = 8;
-  const GRID<BOX_SUM> sums = BoxSums(grid);
-  GRID<float> result(grid.Columns(), grid.Rows());
+  const CELL_GRID<BOX_SUM> sums = BoxSums(grid);
+  CELL_GRID<float> result(grid.Columns(), grid.Rows());
   for (int row = 0; row < grid.Rows(); ++row) {
     const int top = std::max(row - reach, 0);
     const int bottom = std::min(row + reach + 1, grid.Rows());
@@ -107,7 +107,7 @@ int Overlap(int shift, int master, int slave) {
 /// overlap has 0.
 class CORRELATION {
  public:
-  CORRELATION(const GRID<float>& master, const GRID<float>& slave)
+  CORRELATION(const CELL_GRID<float>& master, const CELL_GRID<float>& slave)
       : columns_(FourierLength(master.Columns() + slave.Columns())),
         rows_(FourierLength(master.Rows() + slave.Rows())),
         slave_columns_(slave.Columns()),
@@ -146,7 +146,7 @@ class CORRELATION {
   }
 
  private:
-  void Fill(const GRID<float>& grid) {
+  void Fill(const CELL_GRID<float>& grid) {
     std::fill(values_.begin(), values_.end(), 0.0F);
     for (int row = 0; row < grid.Rows(); ++row) {
       for (int column = 0; column < grid.Columns(); ++column) {
@@ -156,7 +156,7 @@ class CORRELATION {
     }
   }
 
-  void Normalise(const GRID<float>& master) {
+  void Normalise(const CELL_GRID<float>& master) {
     constexpr double least_share = 1.0 / 64.0;
     const double least = least_share * std::min(master.Columns(), slave_columns_) *
                          std::min(master.Rows(), slave_rows_);

@@ -99,7 +99,7 @@ class FIGURE_PAINTER {
   }
 
   void PaintImage() {
-    const GRID<double>& values = figure_.values;
+    const CELL_GRID<double>& values = figure_.values;
     for (int y = 0; y < figure_.height; ++y) {
       const auto row = static_cast<int>(std::int64_t{y} * values.Rows() / figure_.height);
       for (int x = 0; x < figure_.width; ++x) {

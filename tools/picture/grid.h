@@ -5,9 +5,9 @@
 
 /// Cells in columns and rows, row after row.
 template <class CELL>
-class GRID {
+class CELL_GRID {
  public:
-  GRID(int columns, int rows)
+  CELL_GRID(int columns, int rows)
       : columns_(columns),
         rows_(rows),
         cells_(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {}

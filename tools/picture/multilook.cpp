@@ -24,14 +24,14 @@ SHARE ShareOf(std::int64_t pixel, std::int64_t pixels, int cells) {
 
 }  // namespace
 
-GRID<PAIR_SUMS> Multilook(const LINE_SUMS& line_sums, std::int64_t samples, std::int64_t lines,
+CELL_GRID<PAIR_SUMS> Multilook(const LINE_SUMS& line_sums, std::int64_t samples, std::int64_t lines,
                           int columns, int rows) {
   std::vector<SHARE> sample_shares;
   sample_shares.reserve(static_cast<std::size_t>(samples));
   for (std::int64_t sample = 0; sample < samples; ++sample) {
     sample_shares.push_back(ShareOf(sample, samples, columns));
   }
-  GRID<PAIR_SUMS> grid(columns, rows);
+  CELL_GRID<PAIR_SUMS> grid(columns, rows);
   std::vector<PAIR_SUMS> pixels(sample_shares.size());
   std::vector<PAIR_SUMS> row_sums(static_cast<std::size_t>(columns));
   for (std::int64_t line = 0; line < lines; ++line) {

@@ -12,5 +12,5 @@
 /// but the line in work and the grid is kept.
 ///
 /// The grid may have at most one column a sample and one row a line.
-GRID<PAIR_SUMS> Multilook(const LINE_SUMS& line_sums, std::int64_t samples, std::int64_t lines,
+CELL_GRID<PAIR_SUMS> Multilook(const LINE_SUMS& line_sums, std::int64_t samples, std::int64_t lines,
                           int columns, int rows);

@@ -26,6 +26,15 @@ PICTURE_SIZE SizeFor(const RASTER_READER& raster) {
   return SizeFor(raster.Width(), raster.Height());
 }
 
+/// Throws for a raster without pixels, whose other side may be billions long.
+RASTER_READER WithPixels(const std::string& path) {
+  RASTER_READER raster(path);
+  if (raster.Width() == 0 || raster.Height() == 0) {
+    throw std::runtime_error("has no pixels: " + path);
+  }
+  return raster;
+}
+
 /// Draws what `make` returns, and fills in the caption if `make` has not.
 QUICKLOOK Draw(const std::string& title, const std::function<FIGURE(QUICKLOOK&)>& make) {
   QUICKLOOK picture{.title = title, .caption = {}, .png = {}, .reason = {}};
@@ -49,7 +58,7 @@ using PATH = std::optional<std::string>;
 void AddAmplitude(QUICKLOOK_GROUP& group, const char* title, const PATH& path) {
   if (path) {
     group.pictures.push_back(Draw(title, [&](QUICKLOOK&) {
-      const RASTER_READER raster(*path);
+      const RASTER_READER raster = WithPixels(*path);
       return AmplitudeFigure(raster, SizeFor(raster));
     }));
   }
@@ -58,7 +67,7 @@ void AddAmplitude(QUICKLOOK_GROUP& group, const char* title, const PATH& path) {
 void AddShifts(QUICKLOOK_GROUP& group, const char* title, const char* unit, const PATH& path) {
   if (path) {
     group.pictures.push_back(Draw(title, [&](QUICKLOOK&) {
-      const RASTER_READER raster(*path);
+      const RASTER_READER raster = WithPixels(*path);
       FIGURE figure = ValueFigure(raster, SizeFor(raster));
       figure.scale.name = std::string("shift [") + unit + "]";
       return figure;
@@ -70,7 +79,7 @@ void AddShifts(QUICKLOOK_GROUP& group, const char* title, const char* unit, cons
 FIGURE PolynomialFigure(const RUN_RECORD& run, bool along_range) {
   const MAPPING_POLYNOMIAL mapping(run.File("INSAR_PARAMETER_POOL").value_or("").c_str());
   const SIZE size = ShownSize(run.Samples(), run.Lines(), SizeFor(run.Samples(), run.Lines()));
-  GRID<double> shifts(size.width, size.height);
+  CELL_GRID<double> shifts(size.width, size.height);
   for (int row = 0; row < size.height; ++row) {
     const double line = (row + 0.5) * static_cast<double>(run.Lines()) / size.height;
     for (int column = 0; column < size.width; ++column) {
@@ -105,7 +114,7 @@ QUICKLOOK_GROUP DrawShifts(const RUN_RECORD& run) {
   return group;
 }
 
-std::string MeanText(const GRID<double>& values) {
+std::string MeanText(const CELL_GRID<double>& values) {
   double sum = 0.0;
   double count = 0.0;
   for (const double value : values.Cells()) {
@@ -125,8 +134,8 @@ void AddPair(QUICKLOOK_GROUP& group, const std::string& title, const std::string
              const PATH& path, PAIR_FIGURE make) {
   if (path) {
     group.pictures.push_back(Draw(title, [&](QUICKLOOK& picture) {
-      const RASTER_READER master_raster(master);
-      const RASTER_READER raster(*path);
+      const RASTER_READER master_raster = WithPixels(master);
+      const RASTER_READER raster = WithPixels(*path);
       FIGURE figure = make(master_raster, raster, SizeFor(master_raster));
       if (make == CoherenceFigure) {
         picture.caption = MeanText(figure.values);
@@ -167,7 +176,7 @@ std::vector<QUICKLOOK_GROUP> DrawQuicklooks(const RUN_RECORD& run, const std::st
   groups.push_back(DrawShifts(run));
   if (const PATH mask = run.Output("MaskOut")) {
     const auto draw = [&](QUICKLOOK&) {
-      const RASTER_READER raster(*mask);
+      const RASTER_READER raster = WithPixels(*mask);
       return MaskFigure(raster, SizeFor(raster));
     };
     groups.push_back({"Valid pixels", {Draw("Output mask", draw)}});
@@ -177,7 +186,7 @@ std::vector<QUICKLOOK_GROUP> DrawQuicklooks(const RUN_RECORD& run, const std::st
 }
 
 double ValidShare(const std::string& mask) {
-  const RASTER_READER raster(mask);
+  const RASTER_READER raster = WithPixels(mask);
   std::vector<std::complex<double>> values(static_cast<std::size_t>(raster.Width()));
   std::int64_t valid = 0;
   for (std::int64_t line = 0; line < raster.Height(); ++line) {

@@ -1,6 +1,7 @@
 #include "report/report_page.h"
 
 #include <cstdio>
+#include <exception>
 #include <utility>
 #include <vector>
 
@@ -160,6 +161,7 @@ class PAGE {
     try {
       AddFigure("Valid pixels", Percent(ValidShare(mask)));
     } catch (const ERROR_EXCEPTION&) {  // the picture of the mask tells the reason
+    } catch (const std::exception&) {
     }
   }
 
