@@ -27,8 +27,8 @@ std::string_view TakeWord(std::string_view& text) {
 /// Whether reading the file ends, should it exist.
 bool IsReadable(const std::string& name) {
   struct stat status {};
-  return ::stat(name.c_str(), &status) != 0 || S_ISREG(status.st_mode) ||
-         S_ISDIR(status.st_mode) || IsSameFile(name.c_str(), "/dev/null");
+  return ::stat(name.c_str(), &status) != 0 || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode) ||
+         IsSameFile(name.c_str(), "/dev/null");
 }
 
 }  // namespace

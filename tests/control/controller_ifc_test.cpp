@@ -2,6 +2,7 @@
 
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 
 #include "process_test.h"
 
@@ -49,6 +50,17 @@ TEST_F(CONTROLLER, ArgumentScanTakesTheLastOccurrenceAndNeverTheLastWord) {
 TEST_F(CONTROLLER, ConfigurationFileMayBeAFolderWithoutParameters) {
   std::filesystem::create_directory(Path("folder"));
   EXPECT_EQ(LookUpAll({"tool", "-pcf", "folder"}, {"A"}), "-\n");
+}
+
+TEST_F(CONTROLLER, ConfigurationFileIsNoPipeAndNoDeviceButTheNullDevice) {
+  ASSERT_EQ(::mkfifo(Path("fifo").c_str(), 0600), 0);
+  for (const std::string file : {"fifo", "/dev/zero", "/dev/null"}) {
+    EXPECT_EQ(LookUpAll({"tool", "-pcf", file}, {"A"}), "-\n");
+    EXPECT_EQ(Content("log.tool")
+                      .find("ALARM : resample : Configuration file " + file +
+                            " is neither a regular file nor /dev/null!\n") == std::string::npos,
+              file == "/dev/null");
+  }
 }
 
 TEST_F(CONTROLLER, LogFileNameComesFromParameterThenLogThenRun) {

@@ -62,6 +62,19 @@ TEST_F(FATAL_SIGNAL, SupervisorLineAndScreenAreWrittenAsAskedFor) {
   EXPECT_EQ(Run(WithTool(silent)).screen, "");
 }
 
+TEST_F(FATAL_SIGNAL, LeavesNoTemporaryLog) {
+  Run([] {
+    InstallFatalSignalHandler();
+    Log() << LOGGING_LEVEL_T::INFO << "the real log is not open yet";
+    WriteFile("name", std::filesystem::read_symlink("/proc/self/fd/" +
+                                                    std::to_string(Log().FileDescriptor()))
+                          .string());
+    ::raise(SIGTERM);
+  });
+  EXPECT_TRUE(Content("name").starts_with("/tmp/log."));
+  EXPECT_FALSE(std::filesystem::exists(Content("name")));
+}
+
 TEST_F(FATAL_SIGNAL, EndlessProgramNameIsCut) {
   const PROCESS_END end = RunController({std::string(10000, 'n'), "-pid", "run"},
                                         [](CONTROLLER_IFC&) { ::raise(SIGINT); });

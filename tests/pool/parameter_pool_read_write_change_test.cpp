@@ -1,7 +1,9 @@
 #include "pool/parameter_pool_read_write_change.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
 
 #include "base/vector.h"
 #include "pool/pool_test.h"
@@ -33,6 +35,48 @@ class POOL_WRITE : public POOL_TEST {
     EXPECT_EQ(PoolText(), "");
   }
 };
+
+/// The process with the numbers of another country, as far as the system can make its locale.
+class COMMA_LOCALE {
+ public:
+  COMMA_LOCALE() {
+    const std::string made = "localedef -i de_DE -f UTF-8 " + directory_.File("de_DE.UTF-8");
+    is_there_ = std::system((made + " > /dev/null 2>&1").c_str()) == 0 &&
+                ::setenv("LOCPATH", directory_.Path().c_str(), 1) == 0 &&
+                std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+  }
+  ~COMMA_LOCALE() {
+    std::setlocale(LC_ALL, "C");
+    ::unsetenv("LOCPATH");
+  }
+  COMMA_LOCALE(const COMMA_LOCALE&) = delete;
+  COMMA_LOCALE& operator=(const COMMA_LOCALE&) = delete;
+  bool IsThere() const { return is_there_; }
+
+ private:
+  TEMPORARY_DIRECTORY directory_;
+  bool is_there_ = false;
+};
+
+TEST_F(POOL_WRITE, NumbersHaveAPointInACommaLocaleToo) {
+  const std::string text = Written("key", 0.0055);
+  const COMMA_LOCALE comma;
+  if (!comma.IsThere()) {
+    GTEST_SKIP() << "no locale can be made here";
+  }
+  EXPECT_EQ(std::to_string(0.5), "0,500000");
+  EXPECT_EQ(Written("key", 0.0055), text);
+  for (const auto& [written, value] :
+       {std::pair("0.0055", 0.0055), std::pair("+1.5", 1.5), std::pair("0x1.8p1", 3.0)}) {
+    SetPool(std::string("key FLT_15 ") + written + "\n");
+    double read = 0.0;
+    PARAMETER_POOL(Path()).Read("key", read);
+    EXPECT_EQ(read, value);
+  }
+  Log().Message(LOGGING_LEVEL_T::ALARM, "%.2f", 0.5);
+  Log() << LOGGING_LEVEL_T::ALARM << 0.25;
+  EXPECT_TRUE(log_.Text().ends_with("ALARM : 0.50\nALARM : 0.250000\n")) << log_.Text();
+}
 
 /// Calls `visit(key, sample)` for samples of every type.
 template <class VISIT>

@@ -65,6 +65,18 @@ TEST_F(COMMANDS, ComparePrintsFiguresOfTheRegionOrOfItsBlocks) {
       << blocks;
 }
 
+TEST_F(COMMANDS, OutputThatCanNotBeWrittenIsAFailure) {
+  const std::string image =
+      Complex(
+          "image.ras", 5, 2, [](int, int) { return VALUE(1.0); }, PIXEL_TYPE::C_INT_16)
+          .Path();
+  for (const std::string& command : {"info " + image, "compare " + image + " " + image}) {
+    const std::string line = std::string(SLCTOOL_PROGRAM) + " " + command;
+    EXPECT_NO_THROW(Shell(line));
+    EXPECT_THROW(Shell(line + " > /dev/full"), std::runtime_error);
+  }
+}
+
 TEST_F(COMMANDS, CompareRefusesWhatDoesNotFit) {
   MakeScene();
   const std::string map = Path("rg_map.ras");

@@ -19,6 +19,17 @@ std::string Report(const std::string& path) {
   return report.str();
 }
 
+TEST_F(RasterReportTest, OfARasterWithoutPixelsComesAtOnceWhateverItsOtherSide) {
+  for (const auto& [width, height] : {std::pair(0U, 0xFFFFFFFFU), std::pair(0xFFFFFFFFU, 0U)}) {
+    const RASTER_HEADER::BYTES header = RASTER_HEADER(width, height, PIXEL_TYPE::C_INT_16).Encode();
+    const std::string path = Path("none\033[2J.ras");
+    WriteFile(path, std::string(header.begin(), header.end()));
+    const std::string report = Report(path);
+    EXPECT_NE(report.find("none\\x1b[2J.ras\n"), std::string::npos) << report;
+    EXPECT_NE(report.find("\npixels: 0\n"), std::string::npos) << report;
+  }
+}
+
 TEST_F(RasterReportTest, TellsHeaderAndValuesOfAComplexRaster) {
   const auto pixel = [](int sample, int line) {
     const VALUE other[] = {0.0, {-6.0, 8.0}};

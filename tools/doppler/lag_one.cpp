@@ -106,7 +106,7 @@ double LAG_ONE::Bandwidth() const noexcept {
 }
 
 CELL_GRID<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
-                             std::int64_t most_pairs, const CENTROID& known) {
+                                  std::int64_t most_pairs, const CENTROID& known) {
   CELL_GRID<LAG_ONE_CELL> sums(columns, rows);
   const std::int64_t pairs = std::max<std::int64_t>(image.n_lines - 1, 0);
   const std::int64_t pairs_a_row = std::max<std::int64_t>(1, most_pairs / rows);

@@ -62,4 +62,4 @@ struct LAG_ONE_CELL {
 /// middle of each cell along range, so that a centroid that sweeps along azimuth does not cancel
 /// the sums. Cells that no pair of lines falls into are empty.
 CELL_GRID<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
-                             std::int64_t most_pairs, const CENTROID& known);
+                                  std::int64_t most_pairs, const CENTROID& known);

@@ -23,10 +23,10 @@ struct COLOUR_SCALE {
 struct FIGURE {
   std::string title;  ///< without one no room is left for it and the subtitle
   std::string subtitle;
-  CELL_GRID<double> values;   ///< one a cell, NaN where there is none
-  std::int64_t samples;  ///< what the columns of the grid stand for
-  std::int64_t lines;    ///< what the rows of the grid stand for
-  int width;             ///< of the image itself, in picture pixels
+  CELL_GRID<double> values;  ///< one a cell, NaN where there is none
+  std::int64_t samples;      ///< what the columns of the grid stand for
+  std::int64_t lines;        ///< what the rows of the grid stand for
+  int width;                 ///< of the image itself, in picture pixels
   int height;
   COLOUR_SCALE scale;
 };

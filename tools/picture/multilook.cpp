@@ -25,7 +25,7 @@ SHARE ShareOf(std::int64_t pixel, std::int64_t pixels, int cells) {
 }  // namespace
 
 CELL_GRID<PAIR_SUMS> Multilook(const LINE_SUMS& line_sums, std::int64_t samples, std::int64_t lines,
-                          int columns, int rows) {
+                               int columns, int rows) {
   std::vector<SHARE> sample_shares;
   sample_shares.reserve(static_cast<std::size_t>(samples));
   for (std::int64_t sample = 0; sample < samples; ++sample) {

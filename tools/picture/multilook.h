@@ -13,4 +13,4 @@
 ///
 /// The grid may have at most one column a sample and one row a line.
 CELL_GRID<PAIR_SUMS> Multilook(const LINE_SUMS& line_sums, std::int64_t samples, std::int64_t lines,
-                          int columns, int rows);
+                               int columns, int rows);
