@@ -104,7 +104,7 @@ KERNEL_PARAMETERS ReadKernelParameters(CONTROLLER_IFC& controller) {
   kernel.type.Assign(MandatoryParameter(controller, "KERNEL_TYPE").c_str());
   const std::string coefficient = MandatoryParameter(controller, "KERNEL_COEFFICIENT");
   WarnOfBadNumber("KERNEL_COEFFICIENT", coefficient);
-  kernel.coefficient = std::strtod(coefficient.c_str(), nullptr);
+  kernel.coefficient = RealFromText(coefficient.c_str());
   kernel.length = MandatoryInteger(controller, "KERNEL_LENGTH");
   kernel.subpix_positions = MandatoryInteger(controller, "KERNEL_SUBPIX_POS");
   return kernel;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <stdexcept>
 
 #include "base/error_exception.h"
 #include "common/raster_reader.h"
@@ -26,14 +27,15 @@ PICTURE_SIZE SizeFor(const RASTER_READER& raster) {
   return SizeFor(raster.Width(), raster.Height());
 }
 
-/// Throws for a raster without pixels, whose other side may be billions long.
-RASTER_READER WithPixels(const std::string& path) {
-  RASTER_READER raster(path);
-  if (raster.Width() == 0 || raster.Height() == 0) {
-    throw std::runtime_error("has no pixels: " + path);
+/// A raster to be shown. Throws for one without pixels, whose other side may be billions long.
+class SHOWN_RASTER : public RASTER_READER {
+ public:
+  explicit SHOWN_RASTER(const std::string& path) : RASTER_READER(path) {
+    if (Width() == 0 || Height() == 0) {
+      throw std::runtime_error("has no pixels: " + path);
+    }
   }
-  return raster;
-}
+};
 
 /// Draws what `make` returns, and fills in the caption if `make` has not.
 QUICKLOOK Draw(const std::string& title, const std::function<FIGURE(QUICKLOOK&)>& make) {
@@ -58,7 +60,7 @@ using PATH = std::optional<std::string>;
 void AddAmplitude(QUICKLOOK_GROUP& group, const char* title, const PATH& path) {
   if (path) {
     group.pictures.push_back(Draw(title, [&](QUICKLOOK&) {
-      const RASTER_READER raster = WithPixels(*path);
+      const SHOWN_RASTER raster(*path);
       return AmplitudeFigure(raster, SizeFor(raster));
     }));
   }
@@ -67,7 +69,7 @@ void AddAmplitude(QUICKLOOK_GROUP& group, const char* title, const PATH& path) {
 void AddShifts(QUICKLOOK_GROUP& group, const char* title, const char* unit, const PATH& path) {
   if (path) {
     group.pictures.push_back(Draw(title, [&](QUICKLOOK&) {
-      const RASTER_READER raster = WithPixels(*path);
+      const SHOWN_RASTER raster(*path);
       FIGURE figure = ValueFigure(raster, SizeFor(raster));
       figure.scale.name = std::string("shift [") + unit + "]";
       return figure;
@@ -134,8 +136,8 @@ void AddPair(QUICKLOOK_GROUP& group, const std::string& title, const std::string
              const PATH& path, PAIR_FIGURE make) {
   if (path) {
     group.pictures.push_back(Draw(title, [&](QUICKLOOK& picture) {
-      const RASTER_READER master_raster = WithPixels(master);
-      const RASTER_READER raster = WithPixels(*path);
+      const SHOWN_RASTER master_raster(master);
+      const SHOWN_RASTER raster(*path);
       FIGURE figure = make(master_raster, raster, SizeFor(master_raster));
       if (make == CoherenceFigure) {
         picture.caption = MeanText(figure.values);
@@ -176,7 +178,7 @@ std::vector<QUICKLOOK_GROUP> DrawQuicklooks(const RUN_RECORD& run, const std::st
   groups.push_back(DrawShifts(run));
   if (const PATH mask = run.Output("MaskOut")) {
     const auto draw = [&](QUICKLOOK&) {
-      const RASTER_READER raster = WithPixels(*mask);
+      const SHOWN_RASTER raster(*mask);
       return MaskFigure(raster, SizeFor(raster));
     };
     groups.push_back({"Valid pixels", {Draw("Output mask", draw)}});
@@ -186,7 +188,7 @@ std::vector<QUICKLOOK_GROUP> DrawQuicklooks(const RUN_RECORD& run, const std::st
 }
 
 double ValidShare(const std::string& mask) {
-  const RASTER_READER raster = WithPixels(mask);
+  const SHOWN_RASTER raster(mask);
   std::vector<std::complex<double>> values(static_cast<std::size_t>(raster.Width()));
   std::int64_t valid = 0;
   for (std::int64_t line = 0; line < raster.Height(); ++line) {
