@@ -28,7 +28,7 @@ void RefuseOverwriting(const std::string& output, const std::vector<std::string>
 }
 
 /// The same for what is behind an output's name now, by whatever way it got there.
-void RefuseOpenFiles(const OUTPUT_FILE& output) {
+void RefuseOpenFiles(const RASTER_OUTPUT& output) {
   const std::pair<int, const char*> open_files[] = {{STDOUT_FILENO, "standard output"},
                                                     {STDERR_FILENO, "standard error"},
                                                     {Log().FileDescriptor(), "the log"}};
@@ -39,8 +39,8 @@ void RefuseOpenFiles(const OUTPUT_FILE& output) {
   }
 }
 
-OUTPUT_FILE OpenOutput(const std::string& path) {
-  OUTPUT_FILE output = MEM_MGR::OpenOutput(path.c_str());
+RASTER_OUTPUT OpenOutput(const std::string& path) {
+  RASTER_OUTPUT output = MEM_MGR::OpenOutput(path.c_str());
   RefuseOpenFiles(output);
   return output;
 }
@@ -72,8 +72,8 @@ void CreateOutput(const OUTPUT_FILES& files, const RESAMPLE_INPUT& input, RESAMP
   const int last_sample = input.n_samples - 1;
   const int last_line = input.n_lines - 1;
   // Neither is emptied before both are known to be right.
-  OUTPUT_FILE slave = OpenOutput(files.slave);
-  std::optional<OUTPUT_FILE> mask;
+  RASTER_OUTPUT slave = OpenOutput(files.slave);
+  std::optional<RASTER_OUTPUT> mask;
   if (files.mask) {
     mask.emplace(OpenOutput(*files.mask));
     if (mask->IsSameAs(slave)) {

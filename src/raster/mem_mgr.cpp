@@ -226,7 +226,7 @@ void MEM_MGR::Create(const char* path, std::int64_t first_column, std::int64_t f
   const IMAGE_BOUNDS bounds = {first_column, first_row, last_column, last_row};
   const PIXEL_TYPE pixel_type = PixelTypeOf(data_type);
   BeginCreation(bounds, pixel_type, color_map);
-  OUTPUT_FILE output(path);
+  RASTER_OUTPUT output(path);
   if (!output.IsOpen()) {
     const int error = errno;
     Log() << ALARM << "unable to open file: " << path;
@@ -236,7 +236,7 @@ void MEM_MGR::Create(const char* path, std::int64_t first_column, std::int64_t f
   FillFile(std::move(output), bounds, pixel_type, color_map);
 }
 
-void MEM_MGR::Create(OUTPUT_FILE file, std::int64_t first_column, std::int64_t first_row,
+void MEM_MGR::Create(RASTER_OUTPUT file, std::int64_t first_column, std::int64_t first_row,
                      std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type,
                      const COLOR_MAP& color_map) {
   const IMAGE_BOUNDS bounds = {first_column, first_row, last_column, last_row};
@@ -244,8 +244,8 @@ void MEM_MGR::Create(OUTPUT_FILE file, std::int64_t first_column, std::int64_t f
   FillFile(std::move(file), bounds, pixel_type, color_map);
 }
 
-OUTPUT_FILE MEM_MGR::OpenOutput(const char* path) {
-  OUTPUT_FILE output(path);
+RASTER_OUTPUT MEM_MGR::OpenOutput(const char* path) {
+  RASTER_OUTPUT output(path);
   if (!output.IsOpen()) {
     LogCreationError(path, errno);
     throw ERROR_CAN_NOT_CREATE_FILE();
@@ -269,7 +269,7 @@ void MEM_MGR::BeginCreation(const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
   Log() << DEBUG << "creating file with dimensions " << bounds.Width() << "x" << bounds.Height();
 }
 
-void MEM_MGR::FillFile(OUTPUT_FILE output, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
+void MEM_MGR::FillFile(RASTER_OUTPUT output, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
                        const COLOR_MAP& color_map) {
   const auto [header, block_length] = MakeNewRaster(bounds, pixel_type, color_map.entries);
   const std::string path = output.Path();

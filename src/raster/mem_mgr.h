@@ -12,8 +12,8 @@
 #include "raster/color_map.h"
 #include "raster/image_bounds.h"
 #include "raster/memory_mapping.h"
-#include "raster/output_file.h"
 #include "raster/pixel_type.h"
+#include "raster/raster_output.h"
 #include "system/file_descriptor.h"
 
 /// One raster image in memory: a file mapped as a whole, so that pixels are read and written in
@@ -67,11 +67,11 @@ class MEM_MGR {
 
   /// The same in a file that is open already, so that it could be looked at before it is emptied,
   /// and locked.
-  void Create(OUTPUT_FILE file, std::int64_t first_column, std::int64_t first_row,
+  void Create(RASTER_OUTPUT file, std::int64_t first_column, std::int64_t first_row,
               std::int64_t last_column, std::int64_t last_row, PIXEL_TYPE pixel_type,
               const COLOR_MAP& color_map = {});
   /// Opens the file for that. Throws ERROR_CAN_NOT_CREATE_FILE.
-  static OUTPUT_FILE OpenOutput(const char* path);
+  static RASTER_OUTPUT OpenOutput(const char* path);
 
   /// Throws what the first `Create` would, as far as that can be told without touching a file:
   /// ERROR_NOT_SUPPORTED_PIXEL_TYPE, ERROR_ARGUMENT and ERROR_CAN_NOT_CREATE_FILE. Disk space is
@@ -156,7 +156,7 @@ class MEM_MGR {
   void MapRaster(const char* path, int access_mode, std::optional<PIXEL_TYPE> pixel_type);
   /// Lets go of what is held; throws for bounds and types that can not be, before a file is opened.
   void BeginCreation(const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type, const COLOR_MAP& color_map);
-  void FillFile(OUTPUT_FILE output, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
+  void FillFile(RASTER_OUTPUT output, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type,
                 const COLOR_MAP& color_map);
   void HoldFile(FILE_DESCRIPTOR file, std::int64_t header_length, std::int64_t block_length,
                 int protection, const IMAGE_BOUNDS& bounds, PIXEL_TYPE pixel_type);
