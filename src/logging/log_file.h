@@ -17,7 +17,7 @@ class LOG_FILE {
   using TROUBLE = std::vector<std::string>;
 
   /// `name` is only kept (empty: none given yet).
-  explicit LOG_FILE(std::string_view name) : name_(name) {}
+  explicit LOG_FILE(std::string_view name = {}) : name_(name) {}
   LOG_FILE(const LOG_FILE&) = delete;
   LOG_FILE& operator=(const LOG_FILE&) = delete;
 
