@@ -6,6 +6,7 @@
 
 #include "base/error_exception.h"
 #include "raster/mem_mgr.h"
+#include "raster/raster_header.h"
 #include "support/log_capture.h"
 #include "tools/image_test.h"
 
