@@ -12,7 +12,7 @@
 #include "base/parallel_lines.h"
 #include "common/new_files.h"
 #include "common/pixel_encoder.h"
-#include "raster/file_descriptor.h"
+#include "system/file_descriptor.h"
 
 namespace {
 
