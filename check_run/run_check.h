@@ -8,6 +8,7 @@
 #include "check_run/coverage.h"
 #include "check_run/disk_need.h"
 #include "check_run/findings.h"
+#include "check_run/run_physics.h"
 #include "control/controller_ifc.h"
 #include "core/resample_input.h"
 #include "logging/version_record.h"
@@ -18,6 +19,7 @@ struct RUN_FIGURES {
   int n_lines = 0;
   PIXEL_TYPE pixel_type{};
   COVERAGE coverage;
+  RUN_PHYSICS physics;
   std::int64_t mapped_bytes =
       0;                       ///< of inputs and outputs, read and written through the page cache
   std::int64_t own_bytes = 0;  ///< kernel and row tables
@@ -58,6 +60,7 @@ class RUN_CHECK {
   void CheckPoolUpdates(const VERSION_RECORD& version);
 
   RUN_FIGURES Measure() const;
+  std::int64_t PairsOfLines() const;
   std::vector<NEW_FILE> Outputs(double share) const;
   std::int64_t MappedInputBytes() const;
   std::int64_t OwnBytes() const;

@@ -63,6 +63,12 @@ class DOPPLER_CENTROID_MODEL {
   /// sum over k of c_k(azimuth_time) * (range_time - t_ref(azimuth_time))^k.
   double Frequency(double azimuth_time, double range_time) const;
 
+  /// Times of the first and the last annotated polynomial [s].
+  double FirstAzimuthTime() const noexcept { return reference_time_.points.Pointer(0)->x; }
+  double LastAzimuthTime() const noexcept {
+    return reference_time_.points.Pointer(0)[reference_time_.points.Size() - 1].x;
+  }
+
   int CoefficientCount() const noexcept { return coefficient_count_; }
   /// The polynomial of one azimuth time: fills `coefficients`, lowest degree first, and returns the
   /// reference time.

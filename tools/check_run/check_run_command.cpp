@@ -65,6 +65,7 @@ void Print(const RUN_FIGURES& figures) {
   } else {
     std::cout << "every " << coverage.step << "th sample and line looked at)\n";
   }
+  std::cout << DescribePhysics(figures.physics);
   std::cout << "memory: " << Megabytes(figures.own_bytes) << ", besides "
             << Megabytes(figures.mapped_bytes) << " of mapped files\n";
   for (const DISK_NEED& disk : figures.disks) {

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "doppler/image_centroid.h"
+#include "check_run/image_centroid.h"
 #include "picture/plot.h"
 
 /// Tables of the centroid along range and azimuth, and what they come to. `prf` [Hz] is 0 where

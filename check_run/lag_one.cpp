@@ -1,4 +1,4 @@
-#include "doppler/lag_one.h"
+#include "check_run/lag_one.h"
 
 #include <algorithm>
 #include <cmath>
@@ -105,9 +105,10 @@ double LAG_ONE::Bandwidth() const noexcept {
   return 0.5 * (narrow + wide);
 }
 
-CELL_GRID<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
-                                  std::int64_t most_pairs, const CENTROID& known) {
-  CELL_GRID<LAG_ONE_CELL> sums(columns, rows);
+std::vector<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
+                                    std::int64_t most_pairs, const CENTROID& known) {
+  std::vector<LAG_ONE_CELL> sums(static_cast<std::size_t>(columns) *
+                                 static_cast<std::size_t>(rows));
   const std::int64_t pairs = std::max<std::int64_t>(image.n_lines - 1, 0);
   const std::int64_t pairs_a_row = std::max<std::int64_t>(1, most_pairs / rows);
   ForEachLine(rows, [&](std::int64_t row) {
@@ -123,7 +124,7 @@ CELL_GRID<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int row
         const double turns =
             known(static_cast<double>(line) + 0.5, 0.5 * static_cast<double>(first + last - 1));
         const LAG_ONE data = lines.Sum(first, last);
-        sums.At(column, static_cast<int>(row)).Add({data, data.Less(turns)});
+        sums[static_cast<std::size_t>(row * columns + column)].Add({data, data.Less(turns)});
       }
     }
   });

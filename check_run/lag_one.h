@@ -4,8 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <span>
-
-#include "picture/grid.h"
+#include <vector>
 
 /// Sums over pairs of pixels that follow each other along azimuth, from which the Doppler centroid
 /// of the data follows: their phase at lag one is 2 pi times the centroid in lines, modulo one turn
@@ -57,9 +56,9 @@ struct LAG_ONE_CELL {
   }
 };
 
-/// The sums of columns x rows cells of equal size that cover an image, on all processors, from
-/// about `most_pairs` pairs of lines, spread evenly. `known` is taken out line by line and in the
-/// middle of each cell along range, so that a centroid that sweeps along azimuth does not cancel
-/// the sums. Cells that no pair of lines falls into are empty.
-CELL_GRID<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
-                                  std::int64_t most_pairs, const CENTROID& known);
+/// The sums of columns x rows cells of equal size that cover an image, row by row, on all
+/// processors, from about `most_pairs` pairs of lines, spread evenly. `known` is taken out line by
+/// line and in the middle of each cell along range, so that a centroid that sweeps along azimuth
+/// does not cancel the sums. Cells that no pair of lines falls into are empty.
+std::vector<LAG_ONE_CELL> SumLagOne(const IMAGE_LINES& image, int columns, int rows,
+                                    std::int64_t most_pairs, const CENTROID& known);

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "check_run/lag_one.h"
 #include "core/doppler_centroid_model.h"
-#include "doppler/lag_one.h"
 
 /// The annotated centroid at a pixel of the slave [Hz], where the model puts it: at the times
 /// start + pixel / (oversampling * rate).

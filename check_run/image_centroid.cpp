@@ -1,4 +1,4 @@
-#include "doppler/image_centroid.h"
+#include "check_run/image_centroid.h"
 
 #include <algorithm>
 #include <cmath>
@@ -76,7 +76,7 @@ IMAGE_CENTROID MeasureCentroid(const IMAGE_LINES& image, const DOPPLER_CENTROID_
   };
   const int columns = CellsAlong(image.n_samples, most_columns);
   const int rows = CellsAlong(image.n_lines - 1, most_rows);
-  const CELL_GRID<LAG_ONE_CELL> cells = SumLagOne(image, columns, rows, most_pairs, annotated);
+  const std::vector<LAG_ONE_CELL> cells = SumLagOne(image, columns, rows, most_pairs, annotated);
 
   IMAGE_CENTROID centroid;
   centroid.along_range.resize(static_cast<std::size_t>(columns));
@@ -90,7 +90,7 @@ IMAGE_CENTROID MeasureCentroid(const IMAGE_LINES& image, const DOPPLER_CENTROID_
       const double value = annotated(of_row.position, of_column.position);
       of_row.annotated += value / columns;
       of_column.annotated += value / rows;
-      const LAG_ONE_CELL& cell = cells.At(column, row);
+      const LAG_ONE_CELL& cell = cells[static_cast<std::size_t>(row * columns + column)];
       of_row.rest.Add(cell.rest);
       of_column.rest.Add(cell.rest);
       centroid.data.Add(cell.data);
