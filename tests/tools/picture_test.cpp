@@ -27,7 +27,7 @@ COLOUR MarkerMap(double position) {
 /// A cell of magenta, one without a value below it, and two of orange to their right.
 FIGURE MarkerFigure() {
   const COLOUR_SCALE scale{0.0, 1.0, MarkerMap, "value", {{0.5, "half"}}};
-  FIGURE figure{"title", "", GRID<double>(2, 2), 2, 2, 300, 200, scale};
+  FIGURE figure{"title", "", CELL_GRID<double>(2, 2), 2, 2, 300, 200, scale};
   figure.values.Cells() = {0.111, 0.222, NAN, 0.222};
   return figure;
 }
@@ -92,7 +92,7 @@ void FillPowers(std::int64_t line, std::span<PAIR_SUMS> pixels) {
 }
 
 TEST(MultilookTest, DividesPixelsOnTheBorderOfTwoBoxes) {
-  const GRID<PAIR_SUMS> grid = Multilook(FillPowers, 3, 3, 2, 2);
+  const CELL_GRID<PAIR_SUMS> grid = Multilook(FillPowers, 3, 3, 2, 2);
 
   EXPECT_NEAR(grid.At(0, 0).power_a, (1 + 0.5 * 2) + 0.5 * (11 + 0.5 * 12), 1e-12);
   EXPECT_NEAR(grid.At(1, 1).power_a, 0.5 * (0.5 * 12 + 13) + (0.5 * 22 + 23), 1e-12);
