@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <limits>
 
+#include "app/mandatory_parameter.h"
 #include "app/parameter_table.h"
 #include "base/error_exception.h"
-#include "base/memory_for.h"
 #include "logging/logging.h"
 #include "system/c_locale.h"
 
@@ -73,14 +73,6 @@ void CheckOutputSize(const OUTPUT_SIZE& size) {
 }
 
 }  // namespace
-
-std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name) {
-  return WithMemoryFor("parameter", name, [&] {
-    std::string value;
-    controller.GetParameter(name, value);
-    return value;
-  });
-}
 
 INPUT_FILES ReadInputFiles(CONTROLLER_IFC& controller) {
   return {.slave_pool = MandatoryParameter(controller, "SLAVE_PARAMETER_POOL"),

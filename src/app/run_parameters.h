@@ -54,9 +54,6 @@ struct RUN_PARAMETERS {
 /// The parameters that name files of a run.
 CONTROLLER_IFC::FILE_PARAMETERS RunFileParameters();
 
-/// A mandatory parameter; asked for at the keyboard when no source has it.
-std::string MandatoryParameter(CONTROLLER_IFC& controller, const char* name);
-
 // The groups of the parameters in the order in which a run asks for them. All throw the text of a
 // parameter that cannot be had.
 

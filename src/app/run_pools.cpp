@@ -1,6 +1,6 @@
 #include "app/run_pools.h"
 
-#include "app/run_parameters.h"
+#include "app/mandatory_parameter.h"
 #include "base/error_exception.h"
 #include "base/memory_for.h"
 #include "base/same_file.h"

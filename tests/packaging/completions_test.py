@@ -46,7 +46,7 @@ class Bash(unittest.TestCase):
         self.assertEqual(bash("slctool", "scene", "--mapping-format", ""), ["matrix", "polynomial"])
         self.assertCountEqual(bash("slctool", "scene", "--pixel-type", "c"), ["cint16", "cfloat16"])
         self.assertEqual(bash("slctool", "info", ""), [])  # files
-        self.assertEqual(bash("resample-stack", "st"), ["stop", "status"])
+        self.assertEqual(bash("resample-stack", "st"), ["status", "stop"])
         self.assertEqual(bash("resample-stack", "a.json", "--re"), ["--retries"])
 
 

@@ -19,7 +19,7 @@ constexpr float no_value = NAN;
 /// The logarithm of the mean power of each cell, NaN where less than half of it has data.
 CELL_GRID<float> LogPower(const RASTER_READER& image, const RANGE_AZIMUTH<int>& cell) {
   CELL_GRID<float> grid(static_cast<int>(image.Width() / cell.range),
-                   static_cast<int>(image.Height() / cell.azimuth));
+                        static_cast<int>(image.Height() / cell.azimuth));
   const auto width = static_cast<std::size_t>(cell.range);
   ForEachLine(grid.Rows(), [&](std::int64_t row) {
     std::vector<std::complex<double>> values(static_cast<std::size_t>(grid.Columns()) * width);

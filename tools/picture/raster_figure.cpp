@@ -51,7 +51,8 @@ FIGURE MultilookedFigure(const RASTER_READER& image, const LINE_SUMS& line_sums,
   const RANGE_AZIMUTH<int> looks = wanted.looks.value_or(RANGE_AZIMUTH<int>{box, box});
   const int columns = CellCount(size.width, image.Width(), looks.range);
   const int rows = CellCount(size.height, image.Height(), looks.azimuth);
-  const CELL_GRID<PAIR_SUMS> sums = Multilook(line_sums, image.Width(), image.Height(), columns, rows);
+  const CELL_GRID<PAIR_SUMS> sums =
+      Multilook(line_sums, image.Width(), image.Height(), columns, rows);
   CELL_GRID<double> values(columns, rows);
   std::transform(sums.Cells().begin(), sums.Cells().end(), values.Cells().begin(), value_of);
   return {"", "", std::move(values), image.Width(), image.Height(), size.width, size.height, {}};
