@@ -4,6 +4,7 @@
 
 #include "base/error_exception.h"
 #include "pool/pool_errors.h"
+#include "pool/pool_left_overs.h"
 
 using enum LOGGING_LEVEL_T;
 
@@ -25,6 +26,7 @@ PARAMETER_POOL::PARAMETER_POOL(const char* path, int flags) : file_(path, O_RDON
     Log() << ALARM << "parameter file " << path << " is not a regular file!";
     throw CAN_NOT_OPEN_POOL();
   }
+  TellCopiesOfEmptyPool(file_);
 }
 
 void PARAMETER_POOL::ReadEnumeration(const STRING& key, BASIC::TYPES::ENUM_BASE& value) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "pool/pool_errors.h"
+#include "pool/pool_left_overs.h"
 #include "pool/pool_update.h"
 
 using enum LOGGING_LEVEL_T;
@@ -21,6 +22,7 @@ PARAMETER_POOL_READ_WRITE_CHANGE::PARAMETER_POOL_READ_WRITE_CHANGE(const char* p
     Log() << ALARM << "pool file for update " << path << " is not a regular file!";
     throw CAN_NOT_OPEN_POOL();
   }
+  TellCopiesOfEmptyPool(File());
 }
 
 PARAMETER_POOL_READ_WRITE_CHANGE::~PARAMETER_POOL_READ_WRITE_CHANGE() noexcept(false) {

@@ -20,13 +20,20 @@ class POOL_FILE {
   ~POOL_FILE();
 
   /// Creates a file of a unique name, "<directory>/pool_XXXXXX", open for writing. It is removed at
-  /// the end unless `Keep` was called: a failure must not leave files that nobody names.
+  /// the end unless `Keep` was called: a failure must not leave files that nobody names. It is
+  /// locked as long as it is open, and marked, so that `IsLeftOver` finds it after a kill.
   static POOL_FILE CreateTemporary(const std::string& directory);
+  /// Whether a file name, without its directory, is one that `CreateTemporary` could give.
+  static bool IsTemporaryName(std::string_view name) noexcept;
   void Keep() noexcept { is_removed_at_end_ = false; }
 
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   bool IsDirectory() const noexcept;
   bool IsRegular() const noexcept;
+  bool IsEmpty() const noexcept;
+  /// Whether `CreateTemporary` made this file and the process that did has gone or given it up.
+  /// Where the file system has no locks no file is.
+  bool IsLeftOver() const noexcept;
   /// Whether a POOL_LOCK holds this file now.
   bool IsLocked() const noexcept { return is_locked_; }
   /// Whether the name still leads to this file.
@@ -38,7 +45,8 @@ class POOL_FILE {
   bool Truncate(std::size_t length) noexcept;
   bool Write(std::string_view text) noexcept;  ///< from the start of the file on
   bool Sync() noexcept;                        ///< to the disk
-  bool Close() noexcept;
+  /// Reports what disks of a network tell only at a close, and leaves the file open and locked.
+  bool FinishWriting() noexcept;
   bool Remove() noexcept;
 
  private:

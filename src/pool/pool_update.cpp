@@ -12,6 +12,7 @@
 #include "logging/logging.h"
 #include "pool/pool_contents.h"
 #include "pool/pool_errors.h"
+#include "pool/pool_left_overs.h"
 #include "pool/pool_merge.h"
 #include "system/c_locale.h"
 #include "system/held_signals.h"
@@ -38,14 +39,14 @@ void SyncDirectory(const std::string& directory) {
   }
 }
 
-/// A complete copy of the merged pool, safe on the disk and closed.
+/// A complete copy of the merged pool, safe on the disk.
 POOL_FILE WriteTemporary(const char* pool_name, std::string_view merged) {
   const std::string directory = DirectoryOf(pool_name);
   POOL_FILE temporary = POOL_FILE::CreateTemporary(directory);
   if (!temporary.IsOpen()) {
     RefuseTemporary(pool_name, errno);
   }
-  if (!temporary.Write(merged) || !temporary.Sync() || !temporary.Close()) {
+  if (!temporary.Write(merged) || !temporary.Sync() || !temporary.FinishWriting()) {
     const int error = errno;
     temporary.Keep();
     Log() << ALARM << "can not update parameter pool: " << pool_name << ": "
@@ -112,6 +113,7 @@ POOL_FILE OpenPoolForUpdate(const char* path) {
 
 void UpdatePoolFile(POOL_FILE& pool, const PARAMETER_POOL_LIST& items) {
   const HELD_SIGNALS held;
+  TellLeftOverFiles(pool);
   const std::vector<POOL_LINE> lines = ReadPoolLines(pool);
   const std::string original = TextOf(lines);
   const std::string merged = MergeIntoPool(lines, items);

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "pool/parameter_pool_read_write_change.h"
+#include "pool/pool_left_overs.h"
 #include "pool/pool_test.h"
 
 namespace {
@@ -262,9 +263,9 @@ TEST_F(POOL_UPDATE, TruncatesThePoolWhenItsCopyIsOnTheDisk) {
   const FILE_FAULTS watch(any_call, 1000, 0);
   pool.Update();
   EXPECT_EQ(watch.Calls(),
-            "close flock pread mkostemp pwrite fsync close "  // the copy
-            "fsync close "                                    // its directory
-            "ftruncate pwrite fsync unlink flock");
+            "close flock pread mkostemp flock pwrite fsync close "  // the copy
+            "fsync close "                                          // its directory
+            "ftruncate pwrite fsync unlink close flock");
 }
 
 TEST_F(POOL_UPDATE, NamesTheIncompleteTemporaryFile) {
@@ -381,6 +382,60 @@ TEST_F(POOL_UPDATE, IsCompleteOrUntouchedWhenTheProcessIsKilled) {
     complete += PoolText() == merged ? 1 : 0;
   }
   EXPECT_GT(complete, 10);
+}
+
+TEST_F(POOL_UPDATE, ThatWasKilledIsToldWithTheCopyThatItHasLeft) {
+  int emptied = 0;
+  int told = 0;
+  bool struck = true;
+  for (int victim = 0; struck; ++victim) {
+    SCOPED_TRACE(victim);
+    SetPool(original);
+    const pid_t child = Start([&] {
+      const FILE_FAULTS faults(any_call, victim, [] { return ::raise(SIGKILL); });
+      Update();
+    });
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    struck = WIFSIGNALED(status) != 0;
+    const bool is_empty = PoolText().empty();
+    const std::vector<std::string> copies = OtherFiles();
+    ASSERT_LE(copies.size(), 1U);
+    Update();
+    for (const std::string& copy : copies) {
+      const bool is_named =
+          log_.Has(std::string("WARN  : parameter file ") + Path() +
+                   " is empty; an update that was killed may have left its content in: " + copy);
+      EXPECT_EQ(is_named, is_empty) << log_.Text();
+      emptied += is_named && ReadFile(copy) == merged ? 1 : 0;
+      // An empty one can be of any program until it is locked.
+      const bool is_told =
+          log_.Has("WARN  : an update of a parameter file that did not end has left: " + copy);
+      EXPECT_TRUE(is_told || ReadFile(copy).empty()) << log_.Text();
+      told += is_told ? 1 : 0;
+      std::filesystem::remove(copy);
+    }
+  }
+  EXPECT_GE(emptied, 1);
+  EXPECT_GT(told, emptied + 10);
+}
+
+TEST_F(POOL_UPDATE, IsNoKilledOneWhileItLastsNorWhereAFileHasSuchAName) {
+  const std::string own = (Directory() / "pool_master").string();
+  WriteFile(own, original);
+  ::chmod(own.c_str(), 0600);
+  bool struck = true;
+  for (int victim = 0; struck; ++victim) {
+    SetPool(original);
+    const FILE_FAULTS look(any_call, victim, [&] {
+      TellCopiesOfEmptyPool(POOL_FILE(Path(), O_RDONLY));
+      TellLeftOverFiles(POOL_FILE(Path(), O_RDONLY));
+      return 0;
+    });
+    Update();
+    struck = look.Struck();
+  }
+  EXPECT_EQ(log_.Text().find("WARN"), std::string::npos) << log_.Text();
 }
 
 }  // namespace
