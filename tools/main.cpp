@@ -3,7 +3,10 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
+#include "app/program_version.h"
 #include "base/error_exception.h"
 #include "check_run/check_run_command.h"
 #include "common/interruption.h"
@@ -37,14 +40,30 @@ constexpr void (*add_commands[])(CLI::App&) = {
     AddMaskCommand,          AddVrtCommand,     AddMatchCommand,    AddOffsetsCommand,
     AddInterferogramCommand, AddPoolCommand,    AddCheckRunCommand, AddReportCommand};
 
+/// The word that stands where a subcommand should; empty for anything else that is wrong.
+std::string UnknownSubcommand(const CLI::App& app) {
+  const CLI::App* command = &app;
+  while (!command->get_subcommands().empty()) {
+    command = command->get_subcommands().front();
+  }
+  const std::vector<std::string> unknown = command->remaining();
+  return command->get_require_subcommand_min() > 0 && !unknown.empty() ? unknown.front() : "";
+}
+
 int Run(int argc, char** argv) {
   CLI::App app{"Makes, converts, measures and shows the files around a run of resample."};
+  app.set_version_flag("--version", ProgramVersion().version);
   app.require_subcommand(1);
   for (const auto add_command : add_commands) {
     add_command(app);
   }
   try {
     app.parse(argc, argv);
+  } catch (const CLI::RequiredError& error) {
+    const std::string unknown = UnknownSubcommand(app);
+    return app.exit(unknown.empty() ? error
+                                    : CLI::RequiredError("no such subcommand or option: " + unknown,
+                                                         CLI::ExitCodes::RequiredError));
   } catch (const CLI::ParseError& error) {
     return app.exit(error);
   }

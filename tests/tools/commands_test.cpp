@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "app/program_version.h"
 #include "compare/compare_command.h"
 #include "raster/mem_mgr.h"
 #include "scene/scene_command.h"
@@ -74,6 +75,17 @@ TEST_F(COMMANDS, OutputThatCanNotBeWrittenIsAFailure) {
     const std::string line = std::string(SLCTOOL_PROGRAM) + " " + command;
     EXPECT_NO_THROW(Shell(line));
     EXPECT_THROW(Shell(line + " > /dev/full"), std::runtime_error);
+  }
+}
+
+TEST_F(COMMANDS, TheProgramTellsItsVersionAndWhatItDoesNotKnow) {
+  const std::string program = SLCTOOL_PROGRAM;
+  EXPECT_EQ(Shell(program + " --version"), ProgramVersion().version + "\n");
+  for (const std::string command : {"", " pool"}) {
+    const std::string output = Shell("! " + program + command + " foo");
+    EXPECT_NE(output.find("no such subcommand or option: foo"), std::string::npos) << output;
+    const std::string output_without = Shell("! " + program + command);
+    EXPECT_NE(output_without.find("A subcommand is required"), std::string::npos);
   }
 }
 

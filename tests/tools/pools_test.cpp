@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -29,6 +30,12 @@ class POOLS : public COMMAND_TEST {
       output.erase(at, Path("a.pool").size());
     }
     return output;
+  }
+
+  void Apply(const std::vector<const char*>& settings) const {
+    for (const char* setting : settings) {
+      Pool("set", setting);
+    }
   }
 
   const LOG_CAPTURE log_;
@@ -152,12 +159,81 @@ TEST_F(POOLS, CheckTellsWhatARunWouldMiss) {
   Write("MAPPING_FORMAT STR matrix\nshift_matrices_subsampling_az INT_32 6\n");
   EXPECT_NE(Faults("--for resample").find("shift_matrices_subsampling_rg INT_32 is missing"),
             std::string::npos);
-  Write("mapping_format STR other\n");
-  EXPECT_NE(Faults("--for resample").find("is neither matrix nor polynomial"), std::string::npos);
   Write("mapping_format STR polynomial\n");
   EXPECT_NE(Faults("--for resample").find("respl_poly_rg FLT_15_V is missing"), std::string::npos);
   EXPECT_NE(Faults("--for resample --as slave").find("as slave pool: prf FLT_15 is missing"),
             std::string::npos);
+}
+
+TEST_F(POOLS, ATemplateIsRefusedUntilItIsFilledIn) {
+  Pool("new", "--for resample --as slave");
+  EXPECT_EQ(
+      Faults("--for resample"),
+      ": as slave pool: fDC: prf, range_sampling_frequency and oversampling must be positive "
+      "numbers\n"
+      ": as slave pool: imaging_mode is ?. Valid values are: 'SM' 'SL' 'HS' 'HS300' 'ST' 'SC' 'WS' "
+      "'TS' 'TOPS' 'IW' 'EW' 'WV' 'ATI' 'ATIS' \n"
+      "entries: 7\nfaults: 2\n");
+  EXPECT_THROW(Pool("new", "--for resample"), std::runtime_error) << "is there already";
+  Apply({"prf FLT_15 1652", "range_sampling_frequency FLT_15 1.1e8",
+         "fdc_poly_az_time FLT_15_V 1 2", "fdc_poly_rg_ref_time FLT_15_V 0.1 0.1",
+         "fdc_poly_coeff FLT_15_M 1 2 3 4 --columns 2", "imaging_mode STR SM"});
+  EXPECT_NE(Pool("check", "--for resample").find("faults: 0\n"), std::string::npos);
+
+  std::filesystem::remove(Path("a.pool"));
+  Pool("new", "--for resample");
+  EXPECT_EQ(
+      Faults("--for resample"),
+      ": as INSAR pool: n_samples and n_lines must be at least 1\n"
+      ": as INSAR pool: slave_first_rg_time is not a number\n"
+      ": as INSAR pool: slave_first_az_time is not a number\n"
+      ": as INSAR pool: subsampling of the mapping files must be at least 1, not 0 in range and "
+      "0 in azimuth\n"
+      "entries: 9\nfaults: 4\n");
+  Apply({"n_samples INT_32 5", "n_lines INT_32 6", "slave_first_rg_time FLT_15 0",
+         "slave_first_az_time FLT_15 0", "shift_matrices_subsampling_rg INT_32 8",
+         "shift_matrices_subsampling_az INT_32 8"});
+  EXPECT_NE(Pool("check", "--for resample").find("faults: 0\n"), std::string::npos);
+}
+
+TEST_F(POOLS, CheckTellsWhatARunWouldRefuse) {
+  Run(AddSceneCommand, "scene " + Path("") + " --samples 40 --lines 40");
+  struct CASE {
+    const char* pool;
+    const char* setting;
+    const char* fault;  ///< empty for none
+  };
+  const CASE cases[] = {
+      {"slave.pool", "imaging_mode STR ATI", ""},
+      {"slave.pool", "imaging_mode STR stripmap", "imaging_mode is stripmap. Valid values"},
+      {"slave.pool", "prf FLT_15 -1652", "must be positive numbers"},
+      {"slave.pool", "fdc_poly_rg_ref_time FLT_15_V 1", "have different lengths"},
+      {"slave.pool", "fdc_poly_coeff FLT_15_M 1 --columns 1", "fewer rows than there are"},
+      {"insar.pool", "n_lines INT_32 -1", "n_samples and n_lines must be at least 1"},
+      {"insar.pool", "slave_first_az_time FLT_15 nan", "slave_first_az_time is not a number"},
+      {"insar.pool", "mapping_format STR other", "is neither matrix nor polynomial"},
+      {"insar.pool", "mapping_format STR MATRIX", ""}};
+  for (const auto& [pool, setting, fault] : cases) {
+    std::filesystem::copy_file(Path(pool), Path("a.pool"),
+                               std::filesystem::copy_options::overwrite_existing);
+    Pool("set", setting);
+    if (*fault == '\0') {
+      EXPECT_NO_THROW(Pool("check", "--for resample")) << setting;
+    } else {
+      EXPECT_NE(Faults("--for resample").find(fault), std::string::npos) << setting;
+    }
+  }
+  Write("mapping_format STR polynomial\nn_samples INT_32 5\nn_lines INT_32 6\n");
+  Apply({"respl_poly_rg FLT_15_V 0 0 0 0 0 0", "respl_poly_az FLT_15_V 0 0 0 0 0"});
+  EXPECT_NE(Faults("--for resample").find("needs 6 coefficients, it has 5"), std::string::npos);
+}
+
+TEST_F(POOLS, SetMakesAPoolWhereItIsToldTo) {
+  EXPECT_THROW(Pool("set", "--create a INT_32 x"), std::invalid_argument);
+  EXPECT_FALSE(std::filesystem::exists(Path("a.pool")));
+  Pool("set", "--create a INT_32 1");
+  Pool("set", "--create b INT_32 2");
+  EXPECT_EQ(Pool("get", "a") + Pool("get", "b"), "1\n2\n");
 }
 
 }  // namespace

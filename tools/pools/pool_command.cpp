@@ -1,14 +1,19 @@
 #include "pools/pool_command.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <iomanip>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <stdexcept>
 
+#include "common/new_files.h"
 #include "logging/printable_text.h"
 #include "pools/pool_listing.h"
 #include "pools/pool_setting.h"
+#include "pools/pool_template.h"
 #include "pools/resample_keys.h"
 
 namespace {
@@ -110,18 +115,18 @@ struct CHECK_OPTIONS {
   std::string role;
 };
 
-std::vector<std::string> MissingKeys(const POOL_LISTING& listing, const CHECK_OPTIONS& options) {
+std::vector<std::string> RunFaults(const POOL_LISTING& listing, const CHECK_OPTIONS& options) {
   if (options.program.empty()) {
     return {};
   }
   const bool is_slave_pool =
       options.role.empty() ? LooksLikeSlavePool(listing) : options.role == "slave";
   const std::string role = is_slave_pool ? "slave pool" : "INSAR pool";
-  std::vector<std::string> missing = MissingForResample(listing, is_slave_pool);
-  for (std::string& text : missing) {
+  std::vector<std::string> faults = FaultsForResample(options.file, listing, is_slave_pool);
+  for (std::string& text : faults) {
     text.insert(0, "as " + role + ": ");
   }
-  return missing;
+  return faults;
 }
 
 void Check(const CHECK_OPTIONS& options) {
@@ -130,15 +135,41 @@ void Check(const CHECK_OPTIONS& options) {
     std::cout << options.file << ":" << fault.line << ": "
               << PrintableText(fault.key + ": " + fault.reason) << "\n";
   }
-  const std::vector<std::string> missing = MissingKeys(listing, options);
-  for (const std::string& text : missing) {
-    std::cout << options.file << ": " << text << "\n";
+  const std::vector<std::string> run_faults = RunFaults(listing, options);
+  for (const std::string& text : run_faults) {
+    std::cout << options.file << ": " << PrintableText(text) << "\n";
   }
   std::cout << "entries: " << listing.entries.size() << "\n"
-            << "faults: " << listing.faults.size() + missing.size() << "\n";
-  if (!listing.faults.empty() || !missing.empty()) {
+            << "faults: " << listing.faults.size() + run_faults.size() << "\n";
+  if (!listing.faults.empty() || !run_faults.empty()) {
     throw std::runtime_error(options.file + " has faults");
   }
+}
+
+struct NEW_OPTIONS {
+  std::string file;
+  std::string program;
+  POOL_ROLE role = POOL_ROLE::INSAR;
+};
+
+void AddNew(CLI::App& pool) {
+  CLI::App* command =
+      pool.add_subcommand("new", "Write a pool with all entries of a run, to be filled in");
+  const auto options = std::make_shared<NEW_OPTIONS>();
+  command->add_option("FILE", options->file, "Parameter pool that is not there yet")->required();
+  command->add_option("--for", options->program, "The program that is to read it")
+      ->required()
+      ->check(CLI::IsMember({"resample"}));
+  const std::map<std::string, POOL_ROLE> roles = {{"insar", POOL_ROLE::INSAR},
+                                                  {"slave", POOL_ROLE::SLAVE}};
+  command->add_option("--as", options->role, "Which pool it is to be; without it, the INSAR pool")
+      ->transform(CLI::CheckedTransformer(roles));
+  command->callback([options] {
+    if (std::filesystem::exists(std::filesystem::symlink_status(options->file))) {
+      throw std::runtime_error(options->file + " is there already");
+    }
+    WriteWholeFile(options->file, PoolTemplate(options->role));
+  });
 }
 
 void AddList(CLI::App& pool) {
@@ -169,7 +200,21 @@ struct SET_OPTIONS {
   std::string type;
   std::vector<std::string> values;
   int columns = 0;
+  bool create = false;
+
+  void WriteTo(const std::string& path) const { SetPoolEntry(path, key, type, values, columns); }
 };
+
+void Set(const SET_OPTIONS& options) {
+  if (!options.create || std::filesystem::exists(options.file)) {
+    options.WriteTo(options.file);
+    return;
+  }
+  NEW_FILE pool(options.file);
+  std::ofstream(pool.Path()).flush();
+  options.WriteTo(pool.Path());
+  pool.Finish();
+}
 
 void AddSet(CLI::App& pool) {
   CLI::App* command = pool.add_subcommand("set", "Write an entry, new or in place of an old one");
@@ -180,9 +225,8 @@ void AddSet(CLI::App& pool) {
       ->required();
   command->add_option("VALUE", options->values, "The value, or all elements row by row");
   command->add_option("--columns", options->columns, "Elements of a row, for a matrix");
-  command->callback([options] {
-    SetPoolEntry(options->file, options->key, options->type, options->values, options->columns);
-  });
+  command->add_flag("--create", options->create, "Make the pool if it is not there");
+  command->callback([options] { Set(*options); });
 }
 
 void AddCheck(CLI::App& pool) {
@@ -191,7 +235,8 @@ void AddCheck(CLI::App& pool) {
   const auto options = std::make_shared<CHECK_OPTIONS>();
   command->add_option("FILE", options->file, "Parameter pool")->required();
   auto* program =
-      command->add_option("--for", options->program, "Tell also what a run of resample would miss")
+      command
+          ->add_option("--for", options->program, "Tell also what a run of resample would refuse")
           ->check(CLI::IsMember({"resample"}));
   command->add_option("--as", options->role, "Which pool it is to be; without it, as its keys tell")
       ->check(CLI::IsMember({"insar", "slave"}))
@@ -204,6 +249,7 @@ void AddCheck(CLI::App& pool) {
 void AddPoolCommand(CLI::App& app) {
   CLI::App& pool = *app.add_subcommand("pool", "Show, change and check parameter pools");
   pool.require_subcommand(1);
+  AddNew(pool);
   AddList(pool);
   AddGet(pool);
   AddSet(pool);

@@ -2,5 +2,5 @@
 
 #include <CLI/CLI.hpp>
 
-/// Adds `slctool pool list|get|set|check FILE`, which shows and changes parameter pools.
+/// Adds `slctool pool new|list|get|set|check FILE`, which makes, shows and changes parameter pools.
 void AddPoolCommand(CLI::App& app);
