@@ -57,6 +57,19 @@ TEST(FigureTest, ShowsTheCellsAtTheWantedSize) {
   EXPECT_GT(shown_no_data, 150 * 100) << "the legend shows the colour too";
 }
 
+TEST(CanvasTest, LettersOfUtf8AreDrawnOneByOne) {
+  const auto drawn = [](const std::string& text) {
+    CANVAS canvas(60, 20);
+    canvas.Text(30, 10, ALIGN::CENTRE, FONT::TITLE, text, black);
+    return canvas.Png();
+  };
+  EXPECT_NE(drawn("\u00fc"), drawn("?")) << "u with two dots";
+  EXPECT_NE(drawn("\u00fc"), drawn("u"));
+  EXPECT_EQ(drawn("a\u65e5\u672c"), drawn("a??"));
+  EXPECT_EQ(drawn("a\xfc"), drawn("a?")) << "is no UTF-8";
+  EXPECT_EQ(TextWidth(FONT::TITLE, "Z\u00fcrich"), TextWidth(FONT::TITLE, "Zurich"));
+}
+
 TEST(FigureTest, WritingFailsWithTheNameOfTheFile) {
   for (const char* path : {"/no/such/directory/figure.png", "/dev/full"}) {
     try {

@@ -4,8 +4,11 @@
 #include <gdfontg.h>
 #include <gdfontl.h>
 #include <gdfonts.h>
+#include <iconv.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <new>
 #include <stdexcept>
 
@@ -28,14 +31,59 @@ int Packed(COLOUR colour) noexcept {
   return gdTrueColor(colour.red, colour.green, colour.blue);
 }
 
-/// The drawing library wants unsigned letters; its fonts know more than ASCII, but no UTF-8.
-std::string Drawable(std::string text) {
-  for (char& letter : text) {
-    if (static_cast<unsigned char>(letter) > 0x7E) {
-      letter = '?';
+/// From UTF-8 to the letters of the drawing library, which are those of ISO 8859-2.
+class LETTER_CONVERTER {
+ public:
+  LETTER_CONVERTER() noexcept : converter_(iconv_open("ISO-8859-2//TRANSLIT", "UTF-8")) {}
+  LETTER_CONVERTER(const LETTER_CONVERTER&) = delete;
+  LETTER_CONVERTER& operator=(const LETTER_CONVERTER&) = delete;
+  ~LETTER_CONVERTER() {
+    if (!IsMinusOne(converter_)) {
+      iconv_close(converter_);
     }
   }
-  return text;
+
+  /// A question mark for a letter that is not shown.
+  char Convert(std::string letter) noexcept {
+    char converted = '?';
+    char* from = letter.data();
+    char* to = &converted;
+    std::size_t from_left = letter.size();
+    std::size_t to_left = 1;
+    const bool is_shown = !IsMinusOne(converter_) &&
+                          iconv(converter_, &from, &from_left, &to, &to_left) != failed &&
+                          from_left == 0;
+    return is_shown ? converted : '?';
+  }
+
+ private:
+  static constexpr auto failed = static_cast<std::size_t>(-1);
+
+  static bool IsMinusOne(iconv_t converter) noexcept {
+    return reinterpret_cast<std::intptr_t>(converter) == -1;
+  }
+
+  iconv_t converter_;
+};
+
+/// Whether the byte begins a letter of UTF-8; the others of a letter are 10xxxxxx.
+bool IsFirstByte(char byte) noexcept {
+  return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+}
+
+/// One byte a letter.
+std::string Drawable(const std::string& text) {
+  LETTER_CONVERTER converter;
+  std::string drawable;
+  for (std::size_t begin = 0; begin < text.size();) {
+    std::size_t end = begin + 1;
+    while (end < text.size() && !IsFirstByte(text[end])) {
+      ++end;
+    }
+    drawable += converter.Convert(text.substr(begin, end - begin));
+    begin = end;
+  }
+  return drawable;
 }
 
 unsigned char* Bytes(std::string& text) noexcept {
@@ -139,7 +187,7 @@ CANVAS Beside(const CANVAS& left, const CANVAS& right) {
 }
 
 int TextWidth(FONT font, const std::string& text) noexcept {
-  return Letters(font)->w * static_cast<int>(text.size());
+  return Letters(font)->w * static_cast<int>(std::count_if(text.begin(), text.end(), IsFirstByte));
 }
 
 int TextHeight(FONT font) noexcept {

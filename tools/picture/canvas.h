@@ -30,7 +30,7 @@ class CANVAS {
   void Frame(int x0, int y0, int x1, int y1, COLOUR colour) noexcept;
   void Fill(int x0, int y0, int x1, int y1, COLOUR colour) noexcept;
 
-  /// A text whose middle height is y. Bytes outside ASCII become question marks.
+  /// A text in UTF-8 whose middle height is y. Letters beyond Latin ones become question marks.
   void Text(int x, int y, ALIGN align, FONT font, const std::string& text, COLOUR colour);
   /// A text that reads upwards, whose middle height is x.
   void TextUp(int x, int y, ALIGN align, FONT font, const std::string& text, COLOUR colour);
