@@ -90,7 +90,9 @@ IMAGE_CENTROID MeasureCentroid(const IMAGE_LINES& image, const DOPPLER_CENTROID_
       const double value = annotated(of_row.position, of_column.position);
       of_row.annotated += value / columns;
       of_column.annotated += value / rows;
-      const LAG_ONE_CELL& cell = cells[static_cast<std::size_t>(row * columns + column)];
+      const LAG_ONE_CELL& cell =
+          cells[static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) +
+                static_cast<std::size_t>(column)];
       of_row.rest.Add(cell.rest);
       of_column.rest.Add(cell.rest);
       centroid.data.Add(cell.data);

@@ -22,7 +22,6 @@ namespace {
 
 using enum LOGGING_LEVEL_T;
 
-constexpr mode_t new_file_permissions = 0666;
 constexpr int create_flags = O_RDWR | O_CREAT | O_TRUNC;
 
 int ProtectionOf(int access_mode) {
