@@ -1,9 +1,7 @@
 #include "interpolation/kernel_shape.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
-#include <ranges>
 
 #include "base/error_exception.h"
 #include "logging/logging.h"
@@ -38,9 +36,16 @@ double BesselI0(double z) {
 }
 
 // An id that two shapes shared, or that none had, would be a type without a name.
-static_assert(std::ranges::equal(kernel_shapes,
-                                 std::views::iota(1, static_cast<int>(kernel_shapes.size()) + 1),
-                                 {}, &KERNEL_SHAPE::id));
+constexpr bool AreNumberedInOrder() {
+  int id = 0;
+  for (const KERNEL_SHAPE& shape : kernel_shapes) {
+    if (shape.id != ++id) {
+      return false;
+    }
+  }
+  return true;
+}
+static_assert(AreNumberedInOrder());
 
 /// The shapes between the two entries that stand for no kernel.
 constexpr auto EntriesOfShapes() {
