@@ -51,7 +51,10 @@ void PROCESSING_HISTORY::Write(PARAMETER_POOL_READ_WRITE_CHANGE& pool) const {
 }
 
 void PROCESSING_HISTORY::AddRun(PARAMETER_POOL_READ_WRITE_CHANGE& pool, const PROCESSING_RUN& run) {
-  *this = PROCESSING_HISTORY(key_prefix_);
+  for (ARRAY<STRING>& vector : texts_) {
+    vector.Free();
+  }
+  execution_times_.Free();
   if (pool.Exists(Key(text_keys[0]))) {
     Read(pool);
   }

@@ -24,6 +24,9 @@ struct PROCESSING_RUN {
 class PROCESSING_HISTORY {
  public:
   explicit PROCESSING_HISTORY(std::string key_prefix = "") : key_prefix_(std::move(key_prefix)) {}
+  PROCESSING_HISTORY(const PROCESSING_HISTORY&) = delete;
+  PROCESSING_HISTORY& operator=(const PROCESSING_HISTORY&) = delete;
+  ~PROCESSING_HISTORY() = default;
 
   /// Reads the six vectors. A vector that is missing is the pool's error; vectors of different
   /// lengths are an ALARM line and ERROR_DATA.

@@ -147,8 +147,7 @@ STACK_WORK STACK_STARTER::Prepare() {
 }
 
 REFUSED_SLAVES STACK_STARTER::Submit(const STACK_WORK& work) {
-  const REFUSED_SLAVES refused =
-      work.to_run.empty() ? REFUSED_SLAVES{} : queue_->Submit(work.to_run);
+  REFUSED_SLAVES refused = work.to_run.empty() ? REFUSED_SLAVES{} : queue_->Submit(work.to_run);
   std::cout << description_.slaves.size() << " slaves: " << work.finished << " are done, "
             << work.active.size() << " are in the queue, "
             << work.to_run.size() - refused.names.size() << " are started" << std::endl;

@@ -45,7 +45,7 @@ class SLAVE_LINES {
 
   /// The real parts from a sample of a line on; imaginary parts lie `ImaginaryDistance` behind.
   RING_LINES<double> Pixels(std::int64_t line, std::int64_t sample) const {
-    return {pixels_.Values() + (sample - first_sample_), 2 * width_, row_mask_,
+    return {pixels_.Values() + (sample - first_sample_), 2 * std::ptrdiff_t{width_}, row_mask_,
             static_cast<unsigned>(line)};
   }
   std::ptrdiff_t ImaginaryDistance() const { return width_; }

@@ -28,7 +28,7 @@ void FilterAzimuth(const double* weights, const SUM_LINES& filtered, int length,
     LANES b2_im{};
 #pragma GCC unroll 16
     for (int k = taps - 1; k >= 0; --k) {
-      const LANES w = Load(weights + k * strip_columns + x);
+      const LANES w = Load(weights + std::ptrdiff_t{k} * strip_columns + x);
       const LANES re = Load(filtered.rows.re + filtered.Line(k) + x);
       const LANES im = Load(filtered.rows.im + filtered.Line(k) + x);
       const LANES b_re = MultiplyAdd(twice, b1_re, MultiplyAdd(w, re, -b2_re));
@@ -69,12 +69,12 @@ void FilterAzimuthWithRate(const double* weights, const SUM_LINES& filtered, int
     const double* w = weights + x;
     const double* re = filtered.rows.re + x;
     const double* im = filtered.rows.im + x;
-    const LANES first_weight = Load(w + (taps - 1) * strip_columns);
+    const LANES first_weight = Load(w + std::ptrdiff_t{taps - 1} * strip_columns);
     LANES s_re = first_weight * Load(re + filtered.Line(taps - 1));
     LANES s_im = first_weight * Load(im + filtered.Line(taps - 1));
 #pragma GCC unroll 16
     for (int k = taps - 2; k >= 0; --k) {
-      const LANES weight = Load(w + k * strip_columns);
+      const LANES weight = Load(w + std::ptrdiff_t{k} * strip_columns);
       const LANES term_re = weight * Load(re + filtered.Line(k));
       const LANES term_im = weight * Load(im + filtered.Line(k));
       const LANES turned_re = MultiplyAdd(s_re, r_re, MultiplyAdd(-s_im, r_im, term_re));

@@ -16,7 +16,7 @@ class COLUMN_WEIGHTS {
  public:
   explicit COLUMN_WEIGHTS(const double* weights) {
     for (int j = 0; j < LENGTH; ++j) {
-      held_[j] = Load(weights + j * strip_columns);
+      held_[j] = Load(weights + std::ptrdiff_t{j} * strip_columns);
     }
   }
   LANES operator[](int j) const { return held_[j]; }
@@ -28,7 +28,7 @@ template <>
 class COLUMN_WEIGHTS<0> {
  public:
   explicit COLUMN_WEIGHTS(const double* weights) : weights_(weights) {}
-  LANES operator[](int j) const { return Load(weights_ + j * strip_columns); }
+  LANES operator[](int j) const { return Load(weights_ + std::ptrdiff_t{j} * strip_columns); }
 
  private:
   const double* weights_;

@@ -117,7 +117,7 @@ template <int DISTANCE>
   }
   ExchangeRows<1>(square);
   for (int i = 0; i < count; ++i) {
-    Store(square[i], to + (j + i) * strip_columns);
+    Store(square[i], to + std::ptrdiff_t{j + i} * strip_columns);
   }
 }
 
