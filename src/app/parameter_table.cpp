@@ -126,7 +126,7 @@ std::string NumberComplaint(const PARAMETER_ENTRY& parameter, const std::string&
   } else {
     std::strtod(text.c_str(), &end);
   }
-  const std::string number(text.c_str(), static_cast<const char*>(end));
+  const std::string number = text.substr(0, static_cast<std::size_t>(end - text.c_str()));
   if (!number.empty() && number.size() == text.size()) {
     return "";
   }

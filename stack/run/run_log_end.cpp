@@ -31,7 +31,7 @@ std::string SystemWords(const std::string& text) {
   constexpr int last_error = 133;
   for (int error = 1; error <= last_error; ++error) {
     const char* name = ::strerrorname_np(error);
-    const std::string words = ::strerrordesc_np(error) != nullptr ? ::strerrordesc_np(error) : "";
+    std::string words = ::strerrordesc_np(error) != nullptr ? ::strerrordesc_np(error) : "";
     if (name != nullptr &&
         (text.starts_with(std::string(name) + ": see: ") || text.ends_with(": " + words))) {
       return words;

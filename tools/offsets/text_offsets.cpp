@@ -54,7 +54,7 @@ std::vector<OFFSET> ReadTable(const TEXT_OFFSETS_OPTIONS& options) {
     for (const FIELD field : fields) {
       std::string word;
       char* end = nullptr;
-      const double value = words >> word ? std::strtod(word.c_str(), &end) : NAN;
+      const double value = (words >> word) ? std::strtod(word.c_str(), &end) : NAN;
       if (end == nullptr || (field != nullptr && (*end != '\0' || end == word.c_str()))) {
         throw std::runtime_error(options.path + ":" + std::to_string(number) +
                                  ": not the columns " + options.columns);

@@ -217,7 +217,7 @@ struct COMPLEX_LANES {
 
 /// All bits of the lanes whose bits are set: what `MaskOf` tells, backwards.
 inline LANE_FLAGS FlagsOf(unsigned bits) {
-  LANE_FLAGS bit_of_lane;
+  LANE_FLAGS bit_of_lane{};
   for (int i = 0; i < lanes; ++i) {
     bit_of_lane[i] = 1LL << i;
   }
