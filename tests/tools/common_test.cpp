@@ -2,12 +2,22 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "common/binary16.h"
+#include "common/number_checks.h"
 #include "tools/image_test.h"
 
 namespace {
+
+TEST(NUMBER_CHECKS, TakeFiniteNumbersAndTellTheTextOnly) {
+  for (const std::string text : {"0", "-1", "nan", "inf", "1e400", "1x", "", "--posting"}) {
+    EXPECT_EQ(positive_number(text), text + " is no positive number");
+    EXPECT_EQ(non_negative_number(text), text == "0" ? "" : text + " is no number from 0 on");
+  }
+  EXPECT_EQ(positive_number("1e-300") + non_negative_number("7"), "");
+}
 
 TEST(BINARY_16, HasItsValuesAndRoundsToEvenWithinTheNormalRange) {
   for (unsigned bits = 0; bits < 0x10000; ++bits) {

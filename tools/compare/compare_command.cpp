@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "common/number_checks.h"
 #include "compare/comparison.h"
 
 namespace {
@@ -95,11 +96,11 @@ void AddCompareCommand(CLI::App& app) {
   command->add_option("--mask", options->masks,
                       "Compare only where this raster is not 0; more than one may be given");
   command->add_option("--margin", options->margin, "Leave out so many pixels at each edge")
-      ->check(CLI::NonNegativeNumber);
+      ->check(non_negative_number);
   command
       ->add_option("--block", options->block,
                    "Print a line of figures for each block of so many pixels a side")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
   command->add_option("--min-coherence", options->min_coherence,
                       "Fail when the coherence is lower");
   command->callback([options] { PrintComparison(*options); });

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "common/number_checks.h"
 #include "common/progress_bar.h"
 #include "common/raster_writer.h"
 #include "offsets/clean_offsets.h"
@@ -293,7 +294,7 @@ void AddInputOptions(CLI::App& command, OFFSETS_OPTIONS& options) {
   AddPair(command, "--band", rasters.bands, "Bands of RANGE and AZIMUTH, as in 2,1");
   AddPair(command, "--posting", rasters.posting,
           "Master samples and lines from offset to offset of rasters")
-      ->check(finite & CLI::PositiveNumber);
+      ->check(positive_number);
   AddPair(command, "--first", rasters.first,
           "Master sample and line of the first offset of rasters")
       ->check(finite);
@@ -306,7 +307,7 @@ void AddResultOptions(CLI::App& command, OFFSETS_OPTIONS& options) {
   CLI::App& result = *command.add_option_group("Result", "One of these");
   AddPair(result, "--subsampling", options.subsampling,
           "Make matrices with a node every so many master samples and lines")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
   result.add_option("--polynomial", options.polynomial_pool,
                     "Fit polynomials and write them into this pool");
   result.require_option(1);
@@ -316,13 +317,13 @@ void AddResultOptions(CLI::App& command, OFFSETS_OPTIONS& options) {
       ->capture_default_str();
   command.add_option("--pool", options.matrix_pool, "Pool that is told the subsampling");
   AddPair(command, "--size", options.size, "Samples and lines of the master")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
   command
       .add_option(
           "--reject", options.cleaning.reject,
           "Standard deviations, from its neighbours or a polynomial, at which an offset is an "
           "outlier")
-      ->check(CLI::PositiveNumber)
+      ->check(positive_number)
       ->capture_default_str();
   command.add_flag("--keep-outliers", options.cleaning.keep_outliers,
                    "Do not compare offsets with their neighbours");
@@ -331,7 +332,7 @@ void AddResultOptions(CLI::App& command, OFFSETS_OPTIONS& options) {
   command
       .add_option("--max-deviation", options.max_deviation,
                   "Pixels from the polynomials at which an offset is a gap of the matrices")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
 }
 
 }  // namespace

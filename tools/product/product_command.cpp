@@ -10,6 +10,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "common/number_checks.h"
 #include "common/scale_option.h"
 #include "product/open_product.h"
 #include "product/product_files.h"
@@ -184,8 +185,7 @@ void AddProductCommand(CLI::App& app) {
   role->needs(directory);
   CLI::Option* swath = command->add_option("--swath", options->part, "Such as IW2");
   command->add_option("--frequency", options->part, "Such as A")->excludes(swath);
-  command->add_option("--burst", options->burst, "Of the swath, from 1")
-      ->check(CLI::PositiveNumber);
+  command->add_option("--burst", options->burst, "Of the swath, from 1")->check(positive_number);
   command->add_option("--polarisation", options->polarisation, "Such as VV");
   AddScaleOption(*command, options->scale);
   command

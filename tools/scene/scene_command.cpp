@@ -8,6 +8,7 @@
 #include <string>
 
 #include "common/new_files.h"
+#include "common/number_checks.h"
 #include "scene/scene_options.h"
 #include "scene/scene_parameters.h"
 #include "scene/scene_rasters.h"
@@ -19,19 +20,18 @@ void AddImageOptions(CLI::App& command, SCENE_OPTIONS& options) {
                                                                 {"cfloat16", PIXEL_TYPE::C_FLT_2}};
   command.add_option("DIR", options.directory, "Folder for the files, made if missing")->required();
   command.add_option("--samples", options.n_samples, "Width of both images")
-      ->check(CLI::PositiveNumber);
-  command.add_option("--lines", options.n_lines, "Height of both images")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
+  command.add_option("--lines", options.n_lines, "Height of both images")->check(positive_number);
   command.add_option("--seed", options.seed, "Another scene for every number");
   command.add_option("--pixel-type", options.pixel_type, "cint16 or cfloat16")
       ->transform(CLI::CheckedTransformer(pixel_types))
       ->default_str("cint16");
   command.add_option("--amplitude", options.amplitude, "RMS amplitude of the speckle")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
   command.add_option("--point-targets", options.point_targets, "Number of point targets a tile")
-      ->check(CLI::NonNegativeNumber);
+      ->check(non_negative_number);
   command.add_option("--noise", options.noise, "RMS of each image's noise / RMS of the signal")
-      ->check(CLI::NonNegativeNumber);
+      ->check(non_negative_number);
   command
       .add_option("--tile", options.tile,
                   "The signal repeats after so many pixels: a power of two, 0 for the image's "
@@ -45,7 +45,7 @@ void AddSpectrumOptions(CLI::App& command, SCENE_OPTIONS& options) {
   command
       .add_option("--oversampling", options.oversampling,
                   "Pixels of the images for each pulse and range sample")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
   command.add_option("--doppler", options.doppler, "Doppler centroid amid the slave [Hz]");
   command.add_option("--doppler-range", options.doppler_range, "Its change over the width [Hz]");
   command.add_option("--doppler-azimuth", options.doppler_azimuth,
@@ -58,10 +58,10 @@ void AddMappingOptions(CLI::App& command, SCENE_OPTIONS& options) {
   command.add_option("--mapping-format", options.mapping_format, "matrix or polynomial")
       ->check(CLI::IsMember({"matrix", "polynomial"}));
   command.add_option("--subsampling-range", options.subsampling_range, "Of the mapping matrices")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
   command
       .add_option("--subsampling-azimuth", options.subsampling_azimuth, "Of the mapping matrices")
-      ->check(CLI::PositiveNumber);
+      ->check(positive_number);
   command.add_option("--shift-range", options.shift_range, "From master to slave [samples]");
   command.add_option("--shift-azimuth", options.shift_azimuth, "From master to slave [lines]");
   command.add_option("--warp", options.warp, "Largest departure from the shifts [pixels]");
