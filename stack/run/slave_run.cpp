@@ -38,7 +38,7 @@ std::string Variable(const char* name) {
 /// As Slurm calls the machine, where it runs there.
 std::string HostName() {
   std::array<char, 256> name{};
-  if (const std::string node = Variable("SLURMD_NODENAME"); !node.empty()) {
+  if (std::string node = Variable("SLURMD_NODENAME"); !node.empty()) {
     return node;
   }
   return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "unknown";
