@@ -55,7 +55,7 @@ int ErrorOfName(const path& name) {
 
 /// The file that would be emptied if it were written in place.
 path FinalPath(const std::string& given) {
-  const path final_path =
+  path final_path =
       std::filesystem::is_symlink(given) ? std::filesystem::weakly_canonical(given) : path(given);
   if (const int error = ErrorOfName(final_path)) {
     throw std::system_error(error, std::generic_category(), "can not make " + given);

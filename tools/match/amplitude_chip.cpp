@@ -27,7 +27,8 @@ std::vector<VALUE> NeighbourProducts(const COMPLEX_ARRAY& pixels, const AXIS& ax
     double re = 0.0;
     double im = 0.0;
     for (int j = 0; j < axis.other_count; ++j) {
-      const auto at = static_cast<std::size_t>(i * axis.step + j * axis.other_step);
+      const auto at =
+          static_cast<std::size_t>(std::int64_t{i} * axis.step + std::int64_t{j} * axis.other_step);
       const std::complex<float> a = pixels[at];
       const std::complex<float> b = pixels[at + static_cast<std::size_t>(axis.step)];
       re += b.real() * a.real() + b.imag() * a.imag();
@@ -87,7 +88,8 @@ void RemoveCarrier(COMPLEX_ARRAY& pixels, const AXIS& axis) {
   for (int i = 0; i < axis.count; ++i) {
     const std::complex<float> turn(std::polar(1.0, -phase));
     for (int j = 0; j < axis.other_count; ++j) {
-      pixels[static_cast<std::size_t>(i * axis.step + j * axis.other_step)] *= turn;
+      pixels[static_cast<std::size_t>(std::int64_t{i} * axis.step +
+                                      std::int64_t{j} * axis.other_step)] *= turn;
     }
     phase += centre + sweep * (i - middle);
   }
@@ -129,7 +131,7 @@ void AMPLITUDE_CHIP::ReadPixels(const RASTER_READER& image, std::int64_t sample,
       continue;
     }
     image.ReadLine(line + row, first, values);
-    auto at = static_cast<std::size_t>(row * columns_ + (first - sample));
+    auto at = static_cast<std::size_t>(std::int64_t{row} * columns_ + (first - sample));
     for (const VALUE& value : values) {
       const double norm = std::norm(value);
       if (norm > 0.0 && std::isfinite(norm)) {
@@ -158,9 +160,9 @@ void AMPLITUDE_CHIP::WidenSpectrum() {
   };
   for (int row = 0; row < rows_; ++row) {
     for (int column = 0; column < columns_; ++column) {
-      wide_[static_cast<std::size_t>(widened(row, rows_) * wide_columns +
+      wide_[static_cast<std::size_t>(std::int64_t{widened(row, rows_)} * wide_columns +
                                      widened(column, columns_))] =
-          pixels_[static_cast<std::size_t>(row * columns_ + column)];
+          pixels_[static_cast<std::size_t>(std::int64_t{row} * columns_ + column)];
     }
   }
   backward_(wide_);
@@ -174,14 +176,16 @@ void AMPLITUDE_CHIP::Detect() {
   const auto for_each = [&](auto handle) {
     for (int row = 0; row < Rows(); ++row) {
       for (int column = 0; column < Columns(); ++column) {
-        handle(row, column, amplitudes_[static_cast<std::size_t>(row * Columns() + column)]);
+        handle(row, column,
+               amplitudes_[static_cast<std::size_t>(std::int64_t{row} * Columns() + column)]);
       }
     }
   };
+  constexpr std::int64_t wide_margin = std::int64_t{samples_a_pixel} * margin;
   for_each([&](int row, int column, float& amplitude) {
     if (HasData(row / samples_a_pixel, column / samples_a_pixel)) {
       const std::complex<float> value = wide_[static_cast<std::size_t>(
-          (row + samples_a_pixel * margin) * wide_columns + column + samples_a_pixel * margin)];
+          (wide_margin + row) * wide_columns + wide_margin + column)];
       amplitude = scale * std::sqrt(std::norm(value));
       sum += amplitude;
       ++count;

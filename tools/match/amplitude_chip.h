@@ -32,7 +32,7 @@ class AMPLITUDE_CHIP {
   int Rows() const noexcept { return samples_a_pixel * size_.azimuth; }
   /// Amplitude less the mean of all that have data.
   float At(int row, int column) const noexcept {
-    return amplitudes_[static_cast<std::size_t>(row * Columns() + column)];
+    return amplitudes_[static_cast<std::size_t>(std::int64_t{row} * Columns() + column)];
   }
   /// Share, 0 to 1, of the pixels with data in a part of the rectangle.
   double DataShare(const RANGE_AZIMUTH<int>& first, const RANGE_AZIMUTH<int>& size) const noexcept;
@@ -46,7 +46,8 @@ class AMPLITUDE_CHIP {
   void WidenSpectrum();
   void Detect();
   bool HasData(int line, int sample) const noexcept {
-    return has_data_[static_cast<std::size_t>((line + margin) * columns_ + sample + margin)] != 0;
+    return has_data_[static_cast<std::size_t>((std::int64_t{line} + margin) * columns_ + sample +
+                                              margin)] != 0;
   }
 
   RANGE_AZIMUTH<int> size_;

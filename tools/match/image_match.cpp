@@ -30,12 +30,12 @@ struct EXPECTED_SHIFT {
 /// Of the window that stands at this place of a list row by row.
 RANGE_AZIMUTH<double> Centre(const MATCH_GRID& grid, const WINDOW_SHAPE& shape, std::size_t index) {
   const auto columns = static_cast<std::size_t>(grid.count.range);
+  const std::size_t row = index / columns;
   return {static_cast<double>(grid.first.range) +
               static_cast<double>(index % columns) * grid.posting.range +
               0.5 * (shape.window.range - 1),
           static_cast<double>(grid.first.azimuth) +
-              static_cast<double>(index / columns) * grid.posting.azimuth +
-              0.5 * (shape.window.azimuth - 1)};
+              static_cast<double>(row) * grid.posting.azimuth + 0.5 * (shape.window.azimuth - 1)};
 }
 
 std::vector<MATCHED_SHIFT> MatchAll(const RASTER_READER& master, const RASTER_READER& slave,

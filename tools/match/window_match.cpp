@@ -109,14 +109,15 @@ void WINDOW_MATCH::Correlate() {
   for (int row = 0; row < master_.Rows(); ++row) {
     for (int column = 0; column < master_.Columns(); ++column) {
       const float value = master_.At(row, column) - mean;
-      values_[static_cast<std::size_t>(row * columns_ + column)] = value;
+      values_[static_cast<std::size_t>(std::int64_t{row} * columns_ + column)] = value;
       master_power_ += static_cast<double>(value) * value;
     }
   }
   forward_(values_, master_spectrum_);
   for (int row = 0; row < rows_; ++row) {
     for (int column = 0; column < columns_; ++column) {
-      values_[static_cast<std::size_t>(row * columns_ + column)] = slave_.At(row, column);
+      values_[static_cast<std::size_t>(std::int64_t{row} * columns_ + column)] =
+          slave_.At(row, column);
     }
   }
   forward_(values_, cross_spectrum_);
@@ -126,13 +127,14 @@ void WINDOW_MATCH::Correlate() {
   const double scale = 1.0 / (static_cast<double>(rows_) * columns_);
   for (int row = 0; row < LagRows(); ++row) {
     for (int column = 0; column < LagColumns(); ++column) {
-      Surface(row, column) = scale * values_[static_cast<std::size_t>(row * columns_ + column)];
+      Surface(row, column) =
+          scale * values_[static_cast<std::size_t>(std::int64_t{row} * columns_ + column)];
     }
   }
 }
 
 void WINDOW_MATCH::SumSquares() {
-  const auto stride = static_cast<std::size_t>(columns_ + 1);
+  const auto stride = static_cast<std::size_t>(columns_) + 1;
   for (int row = 0; row < rows_; ++row) {
     double sum = 0.0;
     double square = 0.0;
@@ -152,7 +154,7 @@ void WINDOW_MATCH::SumSquares() {
 double WINDOW_MATCH::SlaveVariance(int row, int column) const {
   const auto total = [&](const std::vector<double>& table) {
     const auto at = [&](int r, int c) {
-      return table[static_cast<std::size_t>(r * (columns_ + 1) + c)];
+      return table[static_cast<std::size_t>(std::int64_t{r} * (columns_ + 1) + c)];
     };
     const int end_row = row + master_.Rows();
     const int end_column = column + master_.Columns();
@@ -246,7 +248,8 @@ WINDOW_MATCH::NINE WINDOW_MATCH::Correlations(const LAG& centre, double step) co
     std::fill(line.begin(), line.end(), 0.0);
     for (int row = 0; row < rows_; ++row) {
       const std::complex<double> phase = row_phases[static_cast<std::size_t>(row)];
-      const std::complex<float>* spectrum = cross_spectrum_.data() + row * half_columns;
+      const std::complex<float>* spectrum =
+          cross_spectrum_.data() + std::ptrdiff_t{row} * half_columns;
       for (std::size_t column = 0; column < line.size(); ++column) {
         const std::complex<double> value(spectrum[column]);
         line[column] = {

@@ -61,7 +61,7 @@ class WINDOW_MATCH {
     return 2 * AMPLITUDE_CHIP::samples_a_pixel * shape_.search.azimuth + 1;
   }
   double& Surface(int row, int column) {
-    return surface_[static_cast<std::size_t>(row * LagColumns() + column)];
+    return surface_[static_cast<std::size_t>(std::int64_t{row} * LagColumns() + column)];
   }
 
   void Correlate();

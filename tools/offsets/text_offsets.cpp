@@ -89,6 +89,7 @@ struct AXIS {
 
 AXIS AxisOf(const std::vector<OFFSET>& offsets, FIELD position) {
   std::vector<double> positions;
+  positions.reserve(offsets.size());
   for (const OFFSET& offset : offsets) {
     positions.push_back(offset.*position);
   }
