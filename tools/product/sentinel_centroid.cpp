@@ -139,7 +139,8 @@ void CheckNumbers(const ANNOTATION& annotation, const CENTROID_TABLE& table) {
 }  // namespace
 
 CENTROID_POLYNOMIALS BurstCentroid(const ANNOTATION& annotation, const SLC_IMAGE& image) {
-  const double middle = static_cast<double>(image.n_lines / 2) / image.line_rate;
+  const std::int64_t middle_line = image.n_lines / 2;
+  const double middle = static_cast<double>(middle_line) / image.line_rate;
   const SWEEP sweep = SweepAround(image.first_line + middle, annotation, image);
   CENTROID_TABLE table;
   table.azimuth_times = {0.0, static_cast<double>(image.n_lines - 1) / image.line_rate};
