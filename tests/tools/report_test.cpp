@@ -100,8 +100,55 @@ TEST_F(REPORT_TEST, TellsFiguresParametersAndPicturesOfARun) {
                            "<strong>Coherence after.</strong> Mean coherence 1.000."}) {
     EXPECT_NE(page.find(text), std::string::npos) << text;
   }
-  EXPECT_EQ(Count(page, "<img "), 9U);  // three amplitudes, two pairs, a shift and the mask
-  EXPECT_EQ(Count(Page(), "<img "), 4U) << "without a master";
+  // Three amplitudes, two pairs, a shift, the mask and two histograms.
+  EXPECT_EQ(Count(page, "<img "), 11U);
+  EXPECT_EQ(Count(Page(), "<img "), 5U) << "without a master";
+}
+
+TEST_F(REPORT_TEST, OpensWithTheQualityOfTheOutput) {
+  // Signals that have nothing in common, and one that turns by a fringe every 20 samples.
+  const auto noise = [](double seed, int sample, int line) {
+    const double turn = seed * (sample * 37.3 + line * 91.7);
+    return std::polar(1000.0, turn * turn);
+  };
+  Complex("master.ras", 40, 30, [&](int x, int y) { return noise(0.1, x, y); });
+  WriteFile(Path("insar.pool"),
+            "respl_poly_rg FLT_15_V 0 6\n{\n2.5\n0\n0.1\n0\n0\n0\n}\n"
+            "respl_poly_az FLT_15_V 0 6\n{\n-1\n0\n0\n0\n0\n0\n}\n"
+            "n_samples INT_32 40\nn_lines INT_32 30\n"
+            "slave_first_rg_time FLT_15 0\nslave_first_az_time FLT_15 0\n");
+  WriteFile(Path("slave.pool"),
+            "imaging_mode STR \"SM\"\nprf FLT_15 1000\nrange_sampling_frequency FLT_15 1e7\n"
+            "oversampling FLT_15 1\nfdc_poly_az_time FLT_15_V 0 2\n{\n0\n1\n}\n"
+            "fdc_poly_rg_ref_time FLT_15_V 0 2\n{\n0\n0\n}\n"
+            "fdc_poly_coeff FLT_15_M 0 2 0 1\n{\n{\n250\n}\n{\n250\n}\n}\n");
+  Log(parameters + good_end +
+      "INFO     - Mapping type   : polynomial\n"
+      "INFO     - InsarPoolName  : insar.pool\n"
+      "INFO     - SlavePoolName  : slave.pool\n");
+  WriteFile(Path("OK.run"), "0");
+  const auto page_of = [&](PIXEL_TYPE type, auto pixel) {
+    Complex("out.ras", 40, 30, pixel, type);
+    return Page(Path("master.ras"));
+  };
+  constexpr const char* misfit =
+      "<span class=\"state unfinished\">succeeded, but does not fit the master</span>";
+
+  const std::string bad =
+      page_of(PIXEL_TYPE::C_FLT_6, [&](int x, int y) { return noise(0.17, x, y); });
+  EXPECT_EQ(Count(bad, misfit), 1U);
+  EXPECT_EQ(Count(bad, "Saturated components: pixels of the output"), 1U);
+  for (const char* text : {"<dd>250 to 250 Hz, 0.25 to 0.25 PRF</dd>",
+                           "<dd>2.5 to 6.4 samples</dd>", "<dd>-1 to -1 lines</dd>"}) {
+    EXPECT_NE(bad.find(text), std::string::npos) << text;
+  }
+  const std::string fringes = page_of(PIXEL_TYPE::C_INT_16, [&](int x, int y) {
+    return x == 0 ? VALUE(1e5, 1.0) : noise(0.1, x, y) * std::polar(1.0, x * 0.314159);
+  });
+  EXPECT_EQ(Count(fringes, misfit), 0U) << "of a signal with fringes";
+  EXPECT_EQ(Count(fringes, "<dd>1.25 % (30)</dd>"), 1U) << "half the components of a column in 40";
+  page_of(PIXEL_TYPE::C_FLT_6, [](int, int) { return VALUE(1e-45, 0.0); });  // has no decibels
+  EXPECT_EQ(Count(Page("none.ras"), "Fit to the master: MEM_MGR: can not open: none.ras."), 1U);
 }
 
 TEST_F(REPORT_TEST, ShowsAFailedRunWithoutTheOutputsOfAnEarlierOne) {
@@ -147,7 +194,9 @@ TEST_F(REPORT_TEST, CommandWritesThePageWithTheShiftsOfAPolynomial) {
     return Run(AddReportCommand, "report " + Path("") + " --out " + page);
   };
   EXPECT_EQ(report(Path("page.html")), Path("page.html") + "\n");
-  EXPECT_EQ(Count(ReadFile(Path("page.html")), "<img "), 2U);
+  const std::string page = ReadFile(Path("page.html"));
+  EXPECT_EQ(Count(page, "<img "), 2U);
+  EXPECT_EQ(Count(page, "Centroid and shifts: the log tells no SlaveIn."), 1U);
   EXPECT_THROW(report("/no/such/directory/page.html"), std::runtime_error);
 }
 

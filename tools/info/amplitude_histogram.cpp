@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -37,4 +38,8 @@ double AMPLITUDE_HISTOGRAM::Quantile(double share) const noexcept {
     }
   }
   return std::numeric_limits<double>::quiet_NaN();
+}
+
+std::int64_t AMPLITUDE_HISTOGRAM::CountBelow(double amplitude) const noexcept {
+  return std::accumulate(counts_.begin(), counts_.begin() + ClassOf(amplitude), std::int64_t{0});
 }

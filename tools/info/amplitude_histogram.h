@@ -15,6 +15,9 @@ class AMPLITUDE_HISTOGRAM {
   /// The smallest amplitude that at least this share (0 to 1) of all amplitudes does not exceed,
   /// rounded down to the limit of its class. NaN without amplitudes.
   double Quantile(double share) const noexcept;
+  /// How many amplitudes are less than this one; those of its class are not.
+  std::int64_t CountBelow(double amplitude) const noexcept;
+  std::int64_t Total() const noexcept { return total_; }
 
  private:
   std::vector<std::int64_t> counts_;

@@ -4,13 +4,12 @@
 #include <complex>
 #include <cstdint>
 #include <iomanip>
-#include <limits>
-#include <utility>
 #include <vector>
 
 #include "common/raster_reader.h"
 #include "common/read_raster_header.h"
 #include "info/amplitude_histogram.h"
+#include "info/type_ends.h"
 #include "info/value_statistics.h"
 #include "logging/printable_text.h"
 
@@ -30,29 +29,10 @@ void WriteHeader(const RASTER_HEADER& header, std::ostream& report) {
   report << "bytes per pixel: " << BytesPerPixel(header.PixelType()) << "\n";
 }
 
-/// The ends of a type's range, which hold what lay beyond; none where values do not end there.
-std::pair<double, double> EndsOf(PIXEL_TYPE type) {
-  constexpr double none = std::numeric_limits<double>::infinity();
-  switch (type) {
-    case PIXEL_TYPE::C_U_INT_8:
-      return {-none, 255.0};
-    case PIXEL_TYPE::INT_16:
-    case PIXEL_TYPE::C_INT_16:
-      return {-32768.0, 32767.0};
-    case PIXEL_TYPE::INT_32:
-      return {-2147483648.0, 2147483647.0};
-    case PIXEL_TYPE::FLT_2:
-    case PIXEL_TYPE::C_FLT_2:
-      return {-65504.0, 65504.0};
-    default:
-      return {-none, none};
-  }
-}
-
 struct RASTER_STATISTICS {
-  explicit RASTER_STATISTICS(PIXEL_TYPE type) : ends(EndsOf(type)) {}
+  explicit RASTER_STATISTICS(PIXEL_TYPE type) : ends(type) {}
 
-  std::pair<double, double> ends;
+  TYPE_ENDS ends;
   std::int64_t saturated = 0;
   std::int64_t finite = 0;
   std::int64_t zeros = 0;
@@ -69,9 +49,7 @@ struct RASTER_STATISTICS {
     zeros += value == 0.0 ? 1 : 0;
     real.Add(value.real());
     imaginary.Add(value.imag());
-    for (const double part : {value.real(), value.imag()}) {
-      saturated += part <= ends.first || part >= ends.second ? 1 : 0;
-    }
+    saturated += ends.Saturated(value);
     const double magnitude = std::abs(value);
     amplitude.Add(magnitude);
     amplitudes.Add(magnitude);
@@ -122,7 +100,7 @@ void WriteRasterReport(const std::string& path, std::ostream& report) {
   report << "pixels: " << raster.Width() * raster.Height() << "\n";
   report << "finite: " << statistics.finite << "\n";
   report << "zeros: " << statistics.zeros << "\n";
-  if (std::isfinite(statistics.ends.second)) {
+  if (statistics.ends.Exist()) {
     report << "saturated: " << statistics.saturated << "\n";
   }
   if (statistics.finite == 0) {

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <exception>
 #include <functional>
-#include <stdexcept>
 
 #include "base/error_exception.h"
-#include "common/raster_reader.h"
 #include "mapping/mapping_polynomial.h"
 #include "picture/raster_figure.h"
+#include "report/shown_raster.h"
 
 namespace {
 
@@ -26,16 +26,6 @@ PICTURE_SIZE SizeFor(std::int64_t samples, std::int64_t lines) {
 PICTURE_SIZE SizeFor(const RASTER_READER& raster) {
   return SizeFor(raster.Width(), raster.Height());
 }
-
-/// A raster to be shown. Throws for one without pixels, whose other side may be billions long.
-class SHOWN_RASTER : public RASTER_READER {
- public:
-  explicit SHOWN_RASTER(const std::string& path) : RASTER_READER(path) {
-    if (Width() == 0 || Height() == 0) {
-      throw std::runtime_error("has no pixels: " + path);
-    }
-  }
-};
 
 /// Draws what `make` returns, and fills in the caption if `make` has not.
 QUICKLOOK Draw(const std::string& title, const std::function<FIGURE(QUICKLOOK&)>& make) {
@@ -185,16 +175,4 @@ std::vector<QUICKLOOK_GROUP> DrawQuicklooks(const RUN_RECORD& run, const std::st
   }
   std::erase_if(groups, [](const QUICKLOOK_GROUP& group) { return group.pictures.empty(); });
   return groups;
-}
-
-double ValidShare(const std::string& mask) {
-  const SHOWN_RASTER raster(mask);
-  std::vector<std::complex<double>> values(static_cast<std::size_t>(raster.Width()));
-  std::int64_t valid = 0;
-  for (std::int64_t line = 0; line < raster.Height(); ++line) {
-    raster.ReadLine(line, 0, values);
-    valid += std::count_if(values.begin(), values.end(),
-                           [](std::complex<double> value) { return value != 0.0; });
-  }
-  return static_cast<double>(valid) / static_cast<double>(raster.Width() * raster.Height());
 }

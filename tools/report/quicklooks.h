@@ -22,6 +22,3 @@ struct QUICKLOOK_GROUP {
 /// what the run was good for: interferogram and coherence before and after. Rasters that the run
 /// was not given are left out.
 std::vector<QUICKLOOK_GROUP> DrawQuicklooks(const RUN_RECORD& run, const std::string& master);
-
-/// Share of the pixels of a mask that are not 0.
-double ValidShare(const std::string& mask);

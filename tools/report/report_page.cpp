@@ -1,12 +1,11 @@
 #include "report/report_page.h"
 
 #include <cstdio>
-#include <exception>
 #include <utility>
 #include <vector>
 
-#include "base/error_exception.h"
 #include "report/html.h"
+#include "report/quality.h"
 #include "report/quicklooks.h"
 
 namespace {
@@ -69,38 +68,45 @@ std::string Number(double value) {
   return text;
 }
 
-std::string Percent(double share) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.2f %%", 100.0 * share);
-  return text;
-}
-
 struct STATE_WORDS {
-  const char* word;  ///< also the class of its style
+  const char* word;
+  const char* css_class;
   const char* sentence;
 };
 
-STATE_WORDS WordsOf(RUN_STATE state) {
+STATE_WORDS WordsOf(RUN_STATE state, bool misfits) {
   switch (state) {
     case RUN_STATE::SUCCEEDED:
-      return {"succeeded", "The run has come to its end; the outputs are complete."};
+      return misfits ? STATE_WORDS{"succeeded, but does not fit the master", "unfinished",
+                                   "The run has come to its end, but its output has little in "
+                                   "common with the master: slctool check-run tells what is "
+                                   "suspicious about the inputs."}
+                     : STATE_WORDS{"succeeded", "succeeded",
+                                   "The run has come to its end; the outputs are complete."};
     case RUN_STATE::FAILED:
-      return {"failed", "The run has failed; its outputs, if any, are incomplete."};
+      return {"failed", "failed", "The run has failed; its outputs, if any, are incomplete."};
     default:
-      return {"unfinished", "The run has not come to its end: it still goes on, or was killed."};
+      return {"unfinished", "unfinished",
+              "The run has not come to its end: it still goes on, or was killed."};
   }
 }
 
 /// The page under construction, section by section.
 class PAGE {
  public:
-  PAGE(const RUN_RECORD& run, const std::string& master) : run_(run), master_(master) {}
+  PAGE(const RUN_RECORD& run, const std::string& master)
+      : run_(run), master_(master), quality_(MeasureQuality(run, master)) {}
 
   std::string Make() && {
     AddHead();
+    AddQuality();
     AddFigures();
+    AddMissing();
     AddLines("ALARM", "Alarms", "lines card alarm");
     AddLines("WARN", "Warnings", "lines card");
+    if (!quality_.histograms.empty()) {
+      AddPictures({"Histograms of the output", quality_.histograms});
+    }
     AddParameters();
     for (const QUICKLOOK_GROUP& group : DrawQuicklooks(run_, master_)) {
       AddPictures(group);
@@ -112,13 +118,13 @@ class PAGE {
 
  private:
   void AddHead() {
-    const STATE_WORDS words = WordsOf(run_.State());
+    const STATE_WORDS words = WordsOf(run_.State(), quality_.misfits);
     const std::string title = Escaped(run_.Name()) + " " + words.word;
     html_ +=
         "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
         title + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<main>\n<h1>" +
-        Escaped(run_.Name()) + " <span class=\"state " + words.word + "\">" + words.word +
+        Escaped(run_.Name()) + " <span class=\"state " + words.css_class + "\">" + words.word +
         "</span></h1>\n<p class=\"soft\">" + words.sentence + "</p>\n<p class=\"soft\">" +
         Escaped(StartText()) + "</p>\n";
   }
@@ -132,9 +138,27 @@ class PAGE {
     return text.empty() ? text : "Started " + text;
   }
 
-  void AddFigure(const char* name, const std::string& value) {
-    html_ += std::string("<div class=\"card\"><dt>") + name + "</dt><dd>" + Escaped(value) +
-             "</dd></div>\n";
+  void AddFigure(const std::string& name, const std::string& value) {
+    html_ +=
+        "<div class=\"card\"><dt>" + Escaped(name) + "</dt><dd>" + Escaped(value) + "</dd></div>\n";
+  }
+
+  void AddQuality() {
+    html_ += "<dl>\n";
+    for (const QUALITY_FIGURE& figure : quality_.figures) {
+      if (!figure.value.empty()) {
+        AddFigure(figure.name, figure.value);
+      }
+    }
+    html_ += "</dl>\n";
+  }
+
+  void AddMissing() {
+    for (const QUALITY_FIGURE& figure : quality_.figures) {
+      if (figure.value.empty()) {
+        html_ += "<p class=\"soft\">" + Escaped(figure.name + ": " + figure.reason) + ".</p>\n";
+      }
+    }
   }
 
   void AddFigures() {
@@ -151,18 +175,7 @@ class PAGE {
     if (seconds && *seconds > 0.0 && pixels > 0.0) {
       AddFigure("Throughput", Number(pixels / *seconds / 1e6) + " Mpixel/s");
     }
-    if (const auto mask = run_.Output("MaskOut")) {
-      AddValidShare(*mask);
-    }
     html_ += "</dl>\n";
-  }
-
-  void AddValidShare(const std::string& mask) {
-    try {
-      AddFigure("Valid pixels", Percent(ValidShare(mask)));
-    } catch (const ERROR_EXCEPTION&) {  // the picture of the mask tells the reason
-    } catch (const std::exception&) {
-    }
   }
 
   void AddLines(const char* level, const char* title, const char* css_class) {
@@ -218,6 +231,7 @@ class PAGE {
 
   const RUN_RECORD& run_;
   const std::string& master_;
+  const QUALITY quality_;
   std::string html_;
 };
 
