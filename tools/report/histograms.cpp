@@ -51,15 +51,16 @@ QUICKLOOK AmplitudeHistogram(const AMPLITUDE_HISTOGRAM& amplitudes) {
     constexpr double least = std::numeric_limits<float>::min();
     return 20.0 * std::log10(std::max(amplitudes.Quantile(share), least));
   };
-  const double last = std::floor(decibels(0.999));
-  const auto count_below = [&](double level) {
+  const auto first = static_cast<int>(std::floor(decibels(0.001)));
+  const auto last = static_cast<int>(std::floor(decibels(0.999)));
+  const auto count_below = [&](int level) {
     return static_cast<double>(amplitudes.CountBelow(std::pow(10.0, level / 20.0)));
   };
   std::vector<double> middles;
   std::vector<double> shares;
-  for (double level = std::floor(decibels(0.001)); level <= last; ++level) {
+  for (int level = first; level <= last; ++level) {
     middles.push_back(level + 0.5);
-    shares.push_back(100.0 * (count_below(level + 1.0) - count_below(level)) /
+    shares.push_back(100.0 * (count_below(level + 1) - count_below(level)) /
                      static_cast<double>(amplitudes.Total()));
   }
   return DrawBars("Histogram of amplitude", "Of the output's pixels that are not 0.",
