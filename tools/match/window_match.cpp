@@ -127,8 +127,9 @@ void WINDOW_MATCH::Correlate() {
   const double scale = 1.0 / (static_cast<double>(rows_) * columns_);
   for (int row = 0; row < LagRows(); ++row) {
     for (int column = 0; column < LagColumns(); ++column) {
-      Surface(row, column) =
-          scale * values_[static_cast<std::size_t>(std::int64_t{row} * columns_ + column)];
+      const auto index =
+          static_cast<std::size_t>(static_cast<std::int64_t>(row) * columns_ + column);
+      Surface(row, column) = scale * values_[index];
     }
   }
 }
@@ -249,7 +250,7 @@ WINDOW_MATCH::NINE WINDOW_MATCH::Correlations(const LAG& centre, double step) co
     for (int row = 0; row < rows_; ++row) {
       const std::complex<double> phase = row_phases[static_cast<std::size_t>(row)];
       const std::complex<float>* spectrum =
-          cross_spectrum_.data() + std::ptrdiff_t{row} * half_columns;
+          cross_spectrum_.data() + static_cast<std::ptrdiff_t>(row) * half_columns;
       for (std::size_t column = 0; column < line.size(); ++column) {
         const std::complex<double> value(spectrum[column]);
         line[column] = {
