@@ -1,7 +1,6 @@
 #pragma once
 
 #include <clocale>
-
 #include <string>
 
 /// While it lives, the C library's conversions of the calling thread follow the C locale, whatever
