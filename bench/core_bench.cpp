@@ -46,22 +46,11 @@ void CountPixels(benchmark::State& state, int size) {
       Counter(pixels, Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
-template <class CODEC>
-void Resample(const RESAMPLE_THR_ARG& argument, RESAMPLE_FUNCTION<CODEC> function) {
-  using PIXEL = typename CODEC::PIXEL;
-  function(argument, argument.job.input_slave->Rows<PIXEL>(),
-           argument.job.output_slave->Rows<PIXEL>());
-}
-
 void TimeVariant(benchmark::State& state, const CORE_CASE& wanted, const CORE_VARIANT& variant,
                  int size) {
   const RESAMPLE_THR_ARG& argument = SceneOf(wanted, size).Argument();
   for ([[maybe_unused]] const auto iteration : state) {
-    if (wanted.pixel_type == C_INT_16) {
-      Resample<INT_16_CODEC>(argument, variant.int_16);
-    } else {
-      Resample<BINARY_16_CODEC>(argument, variant.binary_16);
-    }
+    variant.Resample(argument);
   }
   CountPixels(state, size);
 }

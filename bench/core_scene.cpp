@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "core/pixel_codec.h"
+#include "core/codec_visit.h"
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
 
@@ -58,14 +58,17 @@ void CORE_SCENE::TouchOutputs() {
 
 void CORE_SCENE::FillSlave() {
   std::minstd_rand random(1);
-  const bool is_integer = input_.slave.PixelType() == PIXEL_TYPE::C_INT_16;
-  auto* components = reinterpret_cast<std::uint16_t*>(input_.slave.Data());
-  const std::int64_t count = input_.slave.DataLength() / 2;
-  for (std::int64_t i = 0; i < count; ++i) {
-    const double value = static_cast<double>(random() % 6001) - 3000.0;
-    components[i] = is_integer ? static_cast<std::uint16_t>(INT_16_CODEC::Encode(value))
-                               : BINARY_16_CODEC::Encode(value);
-  }
+  const auto value = [&random] { return static_cast<double>(random() % 6001) - 3000.0; };
+  VisitCodec(input_.slave.PixelType(), [&]<class CODEC>(CODEC) {
+    auto* const* rows = input_.slave.Rows<typename CODEC::PIXEL>();
+    for (int line = 0; line < size_; ++line) {
+      for (int sample = 0; sample < size_; ++sample) {
+        auto& pixel = rows[line][sample];
+        pixel.re = CODEC::Encode(value());
+        pixel.im = CODEC::Encode(value());
+      }
+    }
+  });
 }
 
 void CORE_SCENE::FillMask() {

@@ -6,9 +6,9 @@
 #include "app/input_setup.h"
 #include "app/output_setup.h"
 #include "app/parameter_check.h"
-#include "app/resample_thread.h"
 #include "check_run/kernel_cost.h"
 #include "control/processors.h"
+#include "core/codec_visit.h"
 #include "core/core_variant.h"
 #include "mapping/mapping_matrix.h"
 

@@ -5,7 +5,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "core/pixel_codec.h"
+#include "core/codec_visit.h"
 
 namespace {
 
@@ -91,7 +91,7 @@ void LookAtMapping(const RESAMPLE_INPUT& input, RUN_PHYSICS& physics) {
 }
 
 template <class CODEC>
-IMAGE_LINES LinesOf(const RESAMPLE_INPUT& input) {
+IMAGE_LINES LinesOf(CODEC, const RESAMPLE_INPUT& input) {
   const auto* const* pixels = input.slave.Rows<const typename CODEC::PIXEL>();
   const auto* const* mask = input.HasMask() ? input.mask.Rows<const unsigned char>() : nullptr;
   return {.n_samples = input.slave.Width(),
@@ -107,8 +107,9 @@ IMAGE_LINES LinesOf(const RESAMPLE_INPUT& input) {
 }
 
 IMAGE_LINES LinesOf(const RESAMPLE_INPUT& input) {
-  return input.slave.PixelType() == PIXEL_TYPE::C_INT_16 ? LinesOf<INT_16_CODEC>(input)
-                                                         : LinesOf<BINARY_16_CODEC>(input);
+  IMAGE_LINES lines;
+  VisitCodec(input.slave.PixelType(), [&](auto codec) { lines = LinesOf(codec, input); });
+  return lines;
 }
 
 __attribute__((format(printf, 1, 2))) std::string Text(const char* format, ...) {

@@ -13,18 +13,6 @@ namespace {
 
 using enum LOGGING_LEVEL_T;
 
-template <class CODEC, const ROW_FUNCTIONS& functions>
-void ResampleFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL* const* input,
-                  typename CODEC::PIXEL* const* output) {
-  ResampleBlockFast<CODEC>(argument, input, output, functions);
-}
-
-template <const ROW_FUNCTIONS& functions>
-constexpr CORE_VARIANT FastVariant(const char* name, bool (*is_supported)()) {
-  return {name, ResampleFast<INT_16_CODEC, functions>, ResampleFast<BINARY_16_CODEC, functions>,
-          is_supported, &functions};
-}
-
 bool IsAlwaysSupported() {
   return true;
 }
@@ -48,14 +36,13 @@ bool HasFeaturesOfV4() {
 #endif
 
 constexpr CORE_VARIANT variants[] = {
-    {"plain", ResampleBlock<INT_16_CODEC>, ResampleBlock<BINARY_16_CODEC>, IsAlwaysSupported,
-     nullptr},
+    {"plain", IsAlwaysSupported, nullptr},
 #if defined(__x86_64__)
-    FastVariant<row_functions_x86_64>("x86-64", IsAlwaysSupported),
-    FastVariant<row_functions_x86_64_v3>("x86-64-v3", HasFeaturesOfV3),
-    FastVariant<row_functions_x86_64_v4>("x86-64-v4", HasFeaturesOfV4),
+    {"x86-64", IsAlwaysSupported, &row_functions_x86_64},
+    {"x86-64-v3", HasFeaturesOfV3, &row_functions_x86_64_v3},
+    {"x86-64-v4", HasFeaturesOfV4, &row_functions_x86_64_v4},
 #elif defined(__aarch64__)
-    FastVariant<row_functions_aarch64>("aarch64", IsAlwaysSupported),
+    {"aarch64", IsAlwaysSupported, &row_functions_aarch64},
 #endif
 };
 
@@ -86,6 +73,14 @@ const CORE_VARIANT* VariantFromEnvironment() {
 }
 
 }  // namespace
+
+void CORE_VARIANT::Resample(const RESAMPLE_THR_ARG& argument) const {
+  if (functions != nullptr) {
+    ResampleBlockFast(argument, *functions);
+  } else {
+    ResampleBlock(argument);
+  }
+}
 
 std::span<const CORE_VARIANT> CoreVariants() {
   return variants;

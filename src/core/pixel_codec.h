@@ -5,9 +5,14 @@
 #include <cstdint>
 
 #include "base/complex.h"
+#include "raster/pixel_type.h"
 
-/// Component of a complex 16-bit integer pixel (pixel type 8).
+// A codec knows the pixel type, its components, and what numbers these stand for. The list at the
+// end holds all of them.
+
+/// Component of a complex 16-bit integer pixel.
 struct INT_16_CODEC {
+  static constexpr PIXEL_TYPE pixel_type = PIXEL_TYPE::C_INT_16;
   using COMPONENT = std::int16_t;
   using PIXEL = COMPLEX<COMPONENT>;
 
@@ -28,10 +33,11 @@ struct INT_16_CODEC {
   }
 };
 
-/// Component of a complex binary16 pixel (pixel type 9), by the format's own rules: no subnormal
-/// numbers and no negative zero are ever written, and on reading an exponent field of 0 counts
-/// as a normal number's, except for the pattern 0x0000. The processor's conversions differ.
+/// Component of a complex binary16 pixel, by the format's own rules: no subnormal numbers and no
+/// negative zero are ever written, and on reading an exponent field of 0 counts as a normal
+/// number's, except for the pattern 0x0000. The processor's conversions differ.
 struct BINARY_16_CODEC {
+  static constexpr PIXEL_TYPE pixel_type = PIXEL_TYPE::C_FLT_2;
   using COMPONENT = std::uint16_t;
   using PIXEL = COMPLEX<COMPONENT>;
 
@@ -81,3 +87,9 @@ struct BINARY_16_CODEC {
     return static_cast<COMPONENT>(sign | ((exponent - 0x3F0) & 0x1FU) << 10 | (mantissa & 0x3FFU));
   }
 };
+
+template <class... CODECS>
+struct CODEC_LIST {};
+
+/// The pixels that are resampled. Whatever there is for every kind of them follows from this list.
+using PIXEL_CODECS = CODEC_LIST<INT_16_CODEC, BINARY_16_CODEC>;

@@ -1,13 +1,17 @@
 #include "core/resampling_core.h"
 
+#include "core/codec_visit.h"
 #include "core/pixel_evaluation.h"
 #include "core/progress.h"
 
+namespace {
+
 template <class CODEC>
-void ResampleBlock(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL* const* input,
-                   typename CODEC::PIXEL* const* output) {
+void ResampleAs(CODEC, const RESAMPLE_THR_ARG& argument) {
+  using PIXEL = typename CODEC::PIXEL;
   const RESAMPLE_JOB& job = argument.job;
-  const PIXEL_EVALUATION<CODEC> evaluation(job, input);
+  const PIXEL_EVALUATION<CODEC> evaluation(job, job.input_slave->Rows<PIXEL>());
+  PIXEL* const* output = job.output_slave->Rows<PIXEL>();
   unsigned char* const* output_mask =
       job.output_mask != nullptr ? job.output_mask->Rows<unsigned char>() : nullptr;
 
@@ -29,9 +33,9 @@ void ResampleBlock(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL
   }
 }
 
-template void ResampleBlock<INT_16_CODEC>(const RESAMPLE_THR_ARG&,
-                                          const INT_16_CODEC::PIXEL* const*,
-                                          INT_16_CODEC::PIXEL* const*);
-template void ResampleBlock<BINARY_16_CODEC>(const RESAMPLE_THR_ARG&,
-                                             const BINARY_16_CODEC::PIXEL* const*,
-                                             BINARY_16_CODEC::PIXEL* const*);
+}  // namespace
+
+void ResampleBlock(const RESAMPLE_THR_ARG& argument) {
+  VisitCodec(argument.job.input_slave->PixelType(),
+             [&](auto codec) { ResampleAs(codec, argument); });
+}

@@ -1,6 +1,7 @@
 #include "core_job.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "mapping/mapping_matrix.h"
 #include "mapping/mapping_polynomial.h"
@@ -45,12 +46,23 @@ void CORE_JOB::ClearOutputs() {
   }
 }
 
-void CORE_JOB::Resample(const CORE_VARIANT& variant, std::vector<unsigned> block_ends) {
-  if (input_.slave.PixelType() == PIXEL_TYPE::C_INT_16) {
-    Resample<INT_16_CODEC>(variant.int_16, std::move(block_ends));
-  } else {
-    Resample<BINARY_16_CODEC>(variant.binary_16, std::move(block_ends));
+void CORE_JOB::Resample(const std::function<void(const RESAMPLE_THR_ARG&)>& resample,
+                        std::vector<unsigned> block_ends) {
+  RESAMPLE_THR_ARG argument;
+  argument.worker_number = 1;
+  argument.Set(job_);
+  block_ends.push_back(static_cast<unsigned>(job_.output_height));
+  unsigned first = 0;
+  for (const unsigned end : block_ends) {
+    argument.block = URANGE<unsigned int>(first, end - first);
+    resample(argument);
+    first = end;
   }
+}
+
+void CORE_JOB::Resample(const CORE_VARIANT& variant, std::vector<unsigned> block_ends) {
+  Resample([&](const RESAMPLE_THR_ARG& argument) { variant.Resample(argument); },
+           std::move(block_ends));
 }
 
 std::vector<unsigned char> CORE_JOB::OutputBytes() const {

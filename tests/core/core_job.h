@@ -1,6 +1,6 @@
 #pragma once
 
-#include <utility>
+#include <functional>
 #include <vector>
 
 #include "core/core_variant.h"
@@ -19,10 +19,9 @@ class CORE_JOB {
   RESAMPLE_JOB& Job() { return job_; }
 
   void ClearOutputs();
-  /// Resamples blocks that end before the given lines; the last one ends with the output.
-  template <class CODEC>
-  void Resample(RESAMPLE_FUNCTION<CODEC> resample, std::vector<unsigned> block_ends = {});
-  /// The same for the job's own type of pixels.
+  /// Has blocks resampled that end before the given lines; the last one ends with the output.
+  void Resample(const std::function<void(const RESAMPLE_THR_ARG&)>& resample,
+                std::vector<unsigned> block_ends = {});
   void Resample(const CORE_VARIANT& variant, std::vector<unsigned> block_ends = {});
 
   std::vector<unsigned char> OutputBytes() const;
@@ -34,18 +33,3 @@ class CORE_JOB {
   RESAMPLE_OUTPUT output_;
   RESAMPLE_JOB job_;
 };
-
-template <class CODEC>
-void CORE_JOB::Resample(RESAMPLE_FUNCTION<CODEC> resample, std::vector<unsigned> block_ends) {
-  using PIXEL = typename CODEC::PIXEL;
-  RESAMPLE_THR_ARG argument;
-  argument.worker_number = 1;
-  argument.Set(job_);
-  block_ends.push_back(static_cast<unsigned>(job_.output_height));
-  unsigned first = 0;
-  for (const unsigned end : block_ends) {
-    argument.block = URANGE<unsigned int>(first, end - first);
-    resample(argument, input_.slave.Rows<PIXEL>(), output_.slave.Rows<PIXEL>());
-    first = end;
-  }
-}

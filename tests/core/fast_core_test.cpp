@@ -7,6 +7,7 @@
 #include <random>
 #include <utility>
 
+#include "core/codec_visit.h"
 #include "core/pixel_evaluation.h"
 #include "core_job.h"
 #include "support/log_capture.h"
@@ -32,17 +33,6 @@ bool Record(CONST_COMPLEX_ROW values, int count, PIXEL* encoded) {
   return true;
 }
 
-const ROW_FUNCTIONS* recording_functions = nullptr;
-
-template <class CODEC>
-void ResampleRecording(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL* const* input,
-                       typename CODEC::PIXEL* const* output) {
-  ROW_FUNCTIONS functions = *recording_functions;
-  functions.int_16.encode = Record<INT_16_CODEC::PIXEL>;
-  functions.binary_16.encode = Record<BINARY_16_CODEC::PIXEL>;
-  ResampleBlockFast<CODEC>(argument, input, output, functions);
-}
-
 /// Sum over the footprint of |weight| (|re| + |im|): what rounding errors grow with.
 template <class CODEC>
 double AbsoluteSum(const RESAMPLE_JOB& job, double rg, double az) {
@@ -66,21 +56,28 @@ bool IsNear(double value, double expected, double allowed) {
   return std::isfinite(expected) ? std::abs(value - expected) <= allowed : !std::isfinite(value);
 }
 
-template <class CODEC>
+template <class... CODECS>
+void RecordEncoded(ROW_FUNCTIONS& functions, CODEC_LIST<CODECS...>) {
+  ((functions.pixels.PIXEL_FUNCTIONS<typename CODECS::PIXEL>::encode =
+        Record<typename CODECS::PIXEL>),
+   ...);
+}
+
 void ResampleRecorded(CORE_JOB& job, const LEVEL& level) {
   recorded.clear();
-  recording_functions = level.functions;
+  ROW_FUNCTIONS functions = *level.functions;
+  RecordEncoded(functions, PIXEL_CODECS());
   job.ClearOutputs();
-  job.Resample<CODEC>(ResampleRecording<CODEC>);
+  job.Resample([&](const RESAMPLE_THR_ARG& argument) { ResampleBlockFast(argument, functions); });
 }
 
 /// Compares every pixel of one job before encoding, and its mask, with the evaluation of single
 /// pixels. Returns the number of computed pixels.
 template <class CODEC>
-int CheckAgainstSinglePixels(CORE_JOB& core_job, const LEVEL& level) {
+int CheckAgainstSinglePixels(CODEC, CORE_JOB& core_job, const LEVEL& level) {
   using PIXEL = typename CODEC::PIXEL;
   const RESAMPLE_JOB& job = core_job.Job();
-  ResampleRecorded<CODEC>(core_job, level);
+  ResampleRecorded(core_job, level);
 
   const PIXEL_EVALUATION<CODEC> evaluation(job, job.input_slave->Rows<PIXEL>());
   int computed = 0;
@@ -114,6 +111,13 @@ int CheckAgainstSinglePixels(CORE_JOB& core_job, const LEVEL& level) {
   return computed;
 }
 
+int CheckAgainstSinglePixels(CORE_JOB& job, const LEVEL& level) {
+  int computed = 0;
+  VisitCodec(job.Job().input_slave->PixelType(),
+             [&](auto codec) { computed = CheckAgainstSinglePixels(codec, job, level); });
+  return computed;
+}
+
 struct FastCoreTest : testing::TestWithParam<int> {
   LOG_CAPTURE log;
 };
@@ -130,9 +134,7 @@ TEST_P(FastCoreTest, EqualsTheEvaluationOfSinglePixelsBeforeEncoding) {
     CORE_JOB job(scene);
     for (const LEVEL& level : SupportedLevels()) {
       SCOPED_TRACE(testing::Message() << level.variant->name << ", seed " << seed);
-      computed += scene.code == PIXEL_CODE::INT_16
-                      ? CheckAgainstSinglePixels<INT_16_CODEC>(job, level)
-                      : CheckAgainstSinglePixels<BINARY_16_CODEC>(job, level);
+      computed += CheckAgainstSinglePixels(job, level);
       if (HasFailure()) {
         return;
       }
@@ -187,9 +189,9 @@ TEST(LargePhases, AreAsAccurateUpToTheLimitAndLeftToThePlainCoreBeyond) {
         SCOPED_TRACE(testing::Message() << level.variant->name << ", " << imaging_mode << ", "
                                         << length << " taps, " << turns << " turns");
         if (is_fast) {
-          EXPECT_GT(CheckAgainstSinglePixels<INT_16_CODEC>(job, level), 300);
+          EXPECT_GT(CheckAgainstSinglePixels(job, level), 300);
         } else {
-          ResampleRecorded<INT_16_CODEC>(job, level);
+          ResampleRecorded(job, level);
           EXPECT_TRUE(std::isnan(recorded[0].re));
         }
       }

@@ -9,6 +9,7 @@
 
 #include "base/error_exception.h"
 #include "core/core_variant.h"
+#include "core/pixel_codec.h"
 #include "mapping/mapping_matrix.h"
 #include "support/log_capture.h"
 
@@ -68,8 +69,7 @@ TEST(ResampleInput, FromMemoryNeedsEveryPart) {
     RESAMPLE_THR_ARG argument;
     argument.Set(input.Job(output));
     argument.block = {0, size};
-    CoreVariants().front().int_16(argument, input.slave.Rows<INT_16_CODEC::PIXEL>(),
-                                  output.slave.Rows<INT_16_CODEC::PIXEL>());
+    CoreVariants().front().Resample(argument);
     const auto pixel = output.slave.Rows<INT_16_CODEC::PIXEL>()[8][8];
     EXPECT_EQ(pixel.re, 100);
     EXPECT_EQ(pixel.im, -50);

@@ -99,7 +99,7 @@ void CheckDecoding() {
       const BINARY_16_CODEC::PIXEL pixel = {component, component};
       double re = 0.0;
       double im = 0.0;
-      level.functions->binary_16.decode(&pixel, 1, {&re, &im});
+      level.functions->pixels.Of<BINARY_16_CODEC::PIXEL>().decode(&pixel, 1, {&re, &im});
       // Infinities may become NaN there.
       Require(std::isfinite(value) ? re == value && im == value : !std::isfinite(re),
               "decoded row");
@@ -113,8 +113,8 @@ void CheckEncoding(const double (&row)[strip_columns]) {
     Require(INT_16_CODEC::Encode(value) == ExpectedInteger(value), "encoded integer");
   }
   for (const LEVEL& level : SupportedLevels()) {
-    CheckRow(level.functions->binary_16, row, ExpectedPattern);
-    CheckRow(level.functions->int_16, row, ExpectedInteger);
+    CheckRow<BINARY_16_CODEC::PIXEL>(level.functions->pixels, row, ExpectedPattern);
+    CheckRow<INT_16_CODEC::PIXEL>(level.functions->pixels, row, ExpectedInteger);
   }
 }
 

@@ -19,8 +19,8 @@
 #include <optional>
 
 #include "app/resample_run.h"
+#include "core/codec_visit.h"
 #include "core/core_variant.h"
-#include "core/pixel_codec.h"
 #include "fuzz/controller_target.h"
 #include "raster/raster_header.h"
 
@@ -192,29 +192,31 @@ std::optional<OUTPUT> Run(const std::vector<std::string>& words, const char* cor
                  : std::nullopt;
 }
 
-double ToReal(INT_16_CODEC, std::uint16_t bits) {
-  return INT_16_CODEC::Decode(static_cast<std::int16_t>(bits));
+/// How far components may lie apart: one step of their format.
+double Step(INT_16_CODEC, double) {
+  return 1.0;
 }
-double ToReal(BINARY_16_CODEC, std::uint16_t bits) {
-  return BINARY_16_CODEC::Decode(bits);
+double Step(BINARY_16_CODEC, double value) {
+  return 1.3e-4 + std::abs(value) * 0x1p-10;
 }
 
-/// Components may differ by one step of their format, and by what rounding leaves of large values
-/// that cancel.
+/// Components may differ by a rounded tie, and by what rounding leaves of large values that cancel.
 template <class CODEC>
-void CompareImages(const std::string& plain, const std::string& fast) {
-  constexpr bool is_integer = std::is_same_v<CODEC, INT_16_CODEC>;
-  for (std::size_t i = RASTER_HEADER::size; i + 1 < plain.size(); i += 2) {
-    std::uint16_t bits[2] = {};
-    std::memcpy(&bits[0], plain.data() + i, 2);
-    std::memcpy(&bits[1], fast.data() + i, 2);
-    const double a = ToReal(CODEC(), bits[0]);
-    const double b = ToReal(CODEC(), bits[1]);
-    const double tolerance = is_integer ? 1.0 : 1.3e-4 + std::abs(a) * 0x1p-10;
+void CompareImages(CODEC codec, const std::string& plain, const std::string& fast) {
+  using COMPONENT = typename CODEC::COMPONENT;
+  const auto number_at = [](const std::string& image, std::size_t i) {
+    COMPONENT component{};
+    std::memcpy(&component, image.data() + i, sizeof component);
+    return CODEC::Decode(component);
+  };
+  constexpr std::size_t size = sizeof(COMPONENT);
+  for (std::size_t i = RASTER_HEADER::size; i + size <= plain.size(); i += size) {
+    const double a = number_at(plain, i);
+    const double b = number_at(fast, i);
     const bool are_equal = (std::isnan(a) && std::isnan(b)) || a == b;
-    Require(are_equal || std::abs(a - b) <= tolerance, "component " + std::to_string(i / 2) + ": " +
-                                                           std::to_string(a) +
-                                                           " != " + std::to_string(b));
+    Require(are_equal || std::abs(a - b) <= Step(codec, a),
+            "component " + std::to_string(i / size) + ": " + std::to_string(a) +
+                " != " + std::to_string(b));
   }
 }
 
@@ -244,10 +246,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(plain->mask == fast->mask, "masks differ");
   Require(plain->image.size() == fast->image.size(), "sizes differ");
   constexpr std::size_t type_byte = 23;
-  if (plain->image[type_byte] == 97) {
-    CompareImages<INT_16_CODEC>(plain->image, fast->image);
-  } else {
-    CompareImages<BINARY_16_CODEC>(plain->image, fast->image);
-  }
+  const auto type_word = static_cast<unsigned char>(plain->image[type_byte]);
+  VisitCodec(PixelTypeFromWords(type_word, 0),
+             [&](auto codec) { CompareImages(codec, plain->image, fast->image); });
   return 0;
 }

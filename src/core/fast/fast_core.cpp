@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/codec_visit.h"
 #include "core/fast/strip.h"
 #include "core/progress.h"
 #include "core/resampling_core.h"
@@ -12,27 +13,12 @@ namespace {
 /// that it has touched serve the next strips too.
 constexpr unsigned chunk_lines = 256;
 
-const PIXEL_FUNCTIONS<INT_16_CODEC::PIXEL>& PixelFunctions(const ROW_FUNCTIONS& functions,
-                                                           INT_16_CODEC) {
-  return functions.int_16;
-}
-
-const PIXEL_FUNCTIONS<BINARY_16_CODEC::PIXEL>& PixelFunctions(const ROW_FUNCTIONS& functions,
-                                                              BINARY_16_CODEC) {
-  return functions.binary_16;
-}
-
-}  // namespace
-
 template <class CODEC>
-void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::PIXEL* const* input,
-                       typename CODEC::PIXEL* const* output, const ROW_FUNCTIONS& functions) {
+void ResampleAs(CODEC, const RESAMPLE_THR_ARG& argument, const ROW_FUNCTIONS& functions) {
+  using PIXEL = typename CODEC::PIXEL;
   const RESAMPLE_JOB& job = argument.job;
-  if (job.kernel->Length() < 1 || job.kernel->Length() > longest_kernel) {
-    ResampleBlock<CODEC>(argument, input, output);
-    return;
-  }
-  STRIP<CODEC> strip(job, input, output, functions, PixelFunctions(functions, CODEC()));
+  STRIP<CODEC> strip(job, job.input_slave->Rows<PIXEL>(), job.output_slave->Rows<PIXEL>(),
+                     functions, functions.pixels.Of<PIXEL>());
   const unsigned end_line = argument.block.First() + argument.block.Count();
   unsigned reported = argument.block.First();
   for (unsigned line = argument.block.First(); line < end_line; line += chunk_lines) {
@@ -49,10 +35,14 @@ void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const typename CODEC::P
   }
 }
 
-template void ResampleBlockFast<INT_16_CODEC>(const RESAMPLE_THR_ARG&,
-                                              const INT_16_CODEC::PIXEL* const*,
-                                              INT_16_CODEC::PIXEL* const*, const ROW_FUNCTIONS&);
-template void ResampleBlockFast<BINARY_16_CODEC>(const RESAMPLE_THR_ARG&,
-                                                 const BINARY_16_CODEC::PIXEL* const*,
-                                                 BINARY_16_CODEC::PIXEL* const*,
-                                                 const ROW_FUNCTIONS&);
+}  // namespace
+
+void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const ROW_FUNCTIONS& functions) {
+  const int length = argument.job.kernel->Length();
+  if (length < 1 || length > longest_kernel) {
+    ResampleBlock(argument);
+    return;
+  }
+  VisitCodec(argument.job.input_slave->PixelType(),
+             [&](auto codec) { ResampleAs(codec, argument, functions); });
+}

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "base/complex.h"
+#include "core/pixel_codec.h"
 
 /// The fast core works on strips of columns. Everything that it keeps for a column lies in arrays
 /// of this many doubles; two-dimensional ones have one such row a tap.
@@ -167,6 +168,18 @@ struct PIXEL_FUNCTIONS {
   bool (*encode)(CONST_COMPLEX_ROW values, int count, PIXEL* encoded);
 };
 
+template <class LIST>
+struct FUNCTIONS_OF_ALL_PIXELS;
+
+/// Those of the pixels of every codec in a list.
+template <class... CODECS>
+struct FUNCTIONS_OF_ALL_PIXELS<CODEC_LIST<CODECS...>> : PIXEL_FUNCTIONS<typename CODECS::PIXEL>... {
+  template <class PIXEL>
+  const PIXEL_FUNCTIONS<PIXEL>& Of() const {
+    return *this;
+  }
+};
+
 /// The parts of the fast core that work on a run of columns at once, compiled for one level of
 /// the processor. None of them allocates, fails, or touches more than it is given.
 struct ROW_FUNCTIONS {
@@ -211,6 +224,5 @@ struct ROW_FUNCTIONS {
   void (*combine_masks)(const RING_LINES<unsigned char>& masks, int length, int count,
                         unsigned char* valid);
 
-  PIXEL_FUNCTIONS<COMPLEX<std::int16_t>> int_16;
-  PIXEL_FUNCTIONS<COMPLEX<std::uint16_t>> binary_16;
+  FUNCTIONS_OF_ALL_PIXELS<PIXEL_CODECS> pixels;
 };

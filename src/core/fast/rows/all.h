@@ -15,6 +15,22 @@
 
 namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
 
+template <class PIXEL>
+constexpr PIXEL_FUNCTIONS<PIXEL> functions_of_pixels = {
+    .decode = DecodeRow,
+    .footprint_filter =
+        [](int length) {
+          return ForLength(length, [](auto taps) -> FOOTPRINT_FILTER<PIXEL> {
+            return FilterFootprint<PIXEL, taps.count>;
+          });
+        },
+    .encode = EncodeRow};
+
+template <class... CODECS>
+constexpr FUNCTIONS_OF_ALL_PIXELS<PIXEL_CODECS> FunctionsOfPixels(CODEC_LIST<CODECS...>) {
+  return {functions_of_pixels<typename CODECS::PIXEL>...};
+}
+
 constexpr ROW_FUNCTIONS all_row_functions = {
     .matrix_positions = MatrixPositions,
     .polynomial_positions = PolynomialPositions,
@@ -44,22 +60,7 @@ constexpr ROW_FUNCTIONS all_row_functions = {
         },
     .filter_mask = FilterMask,
     .combine_masks = CombineMasks,
-    .int_16 = {.decode = DecodeRow,
-               .footprint_filter =
-                   [](int length) {
-                     return ForLength(length, [](auto taps) -> FOOTPRINT_FILTER<INT_16> {
-                       return FilterFootprint<INT_16, taps.count>;
-                     });
-                   },
-               .encode = EncodeRowInt16},
-    .binary_16 = {.decode = DecodeRow,
-                  .footprint_filter =
-                      [](int length) {
-                        return ForLength(length, [](auto taps) -> FOOTPRINT_FILTER<BINARY_16> {
-                          return FilterFootprint<BINARY_16, taps.count>;
-                        });
-                      },
-                  .encode = EncodeRowBinary16},
+    .pixels = FunctionsOfPixels(PIXEL_CODECS()),
 };
 
 }  // namespace

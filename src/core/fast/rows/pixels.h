@@ -7,10 +7,11 @@
 
 namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
 
-// From stored pixels to doubles and back: what the codecs do with single components.
+// From stored pixels to doubles and back: what the codecs do with single components. The codecs'
+// own functions are not called here: the linker would share them.
 
-using INT_16 = COMPLEX<std::int16_t>;
-using BINARY_16 = COMPLEX<std::uint16_t>;
+using INT_16 = INT_16_CODEC::PIXEL;
+using BINARY_16 = BINARY_16_CODEC::PIXEL;
 
 /// Real part in the low half, imaginary part in the high one. Pixels behind a colour map can have
 /// any address, so no reference to one may exist.
@@ -111,7 +112,7 @@ std::uint32_t EncodeBinary16(double value) {
 
 /// Looks at all values first: not every one fits into the integer that it may be converted to.
 template <class PIXEL, class ENCODE>
-bool EncodeRow(CONST_COMPLEX_ROW values, int count, PIXEL* encoded, ENCODE encode) {
+bool EncodeWith(CONST_COMPLEX_ROW values, int count, PIXEL* encoded, ENCODE encode) {
   const double* __restrict re = values.re;
   const double* __restrict im = values.im;
   const auto store = [encoded](int x, std::uint32_t real, std::uint32_t imaginary) {
@@ -134,11 +135,11 @@ bool EncodeRow(CONST_COMPLEX_ROW values, int count, PIXEL* encoded, ENCODE encod
   return false;
 }
 
-bool EncodeRowInt16(CONST_COMPLEX_ROW values, int count, INT_16* encoded) {
-  return EncodeRow(values, count, encoded, EncodeInt16);
+bool EncodeRow(CONST_COMPLEX_ROW values, int count, INT_16* encoded) {
+  return EncodeWith(values, count, encoded, EncodeInt16);
 }
-bool EncodeRowBinary16(CONST_COMPLEX_ROW values, int count, BINARY_16* encoded) {
-  return EncodeRow(values, count, encoded, EncodeBinary16);
+bool EncodeRow(CONST_COMPLEX_ROW values, int count, BINARY_16* encoded) {
+  return EncodeWith(values, count, encoded, EncodeBinary16);
 }
 
 }  // namespace
