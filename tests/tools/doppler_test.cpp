@@ -20,11 +20,16 @@ class DOPPLER_TEST : public COMMAND_TEST {
     std::normal_distribution<double> noise;
     std::vector<VALUE> above(n_samples);
     std::vector<double> turns(n_samples, 0.0);
+    std::vector<std::vector<VALUE>> image(n_lines, std::vector<VALUE>(n_samples));
+    for (std::size_t line = 0; line < n_lines; ++line) {
+      for (std::size_t i = 0; i < n_samples; ++i) {
+        above[i] = 0.6 * above[i] + VALUE(noise(generator), noise(generator));
+        turns[i] += Frequency(static_cast<double>(line) - 0.5, static_cast<double>(i)) / prf;
+        image[line][i] = above[i] * std::polar(1.0, 2.0 * std::numbers::pi * turns[i]);
+      }
+    }
     Complex("slave.ras", n_samples, n_lines, [&](int sample, int line) {
-      const auto i = static_cast<std::size_t>(sample);
-      above[i] = 0.6 * above[i] + VALUE(noise(generator), noise(generator));
-      turns[i] += Frequency(line - 0.5, sample) / prf;
-      return above[i] * std::polar(1.0, 2.0 * std::numbers::pi * turns[i]);
+      return image[static_cast<std::size_t>(line)][static_cast<std::size_t>(sample)];
     });
     WriteFile(Path("insar.pool"),
               "slave_first_rg_time FLT_15 0.005\nslave_first_az_time FLT_15 100\n");

@@ -10,7 +10,7 @@
 #include "common/raster_writer.h"
 #include "support/temporary_directory.h"
 
-/// Makes rasters whose pixels are `pixel(sample, line)`.
+/// Makes rasters whose pixels are `pixel(sample, line)`, which several threads call.
 class IMAGE_TEST : public testing::Test {
  protected:
   using VALUE = std::complex<double>;
