@@ -11,9 +11,12 @@
 
 #include "system/c_locale.h"
 #include "system/held_signals.h"
+#include "system/temporary_file.h"
 #include "system/whole_write.h"
 
 namespace {
+
+constexpr const char* temporary_prefix = "log.";
 
 bool IsRegular(int file, struct stat& status) {
   return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
@@ -61,6 +64,16 @@ std::optional<std::string> Content(const std::string& name) {
   return std::nullopt;
 }
 
+/// Those of killed processes of this user: nobody knows them, and their lines are of no run.
+void RemoveLeftOvers(const char* directory) noexcept {
+  ForEachLeftOver(directory, temporary_prefix, [](const std::string& path, int descriptor) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) == 0 && status.st_uid == ::geteuid()) {
+      ::unlink(path.c_str());
+    }
+  });
+}
+
 std::string Reason(int error) {
   return "reason: " + SystemErrorText(error);
 }
@@ -81,11 +94,13 @@ LOG_FILE::TROUBLE LOG_FILE::Open(const std::string& name) {
   const std::optional<std::string> lines_so_far = Content(temporary_name_);
   if (!lines_so_far) {
     const std::string reason = Reason(errno);
+    KeepTemporaryFile(file_.Get());
     name_ = name;
     Hold(std::move(file));
     return {" can not reopen tmp logging file: " + LeaveTemporary(), reason};
   }
   if (const int error = WriteLines(file.Get(), *lines_so_far); error != 0) {
+    KeepTemporaryFile(file_.Get());
     name_ = LeaveTemporary();
     return {"can not write logging file: " + name, Reason(error), "the log is kept in: " + name_};
   }
@@ -128,8 +143,9 @@ void LOG_FILE::OpenTemporary() {
   // A signal that ended the process between creation and publication would leave the file behind.
   const HELD_SIGNALS held;
   for (const char* directory : {"/tmp/", "/var/tmp/", "./"}) {
-    std::string name = std::string(directory) + "log.XXXXXX";
-    FILE_DESCRIPTOR file = FILE_DESCRIPTOR::CreateTemporary(name.data(), O_APPEND);
+    RemoveLeftOvers(directory);
+    std::string name = std::string(directory) + temporary_prefix + "XXXXXX";
+    FILE_DESCRIPTOR file(CreateTemporaryFile(name.data(), O_APPEND));
     if (file.IsOpen()) {
       temporary_name_ = std::move(name);
       published_temporary_name_ = temporary_name_.c_str();

@@ -26,7 +26,7 @@ PARAMETER_POOL::PARAMETER_POOL(const char* path, int flags) : file_(path, O_RDON
     Log() << ALARM << "parameter file " << path << " is not a regular file!";
     throw CAN_NOT_OPEN_POOL();
   }
-  TellCopiesOfEmptyPool(file_);
+  TellCopiesOfCutPool(file_);
 }
 
 void PARAMETER_POOL::ReadEnumeration(const STRING& key, BASIC::TYPES::ENUM_BASE& value) {

@@ -18,8 +18,9 @@ class PARAMETER_POOL {
   /// A pool without a file; every query is an ALARM line and ERROR_ALGORITHM.
   PARAMETER_POOL();
   /// Opens the file for reading. A directory, a device or pipe, which could be read without end, or
-  /// a file that cannot be opened: ALARM line and CAN_NOT_OPEN_POOL. An empty file beside copies
-  /// that killed updates have left: a WARNING that names each. `flags` is kept for the caller.
+  /// a file that cannot be opened: ALARM line and CAN_NOT_OPEN_POOL. An empty or cut file beside
+  /// copies that killed updates have left: a WARNING that names each. `flags` is kept for the
+  /// caller.
   explicit PARAMETER_POOL(const char* path, int flags = 0);
   PARAMETER_POOL(const PARAMETER_POOL&) = delete;
   PARAMETER_POOL& operator=(const PARAMETER_POOL&) = delete;

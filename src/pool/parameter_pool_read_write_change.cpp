@@ -22,7 +22,7 @@ PARAMETER_POOL_READ_WRITE_CHANGE::PARAMETER_POOL_READ_WRITE_CHANGE(const char* p
     Log() << ALARM << "pool file for update " << path << " is not a regular file!";
     throw CAN_NOT_OPEN_POOL();
   }
-  TellCopiesOfEmptyPool(File());
+  TellCopiesOfCutPool(File());
 }
 
 PARAMETER_POOL_READ_WRITE_CHANGE::~PARAMETER_POOL_READ_WRITE_CHANGE() noexcept(false) {

@@ -6,37 +6,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
 #include "logging/logging.h"
 #include "system/c_locale.h"
-
-namespace {
-
-/// Whether it worked; errno says why not.
-bool TakeLock(int descriptor, int operation) noexcept {
-  int result = 0;
-  do {
-    result = ::flock(descriptor, operation);
-  } while (result != 0 && errno == EINTR);
-  return result == 0;
-}
-
-constexpr std::string_view temporary_prefix = "pool_";
-constexpr std::string_view temporary_suffix = "XXXXXX";
-/// The sticky bit does nothing to a file and no file of a user has it. Here it tells that the file
-/// is or was locked by who created it, so that a mere name like pool_master is not taken for one.
-constexpr mode_t temporary_mode = S_ISVTX | S_IRUSR | S_IWUSR;
-
-bool IsMarkedTemporary(int descriptor) noexcept {
-  struct stat status = {};
-  return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 0 &&
-         (status.st_mode & static_cast<mode_t>(~S_IFMT)) == temporary_mode;
-}
-
-}  // namespace
+#include "system/temporary_file.h"
 
 POOL_FILE::POOL_FILE(const char* name, int flags)
     // Without O_NONBLOCK a FIFO in place of the pool would hang the program.
@@ -45,18 +20,10 @@ POOL_FILE::POOL_FILE(const char* name, int flags)
 POOL_FILE POOL_FILE::CreateTemporary(const std::string& directory) {
   POOL_FILE file;
   file.name_ = directory + (directory.ends_with('/') ? "" : "/");
-  file.name_.append(temporary_prefix).append(temporary_suffix);
-  file.descriptor_ = ::mkostemp(file.name_.data(), O_CLOEXEC);
+  file.name_.append(temporary_prefix).append("XXXXXX");
+  file.descriptor_ = CreateTemporaryFile(file.name_.data(), 0);
   file.is_removed_at_end_ = file.IsOpen();
-  if (file.IsOpen() && TakeLock(file.descriptor_, LOCK_EX | LOCK_NB)) {
-    ::fchmod(file.descriptor_, temporary_mode);
-  }
   return file;
-}
-
-bool POOL_FILE::IsTemporaryName(std::string_view name) noexcept {
-  return name.starts_with(temporary_prefix) &&
-         name.size() == temporary_prefix.size() + temporary_suffix.size();
 }
 
 POOL_FILE::POOL_FILE(POOL_FILE&& other) noexcept {
@@ -88,22 +55,6 @@ bool POOL_FILE::IsDirectory() const noexcept {
 bool POOL_FILE::IsRegular() const noexcept {
   struct stat status = {};
   return ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
-}
-
-bool POOL_FILE::IsEmpty() const noexcept {
-  struct stat status = {};
-  return ::fstat(descriptor_, &status) == 0 && status.st_size == 0;
-}
-
-bool POOL_FILE::IsLeftOver() const noexcept {
-  // First the mark, so that the lock of a file in the making is never tried; then the links once
-  // more, as its process removes the file before it gives the lock back.
-  if (!IsMarkedTemporary(descriptor_) || !TakeLock(descriptor_, LOCK_SH | LOCK_NB)) {
-    return false;
-  }
-  const bool is_left_over = IsMarkedTemporary(descriptor_);
-  ::flock(descriptor_, LOCK_UN);
-  return is_left_over;
 }
 
 bool POOL_FILE::IsAtItsName() const noexcept {

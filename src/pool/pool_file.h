@@ -20,20 +20,15 @@ class POOL_FILE {
   ~POOL_FILE();
 
   /// Creates a file of a unique name, "<directory>/pool_XXXXXX", open for writing. It is removed at
-  /// the end unless `Keep` was called: a failure must not leave files that nobody names. It is
-  /// locked as long as it is open, and marked, so that `IsLeftOver` finds it after a kill.
+  /// the end unless `Keep` was called: a failure must not leave files that nobody names. After a
+  /// kill `ForEachLeftOver` finds it.
   static POOL_FILE CreateTemporary(const std::string& directory);
-  /// Whether a file name, without its directory, is one that `CreateTemporary` could give.
-  static bool IsTemporaryName(std::string_view name) noexcept;
+  static constexpr std::string_view temporary_prefix = "pool_";
   void Keep() noexcept { is_removed_at_end_ = false; }
 
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   bool IsDirectory() const noexcept;
   bool IsRegular() const noexcept;
-  bool IsEmpty() const noexcept;
-  /// Whether `CreateTemporary` made this file and the process that did has gone or given it up.
-  /// Where the file system has no locks no file is.
-  bool IsLeftOver() const noexcept;
   /// Whether a POOL_LOCK holds this file now.
   bool IsLocked() const noexcept { return is_locked_; }
   /// Whether the name still leads to this file.

@@ -1,65 +1,61 @@
 #include "pool/pool_left_overs.h"
 
-#include <dirent.h>
-#include <fcntl.h>
+#include <sys/types.h>
+#include <unistd.h>
 
-#include <memory>
+#include <array>
+#include <cstring>
 #include <string>
 
 #include "base/directory_of.h"
 #include "logging/logging.h"
+#include "system/temporary_file.h"
 
 namespace {
 
 using enum LOGGING_LEVEL_T;
 
-struct DIRECTORY_CLOSING {
-  void operator()(DIR* directory) const noexcept { ::closedir(directory); }
-};
+enum class CONTENT { EMPTY, BEGINNING, OTHER };
 
-/// Links, pipes and devices of such names are not even opened.
-bool CanBeTemporary(const dirent& entry) noexcept {
-  return POOL_FILE::IsTemporaryName(entry.d_name) &&
-         (entry.d_type == DT_REG || entry.d_type == DT_UNKNOWN);
-}
-
-/// Runs the body for each left-over file in the directory of a pool, as long as nothing fails.
-template <class BODY>
-void ForEachLeftOver(const POOL_FILE& pool, BODY body) noexcept {
-  try {
-    const std::string path = DirectoryOf(pool.Name());
-    // The iterator of std::filesystem ends the program where memory for a name fails.
-    const std::unique_ptr<DIR, DIRECTORY_CLOSING> directory(::opendir(path.c_str()));
-    const dirent* entry = nullptr;
-    while (directory != nullptr && (entry = ::readdir(directory.get())) != nullptr) {
-      if (CanBeTemporary(*entry)) {
-        const std::string name = path + (path.ends_with('/') ? "" : "/") + entry->d_name;
-        const POOL_FILE file(name.c_str(), O_RDONLY | O_NOFOLLOW);
-        if (file.IsOpen() && file.IsLeftOver()) {
-          body(file);
-        }
-      }
+/// What a file holds of a copy that is longer.
+CONTENT ContentOf(int file, int copy) noexcept {
+  std::array<char, 4096> bytes{};
+  std::array<char, 4096> bytes_of_copy{};
+  for (off_t offset = 0;;) {
+    const ssize_t length = ::pread(file, bytes.data(), bytes.size(), offset);
+    const ssize_t length_of_copy = ::pread(copy, bytes_of_copy.data(), bytes.size(), offset);
+    if (length < 0 || length_of_copy < length ||
+        std::memcmp(bytes.data(), bytes_of_copy.data(), static_cast<std::size_t>(length)) != 0) {
+      return CONTENT::OTHER;
     }
-  } catch (...) {  // no memory for a name or a line, which no update needs
+    if (length == 0) {
+      const CONTENT beginning = offset == 0 ? CONTENT::EMPTY : CONTENT::BEGINNING;
+      return length_of_copy > 0 ? beginning : CONTENT::OTHER;
+    }
+    offset += length;
   }
 }
 
 }  // namespace
 
-void TellCopiesOfEmptyPool(const POOL_FILE& pool) noexcept {
-  if (!pool.IsEmpty()) {
-    return;
-  }
-  ForEachLeftOver(pool, [&](const POOL_FILE& copy) {
-    if (!copy.IsEmpty()) {
-      Log() << WARNING << "parameter file " << pool.Name()
-            << " is empty; an update that was killed may have left its content in: " << copy.Name();
-    }
-  });
+void TellCopiesOfCutPool(const POOL_FILE& pool) noexcept {
+  ForEachLeftOver(
+      DirectoryOf(pool.Name()), POOL_FILE::temporary_prefix,
+      [&pool](const std::string& copy, int descriptor) {
+        const CONTENT content = ContentOf(pool.Descriptor(), descriptor);
+        if (content == CONTENT::EMPTY) {
+          Log() << WARNING << "parameter file " << pool.Name()
+                << " is empty; an update that was killed may have left its content in: " << copy;
+        } else if (content == CONTENT::BEGINNING) {
+          Log() << WARNING << "parameter file " << pool.Name()
+                << " was cut by an update that was killed; its whole content is in: " << copy;
+        }
+      });
 }
 
 void TellLeftOverFiles(const POOL_FILE& pool) noexcept {
-  ForEachLeftOver(pool, [](const POOL_FILE& file) {
-    Log() << WARNING << "an update of a parameter file that did not end has left: " << file.Name();
-  });
+  ForEachLeftOver(
+      DirectoryOf(pool.Name()), POOL_FILE::temporary_prefix, [](const std::string& path, int) {
+        Log() << WARNING << "an update of a parameter file that did not end has left: " << path;
+      });
 }

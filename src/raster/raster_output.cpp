@@ -11,6 +11,7 @@
 #include "base/error_exception.h"
 #include "logging/logging.h"
 #include "system/c_locale.h"
+#include "system/temporary_file.h"
 
 namespace {
 
@@ -20,11 +21,7 @@ constexpr mode_t permissions = 0666;
 
 /// False with `errno`, EWOULDBLOCK when somebody else has the lock.
 bool TryLock(int descriptor) noexcept {
-  int result = 0;
-  do {
-    result = ::flock(descriptor, LOCK_EX | LOCK_NB);
-  } while (result != 0 && errno == EINTR);
-  return result == 0;
+  return TakeLock(descriptor, LOCK_EX | LOCK_NB);
 }
 
 /// Whether the program that started this one has locked the file for it and handed the lock on with

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <utility>
 
 #include "system/whole_write.h"
@@ -24,12 +23,6 @@ FILE_DESCRIPTOR::FILE_DESCRIPTOR(const char* path, int flags, mode_t permissions
     // Without O_NONBLOCK a FIFO in place of the file would hang the program; files on disk do not
     // mind it.
     : descriptor_(::open(path, flags | O_CLOEXEC | O_NONBLOCK, permissions)) {}
-
-FILE_DESCRIPTOR FILE_DESCRIPTOR::CreateTemporary(char* name, int flags) noexcept {
-  FILE_DESCRIPTOR file;
-  file.descriptor_ = ::mkostemp(name, flags | O_CLOEXEC);
-  return file;
-}
 
 FILE_DESCRIPTOR::FILE_DESCRIPTOR(FILE_DESCRIPTOR&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)) {}

@@ -14,9 +14,8 @@ class FILE_DESCRIPTOR {
   /// Opens a file; `IsOpen` tells whether that succeeded. `permissions` are those of a file that
   /// the flags create.
   FILE_DESCRIPTOR(const char* path, int flags, mode_t permissions = 0) noexcept;
-  /// Creates a file of a unique name, for the user alone, and opens it for reading and writing with
-  /// these flags besides. `name` ends with "XXXXXX", which becomes the file's own.
-  static FILE_DESCRIPTOR CreateTemporary(char* name, int flags) noexcept;
+  /// Takes over an open descriptor, or -1.
+  explicit FILE_DESCRIPTOR(int descriptor) noexcept : descriptor_(descriptor) {}
   FILE_DESCRIPTOR(FILE_DESCRIPTOR&& other) noexcept;
   FILE_DESCRIPTOR& operator=(FILE_DESCRIPTOR&& other) noexcept;
   ~FILE_DESCRIPTOR() { Close(); }

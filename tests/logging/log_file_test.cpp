@@ -3,7 +3,10 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+#include <array>
 
 #include "logging/logging.h"
 #include "support/temporary_directory.h"
@@ -95,9 +98,32 @@ TEST_F(LOG_FILE, TemporaryLogIsKeptAndGoesOnWhenItCanNotBeCopied) {
     EXPECT_EQ(watched.log.FileName(), temporary);
     watched.log.Message(INFO, "late");
   }
+  LOGGING("", "", NO_MESSAGE, DEBUG) << INFO << "another log leaves it alone";
   const std::string kept = ReadFile(temporary);
   EXPECT_TRUE(kept.starts_with("INFO  : resample : early\nALARM") && kept.ends_with(": late\n"));
   std::filesystem::remove(temporary);
+}
+
+TEST_F(LOG_FILE, TemporaryLogOfAKilledProcessGoesWithTheNextOne) {
+  LOGGING living("", "", NO_MESSAGE, DEBUG);
+  living << INFO << "early";
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe(ends.data()), 0);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    LOGGING log("", "", NO_MESSAGE, DEBUG);
+    log << INFO << "early";
+    const std::string name = OpenFile(log);
+    [[maybe_unused]] const ssize_t written = ::write(ends[1], name.data(), name.size());
+    ::raise(SIGKILL);
+  }
+  ::waitpid(child, nullptr, 0);
+  std::string left_over(100, '\0');
+  left_over.resize(static_cast<std::size_t>(::read(ends[0], left_over.data(), 100)));
+  ASSERT_TRUE(std::filesystem::exists(left_over)) << left_over;
+  LOGGING("", "", NO_MESSAGE, DEBUG) << INFO << "next";
+  EXPECT_FALSE(std::filesystem::exists(left_over));
+  EXPECT_TRUE(std::filesystem::exists(OpenFile(living)));
 }
 
 TEST_F(LOG_FILE, LogThatCanNotBeWrittenEndsWithAWholeLineAndOneReport) {

@@ -420,6 +420,22 @@ TEST_F(POOL_UPDATE, ThatWasKilledIsToldWithTheCopyThatItHasLeft) {
   EXPECT_GT(told, emptied + 10);
 }
 
+TEST_F(POOL_UPDATE, ThatWasKilledInMidWriteIsToldAtTheNextOpen) {
+  const std::string copy = (Directory() / "pool_000000").string();
+  WriteFile(copy, merged);
+  ::chmod(copy.c_str(), S_ISVTX | 0600);
+  for (const std::string& whole : {merged, original}) {
+    SetPool(whole);
+    const PARAMETER_POOL pool(Path());
+    EXPECT_EQ(log_.Text().find("WARN"), std::string::npos) << log_.Text();
+  }
+  SetPool(merged.substr(0, merged.size() / 2));
+  const PARAMETER_POOL pool(Path());
+  EXPECT_TRUE(log_.Has(std::string("WARN  : parameter file ") + Path() +
+                       " was cut by an update that was killed; its whole content is in: " + copy))
+      << log_.Text();
+}
+
 TEST_F(POOL_UPDATE, IsNoKilledOneWhileItLastsNorWhereAFileHasSuchAName) {
   const std::string own = (Directory() / "pool_master").string();
   WriteFile(own, original);
@@ -428,7 +444,7 @@ TEST_F(POOL_UPDATE, IsNoKilledOneWhileItLastsNorWhereAFileHasSuchAName) {
   for (int victim = 0; struck; ++victim) {
     SetPool(original);
     const FILE_FAULTS look(any_call, victim, [&] {
-      TellCopiesOfEmptyPool(POOL_FILE(Path(), O_RDONLY));
+      TellCopiesOfCutPool(POOL_FILE(Path(), O_RDONLY));
       TellLeftOverFiles(POOL_FILE(Path(), O_RDONLY));
       return 0;
     });
