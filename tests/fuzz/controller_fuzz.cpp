@@ -117,8 +117,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!expected) {
       expected = configuration.Find(name);
     }
-    Require(controller.GetParameter(name.c_str(), value, true) == expected.has_value() &&
-                (!expected || value == *expected),
+    bool is_found = false;
+    const bool is_taken =
+        Succeeds([&] { is_found = controller.GetParameter(name.c_str(), value, true); });
+    const bool has_nul = expected && expected->find('\0') != std::string::npos;
+    Require(is_taken != has_nul, "a NUL character in the value of " + name);
+    Require(has_nul || (is_found == expected.has_value() && (!expected || value == *expected)),
             "another value than expected of " + name);
   }
   return 0;
