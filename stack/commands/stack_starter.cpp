@@ -26,6 +26,18 @@ std::map<std::string, QUEUE_ENTRY> AnswerOf(const RUN_QUEUE& queue) {
   return *active;
 }
 
+/// "NAME: ", with the number of further slaves where many have the same to tell.
+std::string SubjectOf(const std::vector<std::string>& names) {
+  switch (names.size()) {
+    case 0:
+      return "";
+    case 1:
+      return names[0] + ": ";
+    default:
+      return names[0] + " and " + std::to_string(names.size() - 1) + " more: ";
+  }
+}
+
 }  // namespace
 
 std::vector<std::string> START_OPTIONS::Arguments() const {
@@ -66,14 +78,7 @@ bool STACK_STARTER::Start() {
   stack_.MakeIdentity();
   MakeQueue();
   const STACK_WORK work = Prepare();
-  STACK_START start = {.name = description_.name,
-                       .description = description_.file.string(),
-                       .arguments = options_.Arguments(),
-                       .slaves = {},
-                       .begun = SecondsSince1970()};
-  for (const STACK_SLAVE& slave : description_.slaves) {
-    start.slaves.push_back(slave.name);
-  }
+  const STACK_START start = ThisStart();
   WriteStackStart(stack_, start);
   watch_.emplace(stack_, start);
   const REFUSED_SLAVES refused = Submit(work);
@@ -94,6 +99,18 @@ bool STACK_STARTER::Start() {
   display_.ShowAtEnd({status});
   TellTroubles();
   return AreWantedDone(status);
+}
+
+STACK_START STACK_STARTER::ThisStart() const {
+  STACK_START start = {.name = description_.name,
+                       .description = description_.file.string(),
+                       .arguments = options_.Arguments(),
+                       .slaves = {},
+                       .begun = SecondsSince1970()};
+  for (const STACK_SLAVE& slave : description_.slaves) {
+    start.slaves.push_back(slave.name);
+  }
+  return start;
 }
 
 void STACK_STARTER::MakeQueue() {
@@ -138,9 +155,14 @@ STACK_WORK STACK_STARTER::Prepare() {
                          .scratch = options_.scratch,
                          .only = {options_.only.begin(), options_.only.end()},
                          .again = options_.again};
-  STACK_WORK work = PrepareStack(description_, wishes, ActiveSlaves(wishes));
-  for (const std::string& remark : work.remarks) {
-    std::cerr << PrintableText(remark) << "\n";
+  const std::map<std::string, QUEUE_ENTRY> active = ActiveSlaves(wishes);
+  RemoveStops(description_, wishes.only);
+  if (!std::filesystem::exists(stack_.StartFile())) {
+    WriteStackStart(stack_, ThisStart());  // else `status` and `stop` would know nothing so far
+  }
+  STACK_WORK work = PrepareStack(description_, wishes, active);
+  for (const auto& [remark, names] : work.remarks) {
+    std::cerr << PrintableText(SubjectOf(names) + remark) << "\n";
   }
   troubles_ = work.troubles;
   return work;

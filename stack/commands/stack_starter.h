@@ -12,6 +12,7 @@
 #include "description/stack_folder.h"
 #include "queue/run_queue.h"
 #include "start/preparation.h"
+#include "status/stack_start.h"
 #include "status/stack_status.h"
 
 /// What the command line says of a start.
@@ -43,6 +44,7 @@ class STACK_STARTER {
   bool Start();
 
  private:
+  STACK_START ThisStart() const;
   void MakeQueue();
   /// Active slaves, after those have left the queue whose runs would make something else.
   std::map<std::string, QUEUE_ENTRY> ActiveSlaves(const WISHES& wishes);

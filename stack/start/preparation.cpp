@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
 #include <thread>
 
 #include "app/program_version.h"
@@ -97,7 +98,6 @@ class PREPARATION {
       : stack_(stack), folder_(stack.directory), wishes_(wishes) {}
 
   STACK_WORK Prepare(const std::map<std::string, QUEUE_ENTRY>& active) {
-    fs::create_directories(folder_.StatusDirectory());
     for (const STACK_SLAVE& slave : WantedSlaves(stack_, wishes_.only)) {
       if (active.contains(slave.name)) {
         work_.active.push_back(slave.name);
@@ -127,7 +127,6 @@ class PREPARATION {
       return;
     }
     fs::create_directories(run.Path());
-    fs::remove(run.StopFile());
     fs::remove(run.OkFile());
     WriteSlavePlan(run, plan);
     WriteConfigurationFile(run, plan.RunParameters());
@@ -150,8 +149,14 @@ class PREPARATION {
   }
 
   void Check(const SLAVE_FOLDER& run) {
-    const SLAVE_FINDINGS found = CheckSlave(run);
     SLAVE_RECORD record;
+    if (fs::exists(run.StopFile())) {
+      record.state = SLAVE_STATE::STOPPED;
+      record.reason = "STOP file";
+      WriteSlaveRecord(run, record);
+      return;
+    }
+    const SLAVE_FINDINGS found = CheckSlave(run);
     if (found.failure.empty()) {
       work_.to_run.push_back(run.Name());
       outputs_.insert(outputs_.end(), found.outputs.begin(), found.outputs.end());
@@ -168,15 +173,15 @@ class PREPARATION {
   }
 
   void Remark(const SLAVE_FOLDER& run, const std::string& text) {
-    work_.remarks.push_back(run.Name() + ": " + text);
+    work_.remarks[text].push_back(run.Name());
   }
 
   void RemarkOnDisks() {
     for (const DISK_NEED& need : DiskNeeds(outputs_)) {
       if (need.written > need.available) {
-        work_.remarks.push_back("warning: the outputs on the disk of " + need.path + " take " +
-                                std::to_string(need.written) + " bytes, " +
-                                std::to_string(need.available) + " are free");
+        work_.remarks["warning: the outputs on the disk of " + need.path + " take " +
+                      std::to_string(need.written) + " bytes, " + std::to_string(need.available) +
+                      " are free"];
       }
     }
   }
@@ -216,6 +221,15 @@ std::vector<std::string> OutdatedSlaves(const STACK_DESCRIPTION& stack, const WI
     }
   }
   return outdated;
+}
+
+void RemoveStops(const STACK_DESCRIPTION& stack, const std::set<std::string>& only) {
+  const STACK_FOLDER folder(stack.directory);
+  fs::create_directories(folder.StatusDirectory());
+  for (const STACK_SLAVE& slave : WantedSlaves(stack, only)) {
+    std::error_code ignored;  // one that stays stops its slave
+    fs::remove(folder.Run(slave.name).StopFile(), ignored);
+  }
 }
 
 STACK_WORK PrepareStack(const STACK_DESCRIPTION& stack, const WISHES& wishes,

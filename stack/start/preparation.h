@@ -25,8 +25,9 @@ struct STACK_WORK {
   int finished = 0;
   std::vector<std::string> to_run;
   std::vector<std::string> active;  ///< which an earlier start has submitted
-  /// What a person should know before the runs begin, line by line.
-  std::vector<std::string> remarks;
+  /// What a person should know before the runs begin, and of which slaves; of the whole stack
+  /// where these are none.
+  std::map<std::string, std::vector<std::string>> remarks;
   /// Slaves that cannot be prepared, and why.
   std::map<std::string, std::string> troubles;
 };
@@ -39,9 +40,13 @@ std::vector<STACK_SLAVE> WantedSlaves(const STACK_DESCRIPTION& stack,
 std::vector<std::string> OutdatedSlaves(const STACK_DESCRIPTION& stack, const WISHES& wishes,
                                         const std::map<std::string, QUEUE_ENTRY>& active);
 
+/// Removes the STOP files of an earlier start, for which it makes the folder. Those that come later
+/// are of this start. Throws std::system_error without the folder, and STACK_ERROR as
+/// `WantedSlaves` does.
+void RemoveStops(const STACK_DESCRIPTION& stack, const std::set<std::string>& only);
+
 /// Makes the folders of all wanted slaves that are neither finished nor active, checks their runs
 /// by all that a run would look at before it writes, and leaves those that would fail as failed
-/// with the reason. STOP files of an earlier start go. What goes wrong with one slave is its own
-/// trouble; throws std::exception only when the stack's folder cannot be made.
+/// with the reason. What goes wrong with one slave is its own trouble.
 STACK_WORK PrepareStack(const STACK_DESCRIPTION& stack, const WISHES& wishes,
                         const std::map<std::string, QUEUE_ENTRY>& active);

@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/mount.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -298,6 +301,19 @@ TEST_F(LocalStack, IsWatchedByItsDirectory) {
   EXPECT_NE(watch.end.screen.find("stack: 2 slaves, 2 done, 0 running, 0 failed, 0 waiting"),
             std::string::npos)
       << watch.end.screen;
+}
+
+TEST_F(LocalStack, TakesStatusAndStopWhileItIsPrepared) {
+  MakeStack(2, {});
+  const int pool = ::open(Path("insar.pool").c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(::flock(pool, LOCK_EX), 0);
+  const auto start = StartHere();
+  ASSERT_TRUE(WaitUntil([this] { return fs::exists(Path("stack.stack/runs/s01/plan.json")); }));
+  EXPECT_EQ(InState("waiting"), names);
+  EXPECT_EQ(COMMAND(*this, {"stop", Path("stack.json")}).Wait(), 0);
+  ::close(pool);
+  EXPECT_EQ(start->Wait(), 1);
+  EXPECT_EQ(InState("stopped"), names);
 }
 
 TEST_F(LocalStack, RefusesWhatItCanNotDo) {
