@@ -31,6 +31,12 @@ struct INT_16_CODEC {
     }
     return static_cast<COMPONENT>(value > 0.0 ? value + 0.5 : value - 0.5);
   }
+
+  /// Whether it stands at an end of the range, as what lies beyond is stored.
+  static bool IsAtEnd(COMPONENT component) noexcept {
+    return component == 32767 || component == -32768;
+  }
+  static bool IsFinite(COMPONENT) noexcept { return true; }
 };
 
 /// Component of a complex binary16 pixel, by the format's own rules: no subnormal numbers and no
@@ -86,6 +92,9 @@ struct BINARY_16_CODEC {
     }
     return static_cast<COMPONENT>(sign | ((exponent - 0x3F0) & 0x1FU) << 10 | (mantissa & 0x3FFU));
   }
+
+  static bool IsAtEnd(COMPONENT component) noexcept { return (component & 0x7FFFU) == 0x7BFF; }
+  static bool IsFinite(COMPONENT component) noexcept { return (component & 0x7FFFU) <= 0x7BFF; }
 };
 
 template <class... CODECS>

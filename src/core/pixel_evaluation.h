@@ -14,6 +14,12 @@ struct INTERPOLATED {
   double re = 0.0;
   double im = 0.0;
   unsigned char valid = 1;
+
+  /// Otherwise it comes from pixels or centroids that are infinite, no number or very large.
+  bool IsUsual() const {
+    constexpr double limit = 0x1p30;
+    return std::abs(re) < limit && std::abs(im) < limit;
+  }
 };
 
 /// The evaluation of single pixels in double precision and in the documented order of operations.

@@ -3,6 +3,8 @@
 #include <limits>
 
 #include "base/error_exception.h"
+#include "base/unaligned.h"
+#include "core/codec_visit.h"
 #include "logging/logging.h"
 
 using enum LOGGING_LEVEL_T;
@@ -22,6 +24,23 @@ void RESAMPLE_INPUT::CheckMask() const {
           << mask.Height() << " != " << slave.Width() << "x" << slave.Height();
     throw ERROR_DATA();
   }
+}
+
+std::int64_t RESAMPLE_INPUT::CountNonFinite() const {
+  const unsigned char* const* valid = HasMask() ? mask.Rows<unsigned char>() : nullptr;
+  std::int64_t count = 0;
+  VisitCodec(slave.PixelType(), [&]<class CODEC>(CODEC) {
+    const auto* const* pixels = slave.Rows<typename CODEC::PIXEL>();
+    for (std::int64_t line = 0; line < slave.Height(); ++line) {
+      for (std::int64_t sample = 0; sample < slave.Width(); ++sample) {
+        const typename CODEC::PIXEL pixel = LoadUnaligned(pixels[line] + sample);
+        if (valid == nullptr || valid[line][sample] != 0) {
+          count += (CODEC::IsFinite(pixel.re) ? 0 : 1) + (CODEC::IsFinite(pixel.im) ? 0 : 1);
+        }
+      }
+    }
+  });
+  return count;
 }
 
 RESAMPLE_JOB RESAMPLE_INPUT::Job(RESAMPLE_OUTPUT& output) const {

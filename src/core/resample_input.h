@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "annotation/annotation_types.h"
@@ -39,6 +40,9 @@ struct RESAMPLE_INPUT {
   void CheckSlave() const;
   /// Throws ERROR_DATA for a mask of another size than the slave's.
   void CheckMask() const;
+
+  /// Components of the slave that are infinite or no number, where the mask is valid.
+  std::int64_t CountNonFinite() const;
 
   /// The job of the core, which borrows from here and from the output. Throws ERROR_ARGUMENT when a
   /// part has not been filled or a raster of the output has not the output's size, and what the

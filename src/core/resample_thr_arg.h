@@ -10,6 +10,12 @@
 #include "mapping/mapping_base.h"
 #include "raster/mem_mgr.h"
 
+/// What the workers of a resampling find in its pixels, together.
+struct RESAMPLE_FINDINGS {
+  std::atomic<std::int64_t> at_ends = 0;     ///< components stored as an end of their type's range
+  std::atomic<bool> met_non_finite = false;  ///< or magnitudes of 2^30 and more, before encoding
+};
+
 /// One resampling as the workers see it. Everything is borrowed, see `RESAMPLE_INPUT`, and kept
 /// alive until the workers are joined, and only the output rasters are written.
 struct RESAMPLE_JOB {
@@ -28,6 +34,7 @@ struct RESAMPLE_JOB {
   bool ps_mode = false;
   /// Counts the pixels that the workers are done with; null when nobody watches.
   std::atomic<std::int64_t>* pixels_done = nullptr;
+  RESAMPLE_FINDINGS* findings = nullptr;  ///< null when nobody asks
 
   /// Whether the phase of the Doppler centroid has a quadratic term.
   bool HasRateTerm() const { return !ps_mode && !imaging_mode->IsStripmap(); }

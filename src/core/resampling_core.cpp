@@ -1,5 +1,6 @@
 #include "core/resampling_core.h"
 
+#include "core/block_findings.h"
 #include "core/codec_visit.h"
 #include "core/pixel_evaluation.h"
 #include "core/progress.h"
@@ -14,6 +15,7 @@ void ResampleAs(CODEC, const RESAMPLE_THR_ARG& argument) {
   PIXEL* const* output = job.output_slave->Rows<PIXEL>();
   unsigned char* const* output_mask =
       job.output_mask != nullptr ? job.output_mask->Rows<unsigned char>() : nullptr;
+  BLOCK_FINDINGS findings(job);
 
   for (unsigned line = argument.block.First(); line <= argument.block.Last(); ++line) {
     LogProgress(argument, line);
@@ -24,7 +26,10 @@ void ResampleAs(CODEC, const RESAMPLE_THR_ARG& argument) {
         continue;
       }
       const INTERPOLATED result = evaluation.At(slave_range, slave_azimuth);
-      output[line][sample] = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
+      const typename CODEC::PIXEL pixel = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
+      output[line][sample] = pixel;
+      findings.CountAtEnds<CODEC>(pixel);
+      findings.met_non_finite |= !result.IsUsual();
       if (output_mask != nullptr) {
         output_mask[line][sample] = result.valid;
       }

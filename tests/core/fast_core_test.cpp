@@ -24,13 +24,13 @@ struct VALUE {
 std::vector<VALUE> recorded;
 
 template <class PIXEL>
-bool Record(CONST_COMPLEX_ROW values, int count, PIXEL* encoded) {
+ENCODED_ROW Record(CONST_COMPLEX_ROW values, int count, PIXEL* encoded) {
   for (int x = 0; x < count; ++x) {
     const auto number = static_cast<std::uint32_t>(recorded.size());
     recorded.push_back({values.re[x], values.im[x]});
     std::memcpy(static_cast<void*>(encoded + x), &number, sizeof(number));
   }
-  return true;
+  return {true, 0};
 }
 
 /// Sum over the footprint of |weight| (|re| + |im|): what rounding errors grow with.

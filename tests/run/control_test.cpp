@@ -118,7 +118,8 @@ TEST(RunLog, MatrixRunWithMasksAndForcedMappingIsToldInOrder) {
     expected.push_back(std::to_string(percent) + " % done");
   }
   expected.insert(expected.end(),
-                  {"* Memory de-allocation", stars, "end time: TIME", "execution time: TIME"});
+                  {"  - Saturated output components: 0, non-finite inputs under valid mask: 0",
+                   "* Memory de-allocation", stars, "end time: TIME", "execution time: TIME"});
   EXPECT_EQ(LogWithoutTimes(folder), expected);
 }
 

@@ -14,15 +14,45 @@ using testing::Range;
 /// The ways to resample. One that the processor lacks is replaced by the fastest that it has.
 constexpr std::array variants = {"plain", "x86-64", "x86-64-v3", "x86-64-v4"};
 
+/// Whether the log tells how many components the scene and its output have that a user should know
+/// of. Non-finite ones of the slave are only looked for when they have reached the output.
+void ExpectFindings(const SCENE& scene, const GRID<RAW_PIXEL>& image, const RUN_FOLDER& folder) {
+  const bool is_integer = scene.code == PIXEL_CODE::INT_16;
+  int at_ends = 0;
+  bool is_reached = false;
+  for (const RAW_PIXEL& pixel : image.values) {
+    for (const std::uint16_t part : {pixel.re, pixel.im}) {
+      const unsigned magnitude = part & 0x7FFFU;
+      at_ends += (is_integer ? part == 0x7FFF || part == 0x8000 : magnitude == 0x7BFF) ? 1 : 0;
+      is_reached |= !is_integer && magnitude > 0x7BFF;
+    }
+  }
+  int non_finite = 0;
+  for (std::size_t i = 0; i < scene.slave.values.size() && !is_integer; ++i) {
+    const RAW_PIXEL pixel = scene.slave.values[i];
+    const int of_pixel =
+        ((pixel.re & 0x7FFFU) > 0x7BFF ? 1 : 0) + ((pixel.im & 0x7FFFU) > 0x7BFF ? 1 : 0);
+    non_finite += !scene.mask || scene.mask->values[i] != 0 ? of_pixel : 0;
+  }
+  const std::string begin =
+      "  - Saturated output components: " + std::to_string(at_ends) + ", non-finite inputs under ";
+  const auto told = [&](int count) {
+    const auto lines = folder.LogLines(info_begin + begin);
+    return lines == std::vector<std::string>{"valid mask: " + std::to_string(count)};
+  };
+  EXPECT_TRUE(told(non_finite) || (!is_reached && told(0))) << begin << non_finite;
+}
+
 /// Runs the program in the folder and compares its outputs with the model. `number` chooses the
 /// variant and the number of workers.
 MODEL_COMPARISON RunAndCompare(const SCENE& scene, RUN_FOLDER& folder, unsigned number) {
   folder.environment["PARALLEL"] = std::to_string(number % 7 + 1);
   folder.environment["RESAMPLE_SIMD"] = variants[number % variants.size()];
   ExpectSuccess(folder, folder.Run());
-  return CompareWithModel(scene,
-                          ReadRaster<RAW_PIXEL>(folder.Path("out.ras"), scene.n_samples,
-                                                scene.n_lines, scene.RasterType()),
+  const auto image = ReadRaster<RAW_PIXEL>(folder.Path("out.ras"), scene.n_samples, scene.n_lines,
+                                           scene.RasterType());
+  ExpectFindings(scene, image, folder);
+  return CompareWithModel(scene, image,
                           ReadRaster<std::uint8_t>(folder.Path("out_mask.ras"), scene.n_samples,
                                                    scene.n_lines, RASTER_BYTE));
 }

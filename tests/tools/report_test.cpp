@@ -123,6 +123,7 @@ TEST_F(REPORT_TEST, OpensWithTheQualityOfTheOutput) {
             "fdc_poly_rg_ref_time FLT_15_V 0 2\n{\n0\n0\n}\n"
             "fdc_poly_coeff FLT_15_M 0 2 0 1\n{\n{\n250\n}\n{\n250\n}\n}\n");
   Log(parameters + good_end +
+      "INFO    - Saturated output components: 12, non-finite inputs under valid mask: 7\n"
       "INFO     - Mapping type   : polynomial\n"
       "INFO     - InsarPoolName  : insar.pool\n"
       "INFO     - SlavePoolName  : slave.pool\n");
@@ -138,8 +139,10 @@ TEST_F(REPORT_TEST, OpensWithTheQualityOfTheOutput) {
       page_of(PIXEL_TYPE::C_FLT_6, [&](int x, int y) { return noise(0.17, x, y); });
   EXPECT_EQ(Count(bad, misfit), 1U);
   EXPECT_EQ(Count(bad, "Saturated components: pixels of the output"), 1U);
-  for (const char* text : {"<dd>250 to 250 Hz, 0.25 to 0.25 PRF</dd>",
-                           "<dd>2.5 to 6.4 samples</dd>", "<dd>-1 to -1 lines</dd>"}) {
+  for (const char* text :
+       {"<dd>250 to 250 Hz, 0.25 to 0.25 PRF</dd>", "<dd>2.5 to 6.4 samples</dd>",
+        "<dd>-1 to -1 lines</dd>", "<dt>Saturated, by the run</dt><dd>12</dd>",
+        "<dt>Non-finite inputs</dt><dd>7</dd>"}) {
     EXPECT_NE(bad.find(text), std::string::npos) << text;
   }
   const std::string fringes = page_of(PIXEL_TYPE::C_INT_16, [&](int x, int y) {

@@ -190,6 +190,17 @@ void MeasureValues(const RUN_RECORD& run, QUALITY& quality) {
        ShareText(saturated, 2 * amplitudes.Total()) + " (" + std::to_string(saturated) + ")", ""});
 }
 
+/// What the run itself has counted; logs of older runs do not tell.
+void AddFindings(const RUN_RECORD& run, QUALITY& quality) {
+  constexpr std::string_view separator = ", non-finite inputs under valid mask: ";
+  const std::string text = run.Log().After("  - Saturated output components: ").value_or("");
+  const std::size_t end = text.find(separator);
+  if (end != std::string::npos) {
+    quality.figures.push_back({"Saturated, by the run", text.substr(0, end), ""});
+    quality.figures.push_back({"Non-finite inputs", text.substr(end + separator.size()), ""});
+  }
+}
+
 /// Fills the input as the run had it, as far as the centroid and the shifts need it.
 void FillInput(const RUN_RECORD& run, RESAMPLE_INPUT& input) {
   const auto limit = std::int64_t{std::numeric_limits<int>::max()};
@@ -236,6 +247,7 @@ QUALITY MeasureQuality(const RUN_RECORD& run, const std::string& master) {
   }
   Try(quality, "Valid pixels", [&] { MeasureValidShare(run, quality); });
   Try(quality, "Saturated components", [&] { MeasureValues(run, quality); });
+  AddFindings(run, quality);
   Try(quality, "Centroid and shifts", [&] { MeasurePhysics(run, quality); });
   return quality;
 }

@@ -157,15 +157,21 @@ using FOOTPRINT_FILTER = void (*)(const PIXEL* const* lines, std::int64_t sample
                                   const double* weights, int length, int line_count,
                                   const SUM_LINES& sums);
 
+/// What is to be known of a row that has been encoded.
+struct ENCODED_ROW {
+  /// False when a component is no number or has a magnitude of 2^30 or more; what was encoded for
+  /// such components is then of no use.
+  bool is_complete;
+  int at_ends;  ///< components that stand at an end of their type's range
+};
+
 /// The functions that depend on the kind of pixels.
 template <class PIXEL>
 struct PIXEL_FUNCTIONS {
   /// Converts any number of pixels.
   void (*decode)(const PIXEL* pixels, int count, COMPLEX_ROW decoded);
   FOOTPRINT_FILTER<PIXEL> (*footprint_filter)(int length);
-  /// Encodes a row. Returns false when a component is no number or has a magnitude of 2^30 or
-  /// more; what was encoded for such components is then of no use.
-  bool (*encode)(CONST_COMPLEX_ROW values, int count, PIXEL* encoded);
+  ENCODED_ROW (*encode)(CONST_COMPLEX_ROW values, int count, PIXEL* encoded);
 };
 
 template <class LIST>

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
+#include <cstdint>
 
+#include "base/unaligned.h"
+#include "core/block_findings.h"
 #include "core/fast/azimuth_sums.h"
 #include "core/fast/column_tracker.h"
 #include "core/fast/deramp_phasors.h"
@@ -31,6 +33,7 @@ class STRIP {
         functions_(functions),
         pixel_functions_(pixel_functions),
         evaluation_(job, input),
+        findings_(job),
         length_(evaluation_.Footprint().Length()),
         with_validity_(job.input_mask != nullptr && job.output_mask != nullptr),
         columns_(job, evaluation_.Footprint(), functions),
@@ -83,16 +86,37 @@ class STRIP {
 
   void StorePixels() {
     PIXEL* pixels = output_[columns_.Line()] + first_column_;
-    bool is_encoded = false;
     if (columns_.Computed() == COLUMN_SET::First(strip_columns)) {
-      is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, pixels);
+      const ENCODED_ROW row =
+          pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, pixels);
+      if (row.is_complete) {
+        findings_.at_ends += row.at_ends;
+        return;
+      }
     } else {
       PIXEL encoded[strip_columns];
-      is_encoded = pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, encoded);
+      const ENCODED_ROW row =
+          pixel_functions_.encode(azimuth_sums_.Values(), strip_columns, encoded);
       CopyComputed(encoded, pixels);
+      if (row.is_complete && row.at_ends == 0) {
+        return;
+      }
     }
-    if (!is_encoded) {
-      EvaluateSingly(pixels);
+    LookAtSingly(pixels);
+  }
+
+  /// Completes and counts what the row functions could not. Values that are not usual are evaluated
+  /// anew: the order of operations matters to them.
+  void LookAtSingly(PIXEL* pixels) {
+    const CONST_COMPLEX_ROW values = azimuth_sums_.Values();
+    for (const int x : columns_.Computed()) {
+      if (!INTERPOLATED{values.re[x], values.im[x]}.IsUsual()) {
+        const INTERPOLATED result =
+            evaluation_.At(columns_.SlaveRange()[x], columns_.SlaveAzimuth()[x]);
+        pixels[x] = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
+        findings_.met_non_finite = true;
+      }
+      findings_.CountAtEnds<CODEC>(LoadUnaligned(pixels + x));
     }
   }
 
@@ -135,27 +159,13 @@ class STRIP {
     }
   }
 
-  /// Values that are infinite, no number or very large come from such pixels or centroids, for
-  /// which the order of operations matters.
-  void EvaluateSingly(PIXEL* pixels) {
-    const CONST_COMPLEX_ROW values = azimuth_sums_.Values();
-    constexpr double limit = 0x1p30;
-    for (const int x : columns_.Computed()) {
-      const bool is_usual = std::abs(values.re[x]) < limit && std::abs(values.im[x]) < limit;
-      if (!is_usual) {
-        const INTERPOLATED result =
-            evaluation_.At(columns_.SlaveRange()[x], columns_.SlaveAzimuth()[x]);
-        pixels[x] = {CODEC::Encode(result.re), CODEC::Encode(result.im)};
-      }
-    }
-  }
-
   PIXEL* const* output_;
   unsigned char* const* output_mask_;
   const int output_width_;
   const ROW_FUNCTIONS& functions_;
   const PIXEL_FUNCTIONS<PIXEL>& pixel_functions_;
   const PIXEL_EVALUATION<CODEC> evaluation_;
+  BLOCK_FINDINGS findings_;
   const int length_;
   const bool with_validity_;  ///< whether the mask of the output differs from ones
   COLUMN_TRACKER columns_;

@@ -77,16 +77,13 @@ COMPLEX_PAIRS DecodePairs(const BINARY_16* const* pixels) {
   return ToDouble(reinterpret_cast<FLOATS>(bits));
 }
 
-/// Bits whose bit 62 is set for infinities, NaN and magnitudes of 2^30 and more.
+/// Bits whose bit 62 is set for infinities, NaN and magnitudes of 2^exponent and more.
+template <int exponent>
 std::uint64_t Bits(double value) {
-  return __builtin_bit_cast(std::uint64_t, value * 0x1p-29);
+  constexpr double scale = 2.0 / static_cast<double>(std::uint64_t{1} << exponent);
+  return __builtin_bit_cast(std::uint64_t, value * scale);
 }
 constexpr std::uint64_t too_large = std::uint64_t{1} << 62;
-
-/// Any number of a magnitude below 2^30 in place of one for which `Bits` has bit 62 set.
-double Replaced(double value) {
-  return (Bits(value) & too_large) == 0 ? value : 0.0;
-}
 
 /// Rounds half away from zero and saturates; for magnitudes below 2^30.
 std::uint32_t EncodeInt16(double value) {
@@ -110,36 +107,66 @@ std::uint32_t EncodeBinary16(double value) {
   return static_cast<std::uint32_t>(half & -static_cast<std::int32_t>(rounded >= smallest));
 }
 
-/// Looks at all values first: not every one fits into the integer that it may be converted to.
-template <class PIXEL, class ENCODE>
-bool EncodeWith(CONST_COMPLEX_ROW values, int count, PIXEL* encoded, ENCODE encode) {
-  const double* __restrict re = values.re;
-  const double* __restrict im = values.im;
-  const auto store = [encoded](int x, std::uint32_t real, std::uint32_t imaginary) {
-    const std::uint32_t word = (real & 0xFFFFU) | imaginary << 16;
-    __builtin_memcpy(static_cast<void*>(encoded + x), &word, sizeof(word));
-  };
-  std::uint64_t all_bits = 0;
-  for (int x = 0; x < count; ++x) {
-    all_bits |= Bits(re[x]) | Bits(im[x]);
-  }
-  if ((all_bits & too_large) == 0) {
-    for (int x = 0; x < count; ++x) {
-      store(x, encode(re[x]), encode(im[x]));
-    }
-    return true;
-  }
-  for (int x = 0; x < count; ++x) {
-    store(x, encode(Replaced(re[x])), encode(Replaced(im[x])));
-  }
-  return false;
+template <class PIXEL>
+void Store(PIXEL* pixel, std::uint32_t real, std::uint32_t imaginary) {
+  const std::uint32_t word = (real & 0xFFFFU) | imaginary << 16;
+  __builtin_memcpy(static_cast<void*>(pixel), &word, sizeof(word));
 }
 
-bool EncodeRow(CONST_COMPLEX_ROW values, int count, INT_16* encoded) {
-  return EncodeWith(values, count, encoded, EncodeInt16);
+/// For any values. Not every one fits into the integer that it may be converted to.
+template <class PIXEL, class CODE>
+ENCODED_ROW EncodeLarge(CONST_COMPLEX_ROW values, int count, PIXEL* encoded, CODE code) {
+  const auto replaced = [](double value) {
+    return (Bits<30>(value) & too_large) == 0 ? value : 0.0;
+  };
+  std::uint64_t all_bits = 0;
+  int at_ends = 0;
+  for (int x = 0; x < count; ++x) {
+    all_bits |= Bits<30>(values.re[x]) | Bits<30>(values.im[x]);
+    const std::uint32_t real = code.Encode(replaced(values.re[x]));
+    const std::uint32_t imaginary = code.Encode(replaced(values.im[x]));
+    Store(encoded + x, real, imaginary);
+    at_ends += (code.IsAtEnd(real) ? 1 : 0) + (code.IsAtEnd(imaginary) ? 1 : 0);
+  }
+  return {(all_bits & too_large) == 0, at_ends};
 }
-bool EncodeRow(CONST_COMPLEX_ROW values, int count, BINARY_16* encoded) {
-  return EncodeWith(values, count, encoded, EncodeBinary16);
+
+/// Looks at all values first: usually none comes near an end of the range.
+template <class PIXEL, class CODE>
+ENCODED_ROW EncodeWith(CONST_COMPLEX_ROW values, int count, PIXEL* encoded, CODE code) {
+  const double* __restrict re = values.re;
+  const double* __restrict im = values.im;
+  std::uint64_t all_bits = 0;
+  for (int x = 0; x < count; ++x) {
+    all_bits |= Bits<CODE::safe_exponent>(re[x]) | Bits<CODE::safe_exponent>(im[x]);
+  }
+  if ((all_bits & too_large) != 0) {
+    return EncodeLarge(values, count, encoded, code);
+  }
+  for (int x = 0; x < count; ++x) {
+    Store(encoded + x, code.Encode(re[x]), code.Encode(im[x]));
+  }
+  return {true, 0};
+}
+
+struct INT_16_CODE {
+  static constexpr int safe_exponent = 14;  ///< smaller magnitudes are far from either end
+  static std::uint32_t Encode(double value) { return EncodeInt16(value); }
+  static bool IsAtEnd(std::uint32_t code) {
+    return ((code + 0x8001U) & 0xFFFFU) <= 1;  // 0x7FFF and 0x8000
+  }
+};
+struct BINARY_16_CODE {
+  static constexpr int safe_exponent = 15;
+  static std::uint32_t Encode(double value) { return EncodeBinary16(value); }
+  static bool IsAtEnd(std::uint32_t code) { return (code & 0x7FFFU) == largest_finite; }
+};
+
+ENCODED_ROW EncodeRow(CONST_COMPLEX_ROW values, int count, INT_16* encoded) {
+  return EncodeWith(values, count, encoded, INT_16_CODE());
+}
+ENCODED_ROW EncodeRow(CONST_COMPLEX_ROW values, int count, BINARY_16* encoded) {
+  return EncodeWith(values, count, encoded, BINARY_16_CODE());
 }
 
 }  // namespace
