@@ -70,14 +70,12 @@ void InsertColourMap(const std::string& path, std::size_t length) {
   WriteFile(path, bytes.insert(raster_header_size, length, 'x'));
 }
 
-constexpr unsigned scenes_in_a_block = 64;
-
 class RandomScenes : public testing::TestWithParam<unsigned> {};
 
 TEST_P(RandomScenes, EveryComponentAndEveryMaskByteIsTheModels) {
   int computed = 0;
   int valid = 0;
-  for (unsigned seed = GetParam(); seed < GetParam() + scenes_in_a_block; ++seed) {
+  for (unsigned seed = GetParam(); seed < GetParam() + SceneCombinations(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     const MODEL_COMPARISON comparison = RunAndCompare(RandomScene(seed), seed);
     ASSERT_EQ(comparison.difference, "");
@@ -90,7 +88,7 @@ TEST_P(RandomScenes, EveryComponentAndEveryMaskByteIsTheModels) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomScenes,
-                         Range(0U, repetitions* scenes_in_a_block, scenes_in_a_block));
+                         Range(0U, repetitions* SceneCombinations(), SceneCombinations()));
 
 /// A change to the ordinary scene and how much of it can be computed.
 struct SPECIAL_SCENE {

@@ -4,18 +4,22 @@
 #include <cmath>
 #include <complex>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
-#include "core/pixel_codec.h"
+#include "core/codec_visit.h"
 
 namespace {
 
 // The codecs are the program's own: their every pattern is compared with its definition elsewhere.
 
 /// The number that a component stands for.
-double Decode(PIXEL_CODE code, std::uint16_t bits) {
-  return code == PIXEL_CODE::INT_16 ? INT_16_CODEC::Decode(static_cast<std::int16_t>(bits))
-                                    : BINARY_16_CODEC::Decode(bits);
+double Decode(PIXEL_TYPE type, std::uint16_t bits) {
+  double number = 0.0;
+  VisitCodec(type, [&]<class CODEC>(CODEC) {
+    number = CODEC::Decode(static_cast<typename CODEC::COMPONENT>(bits));
+  });
+  return number;
 }
 
 constexpr double pi = 3.141592653589793;
@@ -31,10 +35,12 @@ struct MODEL_PIXEL {
   long double magnitude = 0.0L;
 };
 
-std::uint16_t Encode(PIXEL_CODE code, long double value) {
-  const auto rounded = static_cast<double>(value);
-  return code == PIXEL_CODE::INT_16 ? static_cast<std::uint16_t>(INT_16_CODEC::Encode(rounded))
-                                    : BINARY_16_CODEC::Encode(rounded);
+std::uint16_t Encode(PIXEL_TYPE type, long double value) {
+  std::uint16_t bits = 0;
+  VisitCodec(type, [&]<class CODEC>(CODEC) {
+    bits = static_cast<std::uint16_t>(CODEC::Encode(static_cast<double>(value)));
+  });
+  return bits;
 }
 
 // ------------------------------------------------------------------- mapping
@@ -125,7 +131,10 @@ double KernelValue(const SCENE& scene, double x) {
     return KaiserSinc(x, coefficient < 0 ? 0.0F : coefficient,
                       static_cast<float>(scene.kernel_length));
   }
-  return 0.0;
+  if (scene.kernel_type == "-") {
+    return 0.0;
+  }
+  throw std::invalid_argument("kernel without a formula: " + scene.kernel_type);
 }
 
 int KernelLength(const SCENE& scene) {
@@ -234,8 +243,8 @@ MODEL_PIXEL Interpolate(const SCENE& scene, const POSITION& position) {
       const double weight =
           range_weights[static_cast<std::size_t>(j)] * azimuth_weights[static_cast<std::size_t>(k)];
       const RAW_PIXEL& raw = scene.slave.At(sample, line);
-      const double raw_re = Decode(scene.code, raw.re);
-      const double raw_im = Decode(scene.code, raw.im);
+      const double raw_re = Decode(scene.pixel_type, raw.re);
+      const double raw_im = Decode(scene.pixel_type, raw.im);
       re += static_cast<long double>(raw_re) * weight;
       im += static_cast<long double>(raw_im) * weight;
       pixel.magnitude += std::abs(weight) * (std::abs(raw_re) + std::abs(raw_im));
@@ -250,19 +259,16 @@ MODEL_PIXEL Interpolate(const SCENE& scene, const POSITION& position) {
 
 // ---------------------------------------------------------------- comparison
 
-bool IsNan(PIXEL_CODE code, std::uint16_t bits) {
-  return code == PIXEL_CODE::BINARY_16 && (bits & 0x7FFF) == 0x7FFF;
-}
-
 /// Everything that lies within the rounding errors of the sum is right.
-bool IsRight(PIXEL_CODE code, std::uint16_t bits, long double expected, long double magnitude) {
+bool IsRight(PIXEL_TYPE type, std::uint16_t bits, long double expected, long double magnitude) {
+  const std::uint16_t encoded = Encode(type, expected);
   if (!std::isfinite(expected)) {
-    const std::uint16_t encoded = Encode(code, expected);
-    return bits == encoded || (IsNan(code, bits) && IsNan(code, encoded));
+    const bool is_nan = std::isnan(Decode(type, encoded));
+    return bits == encoded || (is_nan && (bits ^ encoded) == 0x8000);  // of either sign
   }
   const long double error = 1e-12L * magnitude;
-  return bits == Encode(code, expected) || bits == Encode(code, expected - error) ||
-         bits == Encode(code, expected + error);
+  return bits == encoded || bits == Encode(type, expected - error) ||
+         bits == Encode(type, expected + error);
 }
 
 MODEL_PIXEL PixelAt(const SCENE& scene, int sample, int line) {
@@ -284,8 +290,8 @@ MODEL_COMPARISON CompareWithModel(const SCENE& scene, const GRID<RAW_PIXEL>& ima
       const MODEL_PIXEL expected = PixelAt(scene, sample, line);
       const RAW_PIXEL& pixel = image.At(sample, line);
       const std::uint8_t valid = mask.At(sample, line);
-      const bool right = IsRight(scene.code, pixel.re, expected.re, expected.magnitude) &&
-                         IsRight(scene.code, pixel.im, expected.im, expected.magnitude) &&
+      const bool right = IsRight(scene.pixel_type, pixel.re, expected.re, expected.magnitude) &&
+                         IsRight(scene.pixel_type, pixel.im, expected.im, expected.magnitude) &&
                          valid == expected.valid;
       comparison.computed_pixels += expected.computed ? 1 : 0;
       comparison.valid_pixels += expected.valid;
@@ -294,7 +300,7 @@ MODEL_COMPARISON CompareWithModel(const SCENE& scene, const GRID<RAW_PIXEL>& ima
         text << "sample " << sample << " line " << line << ": expected "
              << std::complex(expected.re, expected.im) << ", mask " << int{expected.valid}
              << "; found "
-             << std::complex(Decode(scene.code, pixel.re), Decode(scene.code, pixel.im))
+             << std::complex(Decode(scene.pixel_type, pixel.re), Decode(scene.pixel_type, pixel.im))
              << ", mask " << int{valid};
         comparison.difference = text.str();
       }

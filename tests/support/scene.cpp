@@ -5,6 +5,9 @@
 #include <limits>
 #include <random>
 
+#include "core/codec_visit.h"
+#include "interpolation/kernel_shape.h"
+
 namespace {
 
 /// Draws for a scene; everything follows from the seed.
@@ -30,6 +33,11 @@ class DRAW {
   std::mt19937_64 engine_;
 };
 
+template <class... CODECS>
+constexpr auto PixelTypes(CODEC_LIST<CODECS...>) {
+  return std::array{CODECS::pixel_type...};
+}
+
 constexpr float infinite = std::numeric_limits<float>::infinity();
 constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
 
@@ -44,11 +52,23 @@ std::uint16_t DrawBinary16(DRAW& draw, int least_exponent, int greatest_exponent
                                     draw.Integer(0, 1023));
 }
 
-/// A way to draw components: ordinary amplitudes, tiny ones, or ones that saturate the sums.
-std::uint16_t DrawComponent(DRAW& draw, PIXEL_CODE code, int kind) {
-  if (code == PIXEL_CODE::INT_16) {
-    return DrawInteger16(draw, kind == 0 ? 3000 : kind == 1 ? 4 : 32767);
-  }
+// What is told of each codec: its type word, ways to draw components - ordinary amplitudes, tiny
+// ones, or ones that saturate the sums - and those that are no finite numbers.
+
+RASTER_TYPE TypeWordOf(INT_16_CODEC) {
+  return RASTER_COMPLEX_INT_16;
+}
+std::uint16_t DrawComponent(DRAW& draw, INT_16_CODEC, int kind) {
+  return DrawInteger16(draw, kind == 0 ? 3000 : kind == 1 ? 4 : 32767);
+}
+std::initializer_list<std::uint16_t> InfiniteComponents(INT_16_CODEC) {
+  return {};
+}
+
+RASTER_TYPE TypeWordOf(BINARY_16_CODEC) {
+  return RASTER_COMPLEX_BINARY_16;
+}
+std::uint16_t DrawComponent(DRAW& draw, BINARY_16_CODEC, int kind) {
   switch (kind) {
     case 0:
       return DrawBinary16(draw, 15, 22);
@@ -60,6 +80,12 @@ std::uint16_t DrawComponent(DRAW& draw, PIXEL_CODE code, int kind) {
   }
 }
 
+std::initializer_list<std::uint16_t> InfiniteComponents(BINARY_16_CODEC) {
+  static constexpr std::initializer_list<std::uint16_t> components = {0x7C00, 0xFC00, 0x7C01,
+                                                                      0xFFFF};
+  return components;
+}
+
 /// Changes a few elements at random places.
 template <class T, class CHANGE>
 void Sprinkle(DRAW& draw, GRID<T>& grid, int most, const CHANGE& change) {
@@ -68,16 +94,17 @@ void Sprinkle(DRAW& draw, GRID<T>& grid, int most, const CHANGE& change) {
   }
 }
 
-GRID<RAW_PIXEL> DrawSlave(DRAW& draw, PIXEL_CODE code) {
+template <class CODEC>
+GRID<RAW_PIXEL> DrawSlave(DRAW& draw, CODEC codec) {
   GRID<RAW_PIXEL> slave(draw.Integer(20, 150), draw.Integer(20, 80));
   const int kind = draw.Pick({0, 0, 0, 1, 2});
   for (RAW_PIXEL& pixel : slave.values) {
-    pixel = {DrawComponent(draw, code, kind), DrawComponent(draw, code, kind)};
+    pixel = {DrawComponent(draw, codec, kind), DrawComponent(draw, codec, kind)};
   }
-  if (code == PIXEL_CODE::BINARY_16 && draw.Chance(0.3)) {
+  const auto infinite_components = InfiniteComponents(codec);
+  if (infinite_components.size() > 0 && draw.Chance(0.3)) {
     Sprinkle(draw, slave, 12, [&](RAW_PIXEL& pixel) {
-      (draw.Chance(0.5) ? pixel.re : pixel.im) =
-          draw.Pick<std::uint16_t>({0x7C00, 0xFC00, 0x7C01, 0xFFFF});
+      (draw.Chance(0.5) ? pixel.re : pixel.im) = draw.Pick(infinite_components);
     });
   }
   return slave;
@@ -146,13 +173,15 @@ std::vector<double> DrawPolynomial(DRAW& draw) {
   return coefficients;
 }
 
+/// All shapes, and the kernel type without one.
+constexpr std::size_t kernel_kinds = kernel_shapes.size() + 1;
+
 void DrawKernel(DRAW& draw, SCENE& scene, unsigned kind) {
-  constexpr std::array names = {"truncated_sinc_kaiser_weight", "truncated_sinc_no_weight",
-                                "cubic_convolution", "-"};
-  scene.kernel_type = names.at(kind);
+  const bool has_shape = kind < kernel_shapes.size();
+  scene.kernel_type = has_shape ? kernel_shapes.at(kind).name : "-";
   scene.kernel_coefficient = draw.Pick({2.5, 2.5, 0.0, -1.0, 5.3, 0.7});
-  scene.kernel_length = kind == 3 ? draw.Pick({-5, -4, -1, 0, 1, 2, 6, 7})
-                                  : draw.Pick({6, 8, 12, 16, 7, 9, 11, 6, 8, 5, 4, 0, -8});
+  scene.kernel_length = has_shape ? draw.Pick({6, 8, 12, 16, 7, 9, 11, 6, 8, 5, 4, 0, -8})
+                                  : draw.Pick({-5, -4, -1, 0, 1, 2, 6, 7});
   scene.subpix_positions = draw.Pick({64, 1024, 16, 10, 2, 1, 1000, 3});
 }
 
@@ -196,6 +225,12 @@ void DrawImagingMode(DRAW& draw, SCENE& scene, bool with_rate) {
 
 }  // namespace
 
+unsigned SCENE::RasterType() const {
+  unsigned type_word = 0;
+  VisitCodec(pixel_type, [&](auto codec) { type_word = TypeWordOf(codec); });
+  return type_word;
+}
+
 SCENE OrdinaryScene() {
   DRAW draw(20200206);
   SCENE scene;
@@ -222,24 +257,34 @@ SCENE OrdinaryScene() {
 
 SCENE RandomScene(unsigned seed) {
   DRAW draw(seed);
+  const auto count_through = [&seed](std::size_t count) {
+    const auto digit = static_cast<unsigned>(seed % count);
+    seed /= static_cast<unsigned>(count);
+    return digit;
+  };
   SCENE scene;
-  scene.code = seed % 2 == 0 ? PIXEL_CODE::INT_16 : PIXEL_CODE::BINARY_16;
-  scene.slave = DrawSlave(draw, scene.code);
+  const auto types = PixelTypes(PIXEL_CODECS());
+  scene.pixel_type = types.at(count_through(types.size()));
+  VisitCodec(scene.pixel_type, [&](auto codec) { scene.slave = DrawSlave(draw, codec); });
   scene.n_samples = draw.Chance(0.2) ? draw.Integer(91, 300) : draw.Integer(1, 90);
   scene.n_lines = draw.Integer(1, 80);
-  if (seed / 2 % 2 == 0) {
+  if (count_through(2) == 0) {
     scene.mapping = DrawMatrix(draw, scene.n_samples, scene.n_lines);
   } else {
     scene.mapping =
         POLYNOMIAL_MAPPING_DATA{.range = DrawPolynomial(draw), .azimuth = DrawPolynomial(draw)};
   }
-  DrawKernel(draw, scene, seed / 4 % 4);
-  if (seed / 16 % 2 == 0) {
+  DrawKernel(draw, scene, count_through(kernel_kinds));
+  if (count_through(2) == 0) {
     scene.mask = DrawMask(draw, scene.slave);
   }
   scene.doppler = DrawDoppler(draw);
-  DrawImagingMode(draw, scene, seed / 32 % 2 == 0);
+  DrawImagingMode(draw, scene, count_through(2) == 0);
   return scene;
+}
+
+unsigned SceneCombinations() {
+  return static_cast<unsigned>(PixelTypes(PIXEL_CODECS()).size() * kernel_kinds * 2 * 2 * 2);
 }
 
 POOL_TEXT InsarPool(const SCENE& scene) {

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "raster/pixel_type.h"
 #include "support/grid.h"
 #include "support/pool_text.h"
 #include "support/raster_file.h"
@@ -18,8 +19,6 @@ struct RAW_PIXEL {
   std::uint16_t im = 0;
   bool operator==(const RAW_PIXEL&) const = default;
 };
-
-enum class PIXEL_CODE { INT_16 = 8, BINARY_16 = 9 };
 
 /// Shifts at the nodes of a coarse grid over the master, one node every so many samples (range)
 /// and lines (azimuth).
@@ -50,7 +49,7 @@ struct DOPPLER_DATA {
 
 /// Everything that a run of the program takes.
 struct SCENE {
-  PIXEL_CODE code = PIXEL_CODE::INT_16;
+  PIXEL_TYPE pixel_type = PIXEL_TYPE::C_INT_16;
   GRID<RAW_PIXEL> slave;
   std::optional<GRID<std::uint8_t>> mask;
   int n_samples = 0;
@@ -64,19 +63,20 @@ struct SCENE {
   std::string imaging_mode = "SM";
   std::optional<int> ps_mode;
 
-  unsigned RasterType() const {
-    return code == PIXEL_CODE::INT_16 ? RASTER_COMPLEX_INT_16 : RASTER_COMPLEX_BINARY_16;
-  }
+  unsigned RasterType() const;
 };
 
 /// A small ordinary scene: complex integers with a mask, shifted by a matrix on nodes 8 pixels
 /// apart, with a Doppler centroid and a rate. About 60 x 50 pixels of it can be computed.
 SCENE OrdinaryScene();
 
-/// Any scene. The seed counts through pixel type, mapping, kernel, mask, and rate term, so that
-/// 64 seeds in a row meet all their combinations; all else is drawn, extremes included: NaN and
-/// infinite pixels, saturation, shifts far outside, NaN shifts, whole shifts.
+/// Any scene. The seed counts through pixel type, mapping, kernel, mask, and rate term, all else is
+/// drawn, extremes included: NaN and infinite pixels, saturation, shifts far outside, NaN shifts,
+/// whole shifts.
 SCENE RandomScene(unsigned seed);
+
+/// So many seeds in a row meet all combinations of what a random scene counts through.
+unsigned SceneCombinations();
 
 POOL_TEXT InsarPool(const SCENE& scene);
 POOL_TEXT SlavePool(const SCENE& scene);
