@@ -32,19 +32,10 @@ bool VisitEntry(PARAMETER_POOL& pool, const STRING& key, VISIT visit) {
     return false;
   }
   bool is_read = false;
-  const auto read_as = [&]<class T>(T value) {
-    if (type == pool_type_of<T>) {
-      is_read = Succeeds([&] { pool.Read(key, value); });
-      if (is_read) {
-        visit(value);
-      }
-    }
-  };
-  ForEachSingleType([&]<class T>() {
-    read_as(T());
-    read_as(ARRAY<T>());
-    if constexpr (has_matrices<T>) {
-      read_as(MATRIX<T>());
+  VisitPoolType(type, [&](auto value) {
+    is_read = Succeeds([&] { pool.Read(key, value); });
+    if (is_read) {
+      visit(value);
     }
   });
   return is_read;

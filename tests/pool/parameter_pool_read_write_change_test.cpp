@@ -81,7 +81,8 @@ TEST_F(POOL_WRITE, NumbersHaveAPointInACommaLocaleToo) {
 /// Calls `visit(key, sample)` for samples of every type.
 template <class VISIT>
 void ForEachSample(VISIT visit) {
-  ForEachSingleType([&]<class T>() {
+  VisitPoolElements([&](const auto& element) {
+    using T = std::remove_cvref_t<decltype(element)>;
     int number = 0;
     const auto visit_next = [&](const auto& sample) {
       visit(STRING((PoolTypeWord(pool_type_of<T>) + std::to_string(number++)).c_str()), sample);
@@ -92,7 +93,7 @@ void ForEachSample(VISIT visit) {
     }
     visit_next(ARRAY<T>());
     visit_next(VectorOf(samples));
-    if constexpr (has_matrices<T>) {
+    if constexpr (POOL_VALUE<MATRIX<T>>) {
       const int width = static_cast<int>(samples.size());
       samples.insert(samples.end(), samples.rbegin(), samples.rend());
       visit_next(MatrixOf(3, 7, width, samples));

@@ -15,7 +15,7 @@ class PARAMETER_POOL_READS : public POOL_TEST {
     Expect(type, text, value);
     const std::string elements = "{\n  " + text + "\n" + text + "\n}\n";
     Expect(type + "_V", "1 2\n" + elements, VectorOf<T>({T(), value, value}));
-    if constexpr (has_matrices<T>) {
+    if constexpr (POOL_VALUE<MATRIX<T>>) {
       Expect(type + "_M", "1 1 3 2\n{\n" + elements + "}", MatrixOf<T>(1, 3, 2, {value, value}));
     }
   }

@@ -14,20 +14,6 @@
 
 // Sample values of every type that a pool can hold, and what it takes to compare them.
 
-template <class T>
-inline constexpr bool has_matrices = pool_type_of<MATRIX<T>> != PoolValueType::UNKNOWN;
-
-/// Calls `visit.template operator()<T>()` for each of the 19 types of single values. There are
-/// vectors of all of them, and matrices of those that `has_matrices`: 47 types.
-template <class VISIT>
-void ForEachSingleType(VISIT visit) {
-  const auto visit_all = [&]<class... T>() { (visit.template operator()<T>(), ...); };
-  visit_all.template operator()<bool, unsigned char, char, short, int, long long, float, double,
-                                STRING, COMPLEX<float>, COMPLEX<double>, POINT<int>,
-                                POINT<long long>, POINT<float>, POINT<double>, INDEX<int, int>,
-                                INDEX<int, float>, INDEX<int, double>, TUPLE<STRING>>();
-}
-
 /// The bytes of a value, equal only for values that are equal to the last bit.
 template <class T>
 std::string Bytes(const T& value) {

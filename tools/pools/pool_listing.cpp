@@ -12,7 +12,6 @@
 #include "pool/parameter_pool.h"
 #include "pool/pool_contents.h"
 #include "pool/pool_entry.h"
-#include "pools/pool_types.h"
 #include "pools/pool_words.h"
 
 namespace {
@@ -173,7 +172,7 @@ class LISTER {
     const PoolValueType type = PoolTypeOfWord(entry.type);
     if (entry.type.empty()) {
       AddFault(entry, entry.line, "no type information found");
-    } else if (!VisitPoolType(type, [&]<class T>() { Read<T>(place, entry); })) {
+    } else if (!VisitPoolType(type, [&](auto value) { Read(place, entry, value); })) {
       AddFault(entry, entry.line, entry.type + " is no type");
     }
     in_damaged_block_ =
@@ -182,12 +181,11 @@ class LISTER {
   }
 
   template <class T>
-  void Read(const POOL_ENTRY_LINES& place, LISTED_ENTRY& entry) {
+  void Read(const POOL_ENTRY_LINES& place, LISTED_ENTRY& entry, T& value) {
     std::optional<POOL_ENTRY> reader;
     try {
       reader.emplace(file_, STRING(entry.key.c_str()), LOGGING_LEVEL_T::NO_MESSAGE,
                      found_.at(entry.key));
-      T value{};
       reader->Read(value);
       entry.value = ToJson(value);
       CheckWords<typename ELEMENT<T>::TYPE>(place, entry);

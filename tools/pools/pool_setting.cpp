@@ -4,7 +4,6 @@
 #include <stdexcept>
 
 #include "pool/parameter_pool_read_write_change.h"
-#include "pools/pool_types.h"
 #include "pools/pool_words.h"
 
 namespace {
@@ -62,9 +61,8 @@ void Build(POOL_WORDS& words, int columns, MATRIX<T>& matrix) {
 void SetPoolEntry(const std::string& path, const std::string& key, const std::string& type_word,
                   const std::vector<std::string>& words, int columns) {
   PARAMETER_POOL_READ_WRITE_CHANGE pool(path.c_str());
-  const auto write = [&]<class T>() {
+  const auto write = [&](auto value) {
     POOL_WORDS values(words);
-    T value{};
     Build(values, columns, value);
     if (!values.Empty()) {
       throw std::invalid_argument("more values than " + type_word + " holds");
