@@ -38,6 +38,13 @@ class Pages(unittest.TestCase):
                              re.MULTILINE)
         self.assertEqual([name for name in options if name not in [*told, "help"]], [])
 
+    def test_of_the_evidence_names_tests_that_are_there(self):
+        sources = "".join(path.read_text() for path in (installed.SOURCE / "tests").glob("**/*.cpp"))
+        there = re.findall(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", sources, re.MULTILINE)
+        text = (installed.SOURCE / "docs/maintainers/evidence.md").read_text()
+        named = re.findall(r"`([A-Z]\w+)\.(\w+)`", text)
+        self.assertEqual(sorted({*named} - {*there}), [])
+
     @unittest.skipUnless(shutil.which("mandoc"), "needs mandoc")
     def test_are_well_formed(self):
         self.assertEqual([path.name for path in PAGES], [
