@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/number_checks.h"
+#include "common/pool_values.h"
 #include "common/progress_bar.h"
 #include "common/raster_writer.h"
 #include "offsets/clean_offsets.h"
@@ -212,15 +213,6 @@ void WriteMatrices(const OFFSET_SOURCE& offsets, const OFFSETS_OPTIONS& options,
     pool->Write("shift_matrices_subsampling_az", options.subsampling[1]);
     pool->Update();
   }
-}
-
-ARRAY<double> VectorOf(const POLYNOMIAL& coefficients) {
-  ARRAY<double> vector;
-  if (vector.Create(RANGE<int>(0, static_cast<int>(coefficients.size()))) != CONTAINER_OK) {
-    throw std::bad_alloc();
-  }
-  std::copy(coefficients.begin(), coefficients.end(), vector.Origin());
-  return vector;
 }
 
 void PrintPolynomial(const char* name, const POLYNOMIAL& coefficients) {

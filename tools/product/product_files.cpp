@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <new>
 
 #include "common/automatic_scale.h"
 #include "common/new_files.h"
+#include "common/pool_values.h"
 #include "common/raster_writer.h"
 #include "pool/parameter_pool_read_write_change.h"
 
@@ -15,29 +15,6 @@ namespace {
 using POOL = PARAMETER_POOL_READ_WRITE_CHANGE;
 
 constexpr const char* epoch_key = "azimuth_time_epoch";
-
-ARRAY<double> VectorOf(std::span<const double> values) {
-  ARRAY<double> vector;
-  if (vector.Create(RANGE<int>(0, static_cast<int>(values.size()))) != CONTAINER_OK) {
-    throw std::bad_alloc();
-  }
-  std::copy(values.begin(), values.end(), vector.Origin());
-  return vector;
-}
-
-/// All rows have the same length.
-MATRIX<double> MatrixOf(const std::vector<std::vector<double>>& rows) {
-  MATRIX<double> matrix;
-  if (matrix.Create(RANGE<int>(0, static_cast<int>(rows.size())),
-                    RANGE<int>(0, static_cast<int>(rows.front().size()))) != CONTAINER_OK) {
-    throw std::bad_alloc();
-  }
-  double* const* const target = matrix.GetNumRecMatrix();
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    std::copy(rows[row].begin(), rows[row].end(), target[row]);
-  }
-  return matrix;
-}
 
 /// Makes a folder where there is none, and takes it away again if nothing has come into it.
 class FOLDER {
