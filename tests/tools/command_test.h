@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -15,6 +16,7 @@ class COMMAND_TEST : public IMAGE_TEST {
   static std::string Run(void (*add_command)(CLI::App&), const std::string& command_line) {
     CLI::App app;
     add_command(app);
+    std::cout.copyfmt(std::ios(nullptr));  // as in a process of its own
     testing::internal::CaptureStdout();
     try {
       app.parse(command_line);
