@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+
+#include "logging/formatted_text.h"
 
 namespace {
 
@@ -55,17 +56,16 @@ double IMAGE_CENTROID::Departure() const noexcept {
 }
 
 std::string IMAGE_CENTROID::Objection() const {
-  char text[160] = "";
   if (Departure() > suspect_departure) {
-    std::snprintf(text, sizeof text,
-                  "the annotated Doppler centroid departs from that of the data by %.2f PRF",
-                  Departure());
-  } else if (!IsMeasured() && TellsCentroid(data)) {
-    std::snprintf(text, sizeof text,
-                  "the data agree on a Doppler centroid (%.2f PRF) but not with the annotation",
-                  data.Turns());
+    return FormattedText("the annotated Doppler centroid departs from that of the data by %.2f PRF",
+                         Departure());
   }
-  return text;
+  if (!IsMeasured() && TellsCentroid(data)) {
+    return FormattedText(
+        "the data agree on a Doppler centroid (%.2f PRF) but not with the annotation",
+        data.Turns());
+  }
+  return "";
 }
 
 IMAGE_CENTROID MeasureCentroid(const IMAGE_LINES& image, const DOPPLER_CENTROID_MODEL* model,

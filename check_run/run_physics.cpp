@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 
 #include "core/codec_visit.h"
+#include "logging/formatted_text.h"
 
 namespace {
 
@@ -112,17 +111,6 @@ IMAGE_LINES LinesOf(const RESAMPLE_INPUT& input) {
   return lines;
 }
 
-__attribute__((format(printf, 1, 2))) std::string Text(const char* format, ...) {
-  char text[256];
-  std::va_list arguments;
-  va_start(arguments, format);
-  // The analyzer does not see that va_start initialises its argument.
-  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
-  std::vsnprintf(text, sizeof text, format, arguments);
-  va_end(arguments);
-  return text;
-}
-
 }  // namespace
 
 void SPAN::Include(double value) noexcept {
@@ -153,27 +141,27 @@ std::vector<std::string> Suspicions(const RUN_PHYSICS& physics, bool is_stripmap
   std::vector<std::string> texts;
   if (is_stripmap && physics.centroid.Magnitude() > physics.prf) {
     texts.push_back(
-        Text("the Doppler centroid reaches %.4g Hz, %.3g PRF: too much for a stripmap "
-             "mode; are prf and range_sampling_frequency in Hz?",
-             physics.centroid.Magnitude(), physics.centroid.Magnitude() / physics.prf));
+        FormattedText("the Doppler centroid reaches %.4g Hz, %.3g PRF: too much for a stripmap "
+                      "mode; are prf and range_sampling_frequency in Hz?",
+                      physics.centroid.Magnitude(), physics.centroid.Magnitude() / physics.prf));
   }
   if (physics.azimuth_beyond > largest_excess) {
     texts.push_back(
-        Text("azimuth times of the slave lie %.3g of its lengths beyond "
-             "fdc_poly_az_time: are slave_first_az_time and prf in seconds and Hz?",
-             physics.azimuth_beyond));
+        FormattedText("azimuth times of the slave lie %.3g of its lengths beyond "
+                      "fdc_poly_az_time: are slave_first_az_time and prf in seconds and Hz?",
+                      physics.azimuth_beyond));
   }
   if (physics.range_beyond > largest_excess) {
-    texts.push_back(
-        Text("range times of the slave lie %.3g of its widths from fdc_poly_rg_ref_time: is "
-             "slave_first_rg_time in seconds and two-way, range_sampling_frequency in Hz?",
-             physics.range_beyond));
+    texts.push_back(FormattedText(
+        "range times of the slave lie %.3g of its widths from fdc_poly_rg_ref_time: is "
+        "slave_first_rg_time in seconds and two-way, range_sampling_frequency in Hz?",
+        physics.range_beyond));
   }
   if (physics.slope > largest_slope) {
     texts.push_back(
-        Text("the mapping's shifts change by up to %.3g pixels from one pixel to the "
-             "next",
-             physics.slope));
+        FormattedText("the mapping's shifts change by up to %.3g pixels from one pixel to the "
+                      "next",
+                      physics.slope));
   }
   if (const std::string objection = physics.data.Objection(); !objection.empty()) {
     texts.push_back(objection);
@@ -183,22 +171,25 @@ std::vector<std::string> Suspicions(const RUN_PHYSICS& physics, bool is_stripmap
 
 std::string DescribePhysics(const RUN_PHYSICS& physics) {
   const SPAN& centroid = physics.centroid;
-  std::string text = Text("Doppler centroid: %.1f to %.1f Hz, %.3f to %.3f PRF\n", centroid.least,
-                          centroid.most, centroid.least / physics.prf, centroid.most / physics.prf);
+  std::string text =
+      FormattedText("Doppler centroid: %.1f to %.1f Hz, %.3f to %.3f PRF\n", centroid.least,
+                    centroid.most, centroid.least / physics.prf, centroid.most / physics.prf);
   for (const RUN_PHYSICS::LINE_CENTROID& line : physics.profile) {
-    text += Text("  line %lld: %.1f to %.1f Hz\n", static_cast<long long>(line.line),
-                 line.centroid.least, line.centroid.most);
+    text += FormattedText("  line %lld: %.1f to %.1f Hz\n", static_cast<long long>(line.line),
+                          line.centroid.least, line.centroid.most);
   }
   if (physics.data.IsMeasured()) {
-    text += Text(
+    text += FormattedText(
         "  of the data: %.3f PRF from the annotation; their spectrum leaves about %.2f of "
         "the azimuth band\n",
         physics.data.rest.Turns(), 1.0 - physics.data.rest.Bandwidth());
   }
   return text +
-         Text("times beyond the annotation: azimuth %.2f, range %.2f of the slave's length\n",
-              physics.azimuth_beyond, physics.range_beyond) +
-         Text("shifts: range %.2f to %.2f, azimuth %.2f to %.2f pixels; slopes up to %.2g\n",
-              physics.range_shift.least, physics.range_shift.most, physics.azimuth_shift.least,
-              physics.azimuth_shift.most, physics.slope);
+         FormattedText(
+             "times beyond the annotation: azimuth %.2f, range %.2f of the slave's length\n",
+             physics.azimuth_beyond, physics.range_beyond) +
+         FormattedText(
+             "shifts: range %.2f to %.2f, azimuth %.2f to %.2f pixels; slopes up to %.2g\n",
+             physics.range_shift.least, physics.range_shift.most, physics.azimuth_shift.least,
+             physics.azimuth_shift.most, physics.slope);
 }

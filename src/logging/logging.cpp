@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "logging/execution_time.h"
+#include "logging/formatted_text.h"
 #include "logging/printable_text.h"
 #include "system/c_locale.h"
 #include "system/whole_write.h"
@@ -35,24 +36,6 @@ std::string HostName() {
   std::array<char, 256> name{};  // longer than any
   ::gethostname(name.data(), name.size() - 1);
   return name.data();
-}
-
-__attribute__((format(printf, 1, 0)))  // else the compiler can not check what it is handed
-std::string
-FormatText(const char* format, std::va_list arguments) {
-  const C_LOCALE c_locale;
-  std::va_list measured;
-  va_copy(measured, arguments);
-  // The analyzer does not see that va_copy initialises its target.
-  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
-  const int length = std::vsnprintf(nullptr, 0, format, measured);
-  va_end(measured);
-  if (length < 0) {
-    return format;
-  }
-  std::string text(static_cast<std::size_t>(length), '\0');
-  std::vsnprintf(text.data(), text.size() + 1, format, arguments);
-  return text;
 }
 
 std::string_view WithoutFinalLineFeed(std::string_view text) {
@@ -150,7 +133,7 @@ void LOGGING::Message(LOGGING_LEVEL_T level, const char* format, ...) {
   }
   std::va_list arguments;
   va_start(arguments, format);
-  const std::string text = FormatText(format, arguments);
+  const std::string text = FormattedTextOf(format, arguments);
   va_end(arguments);
 
   const std::lock_guard lock(mutex_);

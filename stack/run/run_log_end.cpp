@@ -8,22 +8,12 @@
 #include <string_view>
 
 #include "basics/text_file.h"
+#include "logging/logged_line.h"
 
 namespace {
 
 /// Nothing that is looked for at the end of a log lies farther in front of it.
 constexpr std::size_t end_length = 65536;
-
-/// What follows level and program in a line "ALARM : program : text"; nothing for other lines.
-std::optional<std::string_view> AlarmText(std::string_view line) {
-  constexpr std::string_view level = "ALARM : ";
-  constexpr std::string_view separator = " : ";
-  const std::size_t program_end = line.find(separator, level.size());
-  if (!line.starts_with(level) || program_end == std::string_view::npos) {
-    return std::nullopt;
-  }
-  return line.substr(program_end + separator.size());
-}
 
 /// What the system calls the error of a text such as "ENOENT: see: man page of open" or
 /// "MEM_MGR: No such file or directory"; empty for other texts.
@@ -86,8 +76,9 @@ std::string ReasonOfFailure(const std::filesystem::path& log, const std::filesys
   std::ifstream file(log);
   std::vector<std::string> alarms;
   for (std::string line; std::getline(file, line);) {
-    if (const auto text = AlarmText(line)) {
-      alarms.emplace_back(*text);
+    const auto logged = LOGGED_LINE::Of(line);
+    if (logged && logged->level == "ALARM") {
+      alarms.emplace_back(logged->text);
     }
   }
   return alarms.empty() ? LastLine(ReadEndOfFile(screen, end_length)) : ReasonAmong(alarms);

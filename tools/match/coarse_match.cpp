@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "base/parallel_lines.h"
+#include "logging/formatted_text.h"
 #include "match/fourier.h"
 #include "picture/grid.h"
 
@@ -208,12 +208,10 @@ COARSE_SHIFT FindCoarseShift(const RASTER_READER& master, const RASTER_READER& s
                                 WithoutRegions(LogPower(slave, coarse.cell)));
   const RANGE_AZIMUTH<double> cells = correlation.Peak(coarse.snr);
   if (!(coarse.snr >= least_snr)) {
-    char text[160];
-    std::snprintf(text, sizeof text,
-                  "no overlap or no common features: the best of all shifts stands out by %.1f "
-                  "standard deviations, less than %.0f",
-                  std::isnan(coarse.snr) ? 0.0 : coarse.snr, least_snr);
-    throw std::runtime_error(text);
+    throw std::runtime_error(
+        FormattedText("no overlap or no common features: the best of all shifts stands out by %.1f "
+                      "standard deviations, less than %.0f",
+                      std::isnan(coarse.snr) ? 0.0 : coarse.snr, least_snr));
   }
   coarse.shift = {cells.range * coarse.cell.range, cells.azimuth * coarse.cell.azimuth};
   return coarse;

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <numbers>
 #include <stdexcept>
 #include <utility>
 
+#include "logging/formatted_text.h"
 #include "picture/multilook.h"
 
 namespace {
@@ -64,12 +64,11 @@ std::string FileName(const RASTER_READER& image) {
 
 /// The names of the files and "500 x 400 pixels, 2.5 x 2.5 looks".
 std::string Subtitle(const std::string& names, const FIGURE& figure) {
-  char numbers[128];
-  std::snprintf(numbers, sizeof numbers, "%lld x %lld pixels, %.3g x %.3g looks",
-                static_cast<long long>(figure.samples), static_cast<long long>(figure.lines),
-                static_cast<double>(figure.samples) / figure.values.Columns(),
-                static_cast<double>(figure.lines) / figure.values.Rows());
-  return names + ", " + numbers;
+  return names + FormattedText(", %lld x %lld pixels, %.3g x %.3g looks",
+                               static_cast<long long>(figure.samples),
+                               static_cast<long long>(figure.lines),
+                               static_cast<double>(figure.samples) / figure.values.Columns(),
+                               static_cast<double>(figure.lines) / figure.values.Rows());
 }
 
 double DecibelsOf(const PAIR_SUMS& sums) {

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+
+#include "logging/formatted_text.h"
 
 namespace {
 
@@ -19,9 +20,7 @@ double RoundStep(double smallest) {
 
 std::string Label(double value, double step) {
   const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(step) + 1e-9)));
-  char label[64];
-  std::snprintf(label, sizeof label, "%.*f", decimals, value);
-  return label;
+  return FormattedText("%.*f", decimals, value);
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 #include "product/utc_time.h"
 
-#include <array>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <regex>
+
+#include "logging/formatted_text.h"
 
 namespace {
 
@@ -42,9 +42,6 @@ std::string TextOf(const UTC_TIME& time) {
       std::chrono::sys_days(std::chrono::days(time.day + static_cast<std::int64_t>(days))));
   const double second = time.second - days * day_length;
   const int minutes = static_cast<int>(second / 60.0);
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%012.9f", int(date.year()),
-                unsigned(date.month()), unsigned(date.day()), minutes / 60, minutes % 60,
-                second - 60.0 * minutes);
-  return text.data();
+  return FormattedText("%04d-%02u-%02uT%02d:%02d:%012.9f", int(date.year()), unsigned(date.month()),
+                       unsigned(date.day()), minutes / 60, minutes % 60, second - 60.0 * minutes);
 }

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
-#include <cstdarg>
-#include <cstdio>
 #include <functional>
 #include <limits>
 #include <optional>
@@ -18,6 +16,7 @@
 #include "compare/comparison.h"
 #include "info/amplitude_histogram.h"
 #include "info/type_ends.h"
+#include "logging/formatted_text.h"
 #include "logging/logging.h"
 #include "picture/multilook.h"
 #include "report/histograms.h"
@@ -31,15 +30,6 @@ constexpr double least_coherence = 0.3;
 /// Pixels along each side of a box: noise alone has a coherence of about 0.1 in it.
 constexpr int box = 9;
 constexpr std::int64_t most_boxes = 1000;  ///< along each axis
-
-__attribute__((format(printf, 1, 2))) std::string Text(const char* format, ...) {
-  char text[256];
-  std::va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(text, sizeof text, format, arguments);
-  va_end(arguments);
-  return text;
-}
 
 /// Hears the first alarm that is logged while it lives: it tells what an error itself does not.
 class ALARM_LISTENER {
@@ -140,9 +130,11 @@ void MeasureFit(const RUN_RECORD& run, const std::string& master, QUALITY& quali
   const std::vector<double> coherences = LocalCoherences(pair);
   const double local = MeanOf(coherences);
   quality.misfits = fit.coherence < least_coherence && local < least_coherence;
-  quality.figures.push_back({"Coherence with the master", Text("%.3f", fit.coherence), ""});
-  quality.figures.push_back({"Mean coherence of boxes", Text("%.3f", local), ""});
-  quality.figures.push_back({"RMS phase to the master", Text("%.3f rad", fit.phase_rms), ""});
+  quality.figures.push_back(
+      {"Coherence with the master", FormattedText("%.3f", fit.coherence), ""});
+  quality.figures.push_back({"Mean coherence of boxes", FormattedText("%.3f", local), ""});
+  quality.figures.push_back(
+      {"RMS phase to the master", FormattedText("%.3f rad", fit.phase_rms), ""});
   quality.histograms.push_back(CoherenceHistogram(coherences));
 }
 
@@ -156,7 +148,7 @@ void ForEachPixel(const RASTER_READER& raster, HANDLE handle) {
 }
 
 std::string ShareText(std::int64_t part, std::int64_t whole) {
-  return Text("%.2f %%", 100.0 * static_cast<double>(part) / static_cast<double>(whole));
+  return FormattedText("%.2f %%", 100.0 * static_cast<double>(part) / static_cast<double>(whole));
 }
 
 void MeasureValidShare(const RUN_RECORD& run, QUALITY& quality) {
@@ -222,18 +214,19 @@ void FillInput(const RUN_RECORD& run, RESAMPLE_INPUT& input) {
 }
 
 std::string SpanText(const SPAN& span, const char* unit) {
-  return Text("%.4g to %.4g %s", span.least, span.most, unit);
+  return FormattedText("%.4g to %.4g %s", span.least, span.most, unit);
 }
 
 void MeasurePhysics(const RUN_RECORD& run, QUALITY& quality) {
   RESAMPLE_INPUT input;
   FillInput(run, input);
   const RUN_PHYSICS physics = LookAtPhysics(input, 0);
-  quality.figures.push_back({"Doppler centroid",
-                             SpanText(physics.centroid, "Hz") +
-                                 Text(", %.3g to %.3g PRF", physics.centroid.least / physics.prf,
-                                      physics.centroid.most / physics.prf),
-                             ""});
+  quality.figures.push_back(
+      {"Doppler centroid",
+       SpanText(physics.centroid, "Hz") + FormattedText(", %.3g to %.3g PRF",
+                                                        physics.centroid.least / physics.prf,
+                                                        physics.centroid.most / physics.prf),
+       ""});
   quality.figures.push_back({"Range shift", SpanText(physics.range_shift, "samples"), ""});
   quality.figures.push_back({"Azimuth shift", SpanText(physics.azimuth_shift, "lines"), ""});
 }

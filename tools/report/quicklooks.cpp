@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <exception>
 #include <functional>
 
 #include "base/error_exception.h"
+#include "logging/formatted_text.h"
 #include "mapping/mapping_polynomial.h"
 #include "picture/raster_figure.h"
 #include "report/shown_raster.h"
@@ -115,9 +115,7 @@ std::string MeanText(const CELL_GRID<double>& values) {
       ++count;
     }
   }
-  char text[64];
-  std::snprintf(text, sizeof text, "Mean coherence %.3f.", sum / count);
-  return text;
+  return FormattedText("Mean coherence %.3f.", sum / count);
 }
 
 using PAIR_FIGURE = FIGURE (*)(const RASTER_READER&, const RASTER_READER&, const PICTURE_SIZE&);

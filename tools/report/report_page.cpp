@@ -1,9 +1,9 @@
 #include "report/report_page.h"
 
-#include <cstdio>
 #include <utility>
 #include <vector>
 
+#include "logging/formatted_text.h"
 #include "report/html.h"
 #include "report/quality.h"
 #include "report/quicklooks.h"
@@ -63,9 +63,7 @@ figcaption strong { color: var(--ink); }
 
 /// With three significant digits.
 std::string Number(double value) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.3g", value);
-  return text;
+  return FormattedText("%.3g", value);
 }
 
 struct STATE_WORDS {

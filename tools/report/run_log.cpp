@@ -7,9 +7,9 @@
 #include <stdexcept>
 #include <utility>
 
-namespace {
+#include "logging/logged_line.h"
 
-constexpr std::string_view separator = " : ";
+namespace {
 
 std::string_view Trimmed(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(' ');
@@ -82,18 +82,11 @@ RUN_LOG::RUN_LOG(const std::string& path) {
   if (!file) {
     throw std::runtime_error("can not read the log " + path);
   }
-  for (std::string text; std::getline(file, text);) {
-    const std::string_view line = text;
-    const std::size_t level_end = line.find(separator);
-    const std::size_t program_end = level_end == std::string_view::npos
-                                        ? level_end
-                                        : line.find(separator, level_end + separator.size());
-    if (program_end == std::string_view::npos) {
-      continue;
+  for (std::string line; std::getline(file, line);) {
+    if (const auto logged = LOGGED_LINE::Of(line)) {
+      lines_.push_back({std::string(logged->level), std::string(logged->text)});
+      AddParameter(lines_.back());
     }
-    lines_.push_back({std::string(Trimmed(line.substr(0, level_end))),
-                      std::string(line.substr(program_end + separator.size()))});
-    AddParameter(lines_.back());
   }
   if (lines_.empty()) {
     throw std::runtime_error("no lines of a log in " + path);

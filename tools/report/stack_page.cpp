@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <vector>
 
 #include "basics/file_lock.h"
 #include "description/stack_folder.h"
+#include "logging/formatted_text.h"
 #include "queue/slurm_queue.h"
 #include "report/html.h"
 #include "report/run_log.h"
@@ -66,10 +66,7 @@ std::string SecondsText(const SLAVE_STATUS& slave) {
   if (slave.attempts.empty() || slave.attempts.back().ended == 0.0) {
     return "";
   }
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%.1f s",
-                slave.attempts.back().ended - slave.attempts.back().begun);
-  return text.data();
+  return FormattedText("%.1f s", slave.attempts.back().ended - slave.attempts.back().begun);
 }
 
 std::string Cell(const std::string& text, const std::string& css_class = "") {
