@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 
+#include "core/codec_visit.h"
 #include "run_folder.h"
 #include "support/reference_model.h"
 
@@ -14,24 +15,38 @@ using testing::Range;
 /// The ways to resample. One that the processor lacks is replaced by the fastest that it has.
 constexpr std::array variants = {"plain", "x86-64", "x86-64-v3", "x86-64-v4"};
 
+// Which patterns are stored for what lies beyond the range, and which are finite.
+
+bool IsAtEnd(INT_16_CODEC, std::uint16_t part) {
+  return part == 0x7FFF || part == 0x8000;
+}
+bool IsFinite(INT_16_CODEC, std::uint16_t) {
+  return true;
+}
+bool IsAtEnd(BINARY_16_CODEC, std::uint16_t part) {
+  return (part & 0x7FFFU) == 0x7BFF;
+}
+bool IsFinite(BINARY_16_CODEC, std::uint16_t part) {
+  return (part & 0x7FFFU) <= 0x7BFF;
+}
+
 /// Whether the log tells how many components the scene and its output have that a user should know
 /// of. Non-finite ones of the slave are only looked for when they have reached the output.
-void ExpectFindings(const SCENE& scene, const GRID<RAW_PIXEL>& image, const RUN_FOLDER& folder) {
-  const bool is_integer = scene.code == PIXEL_CODE::INT_16;
+template <class CODEC>
+void ExpectFindings(CODEC codec, const SCENE& scene, const GRID<RAW_PIXEL>& image,
+                    const RUN_FOLDER& folder) {
   int at_ends = 0;
   bool is_reached = false;
   for (const RAW_PIXEL& pixel : image.values) {
     for (const std::uint16_t part : {pixel.re, pixel.im}) {
-      const unsigned magnitude = part & 0x7FFFU;
-      at_ends += (is_integer ? part == 0x7FFF || part == 0x8000 : magnitude == 0x7BFF) ? 1 : 0;
-      is_reached |= !is_integer && magnitude > 0x7BFF;
+      at_ends += IsAtEnd(codec, part) ? 1 : 0;
+      is_reached |= !IsFinite(codec, part);
     }
   }
   int non_finite = 0;
-  for (std::size_t i = 0; i < scene.slave.values.size() && !is_integer; ++i) {
+  for (std::size_t i = 0; i < scene.slave.values.size(); ++i) {
     const RAW_PIXEL pixel = scene.slave.values[i];
-    const int of_pixel =
-        ((pixel.re & 0x7FFFU) > 0x7BFF ? 1 : 0) + ((pixel.im & 0x7FFFU) > 0x7BFF ? 1 : 0);
+    const int of_pixel = (IsFinite(codec, pixel.re) ? 0 : 1) + (IsFinite(codec, pixel.im) ? 0 : 1);
     non_finite += !scene.mask || scene.mask->values[i] != 0 ? of_pixel : 0;
   }
   const std::string begin =
@@ -51,7 +66,7 @@ MODEL_COMPARISON RunAndCompare(const SCENE& scene, RUN_FOLDER& folder, unsigned 
   ExpectSuccess(folder, folder.Run());
   const auto image = ReadRaster<RAW_PIXEL>(folder.Path("out.ras"), scene.n_samples, scene.n_lines,
                                            scene.RasterType());
-  ExpectFindings(scene, image, folder);
+  VisitCodec(scene.pixel_type, [&](auto codec) { ExpectFindings(codec, scene, image, folder); });
   return CompareWithModel(scene, image,
                           ReadRaster<std::uint8_t>(folder.Path("out_mask.ras"), scene.n_samples,
                                                    scene.n_lines, RASTER_BYTE));
