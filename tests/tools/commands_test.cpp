@@ -66,6 +66,10 @@ TEST_F(COMMANDS, ComparePrintsFiguresOfTheRegionOrOfItsBlocks) {
   EXPECT_NE(blocks.find("first_sample=60 first_line=35 n_samples=10 n_lines=15 compared=150 "),
             std::string::npos)
       << blocks;
+  Real("zeros.ras", 80, 60, [](int, int) { return 0.0; });
+  const std::string zeros = Compare(Path("slave.ras") + " " + Path("zeros.ras") + " --block 60");
+  EXPECT_EQ(zeros.find("nan"), std::string::npos) << zeros;
+  EXPECT_NE(zeros.find("compared=0 coherence=none phase_mean=none "), std::string::npos) << zeros;
 }
 
 TEST_F(COMMANDS, OutputThatCanNotBeWrittenIsAFailure) {

@@ -1,13 +1,13 @@
 #include "compare/compare_command.h"
 
 #include <algorithm>
-#include <iomanip>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "common/figure_text.h"
 #include "common/number_checks.h"
 #include "compare/comparison.h"
 
@@ -24,15 +24,15 @@ struct COMPARE_OPTIONS {
 
 /// The figures as "key=value" with the separator behind each.
 void Print(const COMPARISON& comparison, char separator) {
-  std::cout << std::fixed << std::setprecision(6)                                   //
-            << "compared=" << comparison.compared << separator                      //
-            << "coherence=" << comparison.coherence << separator                    //
-            << "phase_mean=" << comparison.phase_mean << separator                  //
-            << "phase_rms=" << comparison.phase_rms << separator                    //
-            << "phase_rms_weighted=" << comparison.phase_rms_weighted << separator  //
-            << "amplitude_error=" << comparison.amplitude_error << separator        //
-            << "complex_error=" << comparison.complex_error << separator            //
-            << "gain=" << comparison.gain << "\n";
+  const auto text = [](double figure) { return FigureText(figure, 6); };
+  std::cout << "compared=" << comparison.compared << separator                            //
+            << "coherence=" << text(comparison.coherence) << separator                    //
+            << "phase_mean=" << text(comparison.phase_mean) << separator                  //
+            << "phase_rms=" << text(comparison.phase_rms) << separator                    //
+            << "phase_rms_weighted=" << text(comparison.phase_rms_weighted) << separator  //
+            << "amplitude_error=" << text(comparison.amplitude_error) << separator        //
+            << "complex_error=" << text(comparison.complex_error) << separator            //
+            << "gain=" << text(comparison.gain) << "\n";
 }
 
 REGION RegionWithin(const RASTER_READER& raster, std::int64_t margin) {

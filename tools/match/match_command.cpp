@@ -5,12 +5,15 @@
 #include <filesystem>
 #include <iomanip>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "common/figure_text.h"
 #include "common/new_files.h"
 #include "common/offset_record.h"
 #include "common/progress_bar.h"
@@ -84,6 +87,15 @@ void Write(const MATCHES& matches, const MATCH_OPTIONS& options, const RASTER_RE
   files.Finish();
 }
 
+double MedianOf(std::vector<double> values) {
+  if (values.empty()) {
+    return std::numeric_limits<double>::quiet_NaN();
+  }
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
 void Print(const MATCHES& matches) {
   const auto& [coarse, cell, snr] = matches.coarse;
   std::vector<double> ratios;
@@ -92,15 +104,13 @@ void Print(const MATCHES& matches) {
       ratios.push_back(shift.snr);
     }
   }
-  const auto middle = ratios.begin() + static_cast<std::ptrdiff_t>(ratios.size() / 2);
-  std::nth_element(ratios.begin(), middle, ratios.end());
   std::cout << std::fixed << std::setprecision(1)  //
             << "coarse shift: " << coarse.range << " samples, " << coarse.azimuth << " lines (snr "
-            << snr << ")\n"
+            << FigureText(snr, 1) << ")\n"
             << "windows: " << matches.grid.count.range << " x " << matches.grid.count.azimuth
             << "\n"
             << "without a match: " << matches.shifts.size() - ratios.size() << "\n"
-            << "median snr: " << *middle << "\n";
+            << "median snr: " << FigureText(MedianOf(ratios), 1) << "\n";
 }
 
 void Match(const MATCH_OPTIONS& options) {

@@ -13,6 +13,7 @@
 #include "app/input_setup.h"
 #include "base/error_exception.h"
 #include "check_run/run_physics.h"
+#include "common/figure_text.h"
 #include "compare/comparison.h"
 #include "info/amplitude_histogram.h"
 #include "info/type_ends.h"
@@ -130,11 +131,9 @@ void MeasureFit(const RUN_RECORD& run, const std::string& master, QUALITY& quali
   const std::vector<double> coherences = LocalCoherences(pair);
   const double local = MeanOf(coherences);
   quality.misfits = fit.coherence < least_coherence && local < least_coherence;
-  quality.figures.push_back(
-      {"Coherence with the master", FormattedText("%.3f", fit.coherence), ""});
-  quality.figures.push_back({"Mean coherence of boxes", FormattedText("%.3f", local), ""});
-  quality.figures.push_back(
-      {"RMS phase to the master", FormattedText("%.3f rad", fit.phase_rms), ""});
+  quality.figures.push_back({"Coherence with the master", FigureText(fit.coherence, 3), ""});
+  quality.figures.push_back({"Mean coherence of boxes", FigureText(local, 3), ""});
+  quality.figures.push_back({"RMS phase to the master", FigureText(fit.phase_rms, 3) + " rad", ""});
   quality.histograms.push_back(CoherenceHistogram(coherences));
 }
 

@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "base/error_exception.h"
-#include "logging/formatted_text.h"
+#include "common/figure_text.h"
 #include "mapping/mapping_polynomial.h"
 #include "picture/raster_figure.h"
 #include "report/shown_raster.h"
@@ -115,7 +115,7 @@ std::string MeanText(const CELL_GRID<double>& values) {
       ++count;
     }
   }
-  return FormattedText("Mean coherence %.3f.", sum / count);
+  return "Mean coherence " + FigureText(sum / count, 3) + ".";
 }
 
 using PAIR_FIGURE = FIGURE (*)(const RASTER_READER&, const RASTER_READER&, const PICTURE_SIZE&);
