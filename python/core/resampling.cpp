@@ -45,9 +45,15 @@ py::object BytesOf(const std::shared_ptr<RESAMPLE_OUTPUT>& output, const MEM_MGR
                                    raster.Data(), owner);
 }
 
-/// `slave` holds pairs of 16-bit words, [line, sample, 2]; `is_float` tells which kind.
+PIXEL_TYPE PixelTypeNamed(const std::string& name) {
+  BASIC::TYPES::DataType type;
+  type.Assign(name.c_str());
+  return PixelTypeOf(type);
+}
+
+/// `slave` holds pairs of 16-bit words, [line, sample, 2].
 std::pair<py::object, py::object> ResamplePairs(
-    const py::array_t<std::int16_t, py::array::c_style>& slave, bool is_float,
+    const py::array_t<std::int16_t, py::array::c_style>& slave, const std::string& pixel_type,
     const std::optional<py::array_t<std::uint8_t, py::array::c_style>>& mask,
     const MAPPING& mapping, const KERNEL& kernel, const DOPPLER& doppler, std::pair<int, int> shape,
     const std::string& imaging_mode, bool ps_mode, std::optional<int> threads,
@@ -59,7 +65,7 @@ std::pair<py::object, py::object> ResamplePairs(
   if (threads && *threads < 1) {
     throw std::invalid_argument("threads is at least 1");
   }
-  const PIXEL_TYPE type = is_float ? PIXEL_TYPE::C_FLT_2 : PIXEL_TYPE::C_INT_16;
+  const PIXEL_TYPE type = PixelTypeNamed(pixel_type);
   const PIXELS slave_pixels = PixelsOf(slave, type);
   const std::optional<PIXELS> mask_pixels =
       mask ? std::optional(PixelsOf(*mask, PIXEL_TYPE::U_INT_8)) : std::nullopt;

@@ -53,17 +53,21 @@ def resample(slave: np.ndarray, mapping: Mapping, kernel: Kernel, doppler: Doppl
         if mask.shape != slave.shape:
             raise ValueError(f"the mask is {mask.shape} and the slave {slave.shape}")
     dtype, scale = slave.dtype, 1.0
-    if dtype not in (C_INT_16, C_FLT_2):
+    if dtype not in _PIXEL_TYPES:
         scale = _scale(slave)
         slave = from_complex(np.asarray(slave, "c8") * np.float32(scale), C_FLT_2)
     pixels = np.ascontiguousarray(slave)
     pairs = pixels.view("i2").reshape(pixels.shape + (2,))
-    image, valid = _core.resample_pairs(pairs, pixels.dtype == C_FLT_2, mask, mapping, kernel,
+    image, valid = _core.resample_pairs(pairs, _PIXEL_TYPES[pixels.dtype], mask, mapping, kernel,
                                         doppler, shape, imaging_mode, ps_mode, threads, log)
     image = image.view(pixels.dtype)
-    if dtype not in (C_INT_16, C_FLT_2):
+    if dtype not in _PIXEL_TYPES:
         image = to_complex(image) / np.float32(scale)
     return Resampled(image, valid)
+
+
+# What is resampled as it is, by the names of the library.
+_PIXEL_TYPES = {C_INT_16: "c_int_16", C_FLT_2: "c_flt_2"}
 
 
 def _scale(image: np.ndarray) -> float:

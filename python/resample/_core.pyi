@@ -37,7 +37,7 @@ class Doppler:
                  first_range_time: float = ..., log: Optional[Log] = ...) -> None: ...
     def frequency(self, line: npt.ArrayLike, sample: npt.ArrayLike) -> npt.NDArray[np.float64]: ...
 
-def resample_pairs(slave: npt.NDArray[np.int16], is_float: bool,
+def resample_pairs(slave: npt.NDArray[np.int16], pixel_type: str,
                    mask: Optional[npt.NDArray[np.uint8]], mapping: Mapping, kernel: Kernel,
                    doppler: Doppler, shape: tuple[int, int], imaging_mode: str, ps_mode: bool,
                    threads: Optional[int], log: Optional[Log]
