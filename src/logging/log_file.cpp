@@ -104,9 +104,10 @@ LOG_FILE::TROUBLE LOG_FILE::Open(const std::string& name) {
     name_ = LeaveTemporary();
     return {"can not write logging file: " + name, Reason(error), "the log is kept in: " + name_};
   }
+  TROUBLE trouble = RemoveTemporary();
   name_ = name;
   Hold(std::move(file));
-  return RemoveTemporary();
+  return trouble;
 }
 
 LOG_FILE::TROUBLE LOG_FILE::Write(std::string_view lines) {
@@ -121,15 +122,19 @@ LOG_FILE::TROUBLE LOG_FILE::Write(std::string_view lines) {
     return {};
   }
   const std::string name = temporary_name_.empty() ? name_ : temporary_name_;
+  if (!temporary_name_.empty()) {
+    KeepTemporaryFile(file_.Get());  // for `Open`, which carries over what it holds
+  }
   descriptor_ = -1;
   file_.Close();
   return {"can not write logging file: " + name, Reason(error), "logging goes on without it"};
 }
 
 LOG_FILE::TROUBLE LOG_FILE::Close() {
+  TROUBLE trouble = RemoveTemporary();
   descriptor_ = -1;
   file_.Close();
-  return RemoveTemporary();
+  return trouble;
 }
 
 void LOG_FILE::RemoveTemporaryFile() const noexcept {
@@ -155,6 +160,7 @@ void LOG_FILE::OpenTemporary() {
   }
 }
 
+/// Before the file is closed: without its lock another process takes it for left over.
 LOG_FILE::TROUBLE LOG_FILE::RemoveTemporary() {
   if (temporary_name_.empty()) {
     return {};

@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <thread>
+#include <vector>
 
 #include "logging/logging.h"
 #include "support/temporary_directory.h"
@@ -124,6 +126,24 @@ TEST_F(LOG_FILE, TemporaryLogOfAKilledProcessGoesWithTheNextOne) {
   LOGGING("", "", NO_MESSAGE, DEBUG) << INFO << "next";
   EXPECT_FALSE(std::filesystem::exists(left_over));
   EXPECT_TRUE(std::filesystem::exists(OpenFile(living)));
+}
+
+TEST_F(LOG_FILE, TemporaryLogsOfRunsAtOneTimeAreLeftAlone) {
+  std::vector<std::thread> threads;
+  for (const char* name : {"a", "b", "c", "d"}) {
+    threads.emplace_back([path = Path(name)] {
+      for (int run = 0; run < 300; ++run) {
+        LOGGING log("", "", NO_MESSAGE, DEBUG);
+        log << INFO << "early";
+        log.Open(path);
+        log << INFO << "late";
+        EXPECT_EQ(ReadFile(path), "INFO  : early\nINFO  : late\n");
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
 }
 
 TEST_F(LOG_FILE, LogThatCanNotBeWrittenEndsWithAWholeLineAndOneReport) {
