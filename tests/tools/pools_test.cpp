@@ -228,6 +228,20 @@ TEST_F(POOLS, CheckTellsWhatARunWouldRefuse) {
   EXPECT_NE(Faults("--for resample").find("needs 6 coefficients, it has 5"), std::string::npos);
 }
 
+TEST_F(POOLS, TheCopyThatAKilledUpdateHasLeftIsTold) {
+  const std::string copy = Path("pool_000000");
+  WriteFile(copy, "key INT_32 1\n");
+  std::filesystem::permissions(copy, std::filesystem::perms(01600));
+  Write("");
+  const std::string pool = Path("a.pool");
+  for (const std::string command : {"list ", "check "}) {
+    const std::string output = Shell(std::string(SLCTOOL_PROGRAM) + " pool " + command + pool);
+    const std::string warning = "slctool: warning: parameter file " + pool + " is empty; ";
+    EXPECT_TRUE(output.starts_with(warning) && output.find(copy) != std::string::npos) << output;
+    EXPECT_EQ(output.find("WARN"), std::string::npos) << output;
+  }
+}
+
 TEST_F(POOLS, SetMakesAPoolWhereItIsToldTo) {
   EXPECT_THROW(Pool("set", "--create a INT_32 x"), std::invalid_argument);
   EXPECT_FALSE(std::filesystem::exists(Path("a.pool")));

@@ -7,9 +7,11 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <set>
 #include <stdexcept>
 
 #include "common/new_files.h"
+#include "logging/logging.h"
 #include "logging/printable_text.h"
 #include "pools/pool_listing.h"
 #include "pools/pool_setting.h"
@@ -19,6 +21,25 @@
 namespace {
 
 using JSON = nlohmann::ordered_json;
+
+/// What the log warns of while it lives, as of a copy that a killed update has left, goes to
+/// standard error, each once.
+class SHOWN_WARNINGS {
+ public:
+  SHOWN_WARNINGS() {
+    Log().SetReceiver([this](LOGGING_LEVEL_T level, std::string_view text) {
+      if (level == LOGGING_LEVEL_T::WARNING && shown_.emplace(text).second) {
+        std::cerr << "slctool: warning: " << text << "\n";
+      }
+    });
+  }
+  ~SHOWN_WARNINGS() { Log().SetReceiver({}); }
+  SHOWN_WARNINGS(const SHOWN_WARNINGS&) = delete;
+  SHOWN_WARNINGS& operator=(const SHOWN_WARNINGS&) = delete;
+
+ private:
+  std::set<std::string, std::less<>> shown_;
+};
 
 /// Bytes that are no UTF-8 are replaced.
 std::string Dump(const JSON& value, int indentation = -1) {
@@ -87,6 +108,7 @@ void PrintJson(const POOL_LISTING& listing) {
 }
 
 void PrintValue(const std::string& file, const std::string& key) {
+  const SHOWN_WARNINGS warnings;
   const POOL_LISTING listing = ListPool(file);
   const auto found = std::find_if(listing.entries.begin(), listing.entries.end(),
                                   [&](const LISTED_ENTRY& entry) { return entry.key == key; });
@@ -130,6 +152,7 @@ std::vector<std::string> RunFaults(const POOL_LISTING& listing, const CHECK_OPTI
 }
 
 void Check(const CHECK_OPTIONS& options) {
+  const SHOWN_WARNINGS warnings;
   const POOL_LISTING listing = ListPool(options.file);
   for (const POOL_FAULT& fault : listing.faults) {
     std::cout << options.file << ":" << fault.line << ": "
@@ -179,6 +202,7 @@ void AddList(CLI::App& pool) {
   command->add_option("FILE", *file, "Parameter pool")->required();
   command->add_flag("--json", *as_json, "As JSON, with whole values and line numbers");
   command->callback([file, as_json] {
+    const SHOWN_WARNINGS warnings;
     const POOL_LISTING listing = ListPool(*file);
     *as_json ? PrintJson(listing) : PrintTable(listing);
   });
@@ -206,6 +230,7 @@ struct SET_OPTIONS {
 };
 
 void Set(const SET_OPTIONS& options) {
+  const SHOWN_WARNINGS warnings;
   if (!options.create || std::filesystem::exists(options.file)) {
     options.WriteTo(options.file);
     return;
