@@ -5,11 +5,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
+#include <system_error>
+#include <vector>
 
 #include "basics/stack_error.h"
 #include "description/slave_files.h"
+#include "system/file_descriptor.h"
 
 namespace {
 
@@ -35,6 +39,34 @@ fs::path NewFolder(const fs::path& parent, const std::string& name) {
     throw STACK_ERROR("can not create a folder in the scratch folder " + parent.string());
   }
   return folder;
+}
+
+[[noreturn]] void Fail(const std::string& what, const fs::path& path) {
+  throw std::system_error(errno, std::generic_category(), what + path.string());
+}
+
+/// In large blocks, since each request takes its time on the way to a storage; blocks of zeros are
+/// left out, as a run leaves them.
+void CopyFile(const fs::path& from, const fs::path& to) {
+  constexpr std::size_t block_size = 4 << 20;
+  const FILE_DESCRIPTOR source(from.c_str(), O_RDONLY);
+  const FILE_DESCRIPTOR copy(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+  std::vector<char> block(block_size);
+  ssize_t length = source.IsOpen() ? 1 : -1;
+  while (length > 0 && (length = ::read(source.Get(), block.data(), block_size)) > 0) {
+    const bool is_zero =
+        std::all_of(block.begin(), block.begin() + length, [](char byte) { return byte == 0; });
+    if (is_zero ? ::lseek(copy.Get(), length, SEEK_CUR) < 0
+                : !copy.Write(block.data(), static_cast<std::size_t>(length))) {
+      Fail("can not write ", to);
+    }
+  }
+  if (length < 0) {
+    Fail("can not read ", from);
+  }
+  if (!copy.SetLength(::lseek(copy.Get(), 0, SEEK_CUR))) {
+    Fail("can not write ", to);
+  }
 }
 
 /// Forgets what memory holds of a file that is on the disk, so that the disk is read next.
@@ -70,11 +102,11 @@ SCRATCH_COPIES::SCRATCH_COPIES(const SLAVE_PLAN& plan, const std::string& name)
     for (const std::string& raster : ParametersOf({PARAMETER_KIND::RASTER})) {
       if (const auto found = parameters_.find(raster); found != parameters_.end()) {
         const fs::path copy = folder_ / raster;
-        fs::copy_file(found->second, copy);
+        CopyFile(found->second, copy);
         found->second = copy.string();
       }
     }
-  } catch (const fs::filesystem_error&) {
+  } catch (const std::system_error&) {
     fs::remove_all(folder_);
     throw;
   }
@@ -93,7 +125,7 @@ SCRATCH_COPIES::~SCRATCH_COPIES() {
 
 void SCRATCH_COPIES::BringOutputsBack() const {
   for (const auto& [copy, output] : outputs_) {
-    fs::copy_file(copy, output, fs::copy_options::overwrite_existing);
+    CopyFile(copy, output);
     DropPages(output);
     if (!HaveSameContent(copy, output)) {
       throw STACK_ERROR(output.string() + " does not hold what was written to it");
