@@ -69,20 +69,26 @@ int ExpectedInteger(double value) {
 }
 
 /// Numbers of one row, encoded by all levels of the processor.
-template <class PIXEL, class EXPECTED>
-void CheckRow(const PIXEL_FUNCTIONS<PIXEL>& functions, const double (&row)[strip_columns],
+template <class CODEC, class EXPECTED>
+void CheckRow(CODEC, const ROW_FUNCTIONS& row_functions, const double (&row)[strip_columns],
               EXPECTED expected) {
+  using PIXEL = typename CODEC::PIXEL;
+  const PIXEL_FUNCTIONS<PIXEL>& functions = row_functions.pixels.Of<PIXEL>();
   PIXEL encoded[strip_columns] = {};
-  if (!functions.encode({row, row}, strip_columns, encoded)) {
+  const ENCODED_ROW result = functions.encode({row, row}, strip_columns, encoded);
+  if (!result.is_complete) {
     Require(std::any_of(row, row + strip_columns,
                         [](double value) { return !(std::abs(value) < 0x1p30); }),
             "ordinary numbers were not encoded");
     return;
   }
+  int at_ends = 0;
   for (int x = 0; x < strip_columns; ++x) {
     const auto pattern = static_cast<decltype(PIXEL::re)>(expected(row[x]));
     Require(encoded[x].re == pattern && encoded[x].im == pattern, "encoded row");
+    at_ends += CODEC::IsAtEnd(pattern) ? 2 : 0;
   }
+  Require(result.at_ends == at_ends, "components at an end of the range");
 }
 
 void CheckDecoding() {
@@ -113,8 +119,8 @@ void CheckEncoding(const double (&row)[strip_columns]) {
     Require(INT_16_CODEC::Encode(value) == ExpectedInteger(value), "encoded integer");
   }
   for (const LEVEL& level : SupportedLevels()) {
-    CheckRow<BINARY_16_CODEC::PIXEL>(level.functions->pixels, row, ExpectedPattern);
-    CheckRow<INT_16_CODEC::PIXEL>(level.functions->pixels, row, ExpectedInteger);
+    CheckRow(BINARY_16_CODEC(), *level.functions, row, ExpectedPattern);
+    CheckRow(INT_16_CODEC(), *level.functions, row, ExpectedInteger);
   }
 }
 
