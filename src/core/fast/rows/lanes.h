@@ -71,6 +71,31 @@ inline LANES MultiplyAdd(LANES a, LANES b, LANES c) {
 #endif
 }
 
+#if defined(__x86_64__) && !defined(__AVX2__)
+// The compiler takes flags apart where the processor has no instruction for lanes of integers.
+inline LANE_FLAGS Less(LANES a, LANES b) {
+  return reinterpret_cast<LANE_FLAGS>(_mm_cmplt_pd(a, b));
+}
+inline LANE_FLAGS Equal(LANES a, LANES b) {
+  return reinterpret_cast<LANE_FLAGS>(_mm_cmpeq_pd(a, b));
+}
+inline LANES Choose(LANE_FLAGS flags, LANES set, LANES unset) {
+  return reinterpret_cast<LANES>((flags & reinterpret_cast<LANE_FLAGS>(set)) |
+                                 (~flags & reinterpret_cast<LANE_FLAGS>(unset)));
+}
+#else
+inline LANE_FLAGS Less(LANES a, LANES b) {
+  return a < b;
+}
+inline LANE_FLAGS Equal(LANES a, LANES b) {
+  return a == b;
+}
+/// `set` where a flag is set, else `unset`.
+inline LANES Choose(LANE_FLAGS flags, LANES set, LANES unset) {
+  return flags ? set : unset;
+}
+#endif
+
 /// One bit a lane, the lowest one for the first.
 inline unsigned MaskOf(LANE_FLAGS flags) {
 #if defined(__AVX512F__)
@@ -88,7 +113,7 @@ inline unsigned MaskOf(LANE_FLAGS flags) {
 /// last bits of the mantissa.
 inline constexpr double to_integer = 0x1.8p52;
 
-/// The largest integers not above the values, for magnitudes below 2^51.
+/// The largest integers not above the values, from 0 to 2^31; any value for others.
 inline LANES Floor(LANES values) {
 #if defined(__AVX512F__)
   return _mm512_maskz_roundscale_pd(all_lanes, values, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
@@ -97,8 +122,7 @@ inline LANES Floor(LANES values) {
 #elif defined(__aarch64__)
   return vrndmq_f64(values);
 #else
-  const LANES nearest = (values + to_integer) - to_integer;
-  return nearest - (nearest > values ? LANES{1.0, 1.0} : LANES{});
+  return _mm_cvtepi32_pd(_mm_cvttpd_epi32(values));
 #endif
 }
 
@@ -113,6 +137,9 @@ using FLOATS [[gnu::vector_size(lanes * sizeof(float))]] = float;
 struct COMPLEX_PAIRS {
   LANES value;
 };
+inline COMPLEX_PAIRS Multiply(COMPLEX_PAIRS a, COMPLEX_PAIRS b) {
+  return {a.value * b.value};
+}
 inline COMPLEX_PAIRS MultiplyAdd(COMPLEX_PAIRS a, COMPLEX_PAIRS b, COMPLEX_PAIRS c) {
   return {MultiplyAdd(a.value, b.value, c.value)};
 }
@@ -170,6 +197,9 @@ struct COMPLEX_PAIRS {
   LANES first;
   LANES second;
 };
+inline COMPLEX_PAIRS Multiply(COMPLEX_PAIRS a, COMPLEX_PAIRS b) {
+  return {a.first * b.first, a.second * b.second};
+}
 inline COMPLEX_PAIRS MultiplyAdd(COMPLEX_PAIRS a, COMPLEX_PAIRS b, COMPLEX_PAIRS c) {
   return {MultiplyAdd(a.first, b.first, c.first), MultiplyAdd(a.second, b.second, c.second)};
 }

@@ -26,8 +26,9 @@ void Centroid(const RANGE_POLYNOMIAL& polynomial, const double* range_time, int 
       sum = sum * dt + c[k];
     }
     sum *= polynomial.scale;
-    const LANE_FLAGS fits = (sum >= -polynomial.limit) & (sum <= polynomial.limit);
-    Store(fits ? sum : nan, value + x);
+    const LANE_FLAGS is_larger =
+        Less(sum, zero - polynomial.limit) | Less(zero + polynomial.limit, sum);
+    Store(Choose(is_larger, nan, sum), value + x);
   }
 }
 
@@ -114,7 +115,7 @@ bool CloseSineCosine(const double* turns, COMPLEX_ROW phasor) {
   LANE_FLAGS close = ~LANE_FLAGS{};
   for (int x = 0; x < strip_columns; x += lanes) {
     const LANES rest = Load(turns + x) - middle;
-    close &= (rest > -limit) & (rest < limit);
+    close &= Less(zero - limit, rest) & Less(rest, zero + limit);
     const LANES q = rest * rest;
     LANES s = zero + 81.60524927607506;                // (2 pi)^5 / 5!
     s = MultiplyAdd(s, q, zero - 41.341702240399755);  // (2 pi)^3 / 3!
@@ -125,7 +126,7 @@ bool CloseSineCosine(const double* turns, COMPLEX_ROW phasor) {
     Store(MultiplyAdd(at_middle.re, c, -(at_middle.im * s)), phasor.re + x);
     Store(MultiplyAdd(at_middle.im, c, at_middle.re * s), phasor.im + x);
   }
-  return MaskOf(close) == (1U << lanes) - 1;
+  return MaskOf(close) == all_lanes;
 }
 
 }  // namespace

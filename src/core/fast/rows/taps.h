@@ -11,7 +11,7 @@ namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
 
 /// Puts values in the place of others. A set bit of the result is a lane in which they differ.
 inline std::uint64_t Replace(double* held, int x, LANES values) {
-  const std::uint64_t changed = MaskOf(Load(held + x) != values);
+  const std::uint64_t changed = MaskOf(~Equal(Load(held + x), values));
   Store(values, held + x);
   return changed << x;
 }
@@ -32,8 +32,8 @@ inline std::uint64_t FindJoined(const double* sample, const double* line_shift) 
   for (int x = 0; x < strip_columns; x += lanes) {
     const LANES samples = Load(sample + x);
     const LANES shifts = Load(line_shift + x);
-    const LANE_FLAGS flags = (samples == OneBefore(sample_before, samples, all) + 1.0) &
-                             (shifts == OneBefore(shift_before, shifts, all));
+    const LANE_FLAGS flags = Equal(samples, OneBefore(sample_before, samples, all) + 1.0) &
+                             Equal(shifts, OneBefore(shift_before, shifts, all));
     joined |= std::uint64_t{MaskOf(flags)} << x;
     sample_before = samples;
     shift_before = shifts;
@@ -49,28 +49,30 @@ TAP_CHANGES LocateTaps(const double* rg, const double* az, double line,
   const LANES rg_below = zero + limits.rg_below;
   const LANES az_above = zero + limits.az_above;
   const LANES az_below = zero + limits.az_below;
-  const LANES none = zero + no_tap;
   TAP_CHANGES changes{};
   for (int x = 0; x < strip_columns; x += lanes) {
     const LANES range = Load(rg + x);
     const LANES azimuth = Load(az + x);
-    const LANE_FLAGS computed =
-        (range > rg_above) & (range < rg_below) & (azimuth > az_above) & (azimuth < az_below);
-    const LANES whole_range = Floor(range);
-    const LANES whole_azimuth = Floor(azimuth);
-    const LANES fa = azimuth - whole_azimuth;
-    const LANES rg_steps = Floor((range - whole_range) * subpix_count + 0.5);
-    const LANES az_steps = Floor(fa * subpix_count + 0.5);
-    const LANES sample = computed ? whole_range : none;
-    const LANES line_shift = computed ? whole_azimuth - line : none;
-    const LANES range_step = computed ? rg_steps : none;
-    const LANES azimuth_step = computed ? az_steps : none;
+    const unsigned computed = MaskOf(Less(rg_above, range) & Less(range, rg_below) &
+                                     Less(az_above, azimuth) & Less(azimuth, az_below));
+    LANES sample = Floor(range);
+    LANES line_shift = Floor(azimuth);
+    const LANES fa = azimuth - line_shift;
+    LANES range_step = Floor((range - sample) * subpix_count + 0.5);
+    LANES azimuth_step = Floor(fa * subpix_count + 0.5);
+    line_shift -= line;
+    if (computed != all_lanes) {
+      for (LANES* const values : {&sample, &line_shift, &range_step, &azimuth_step}) {
+        *values = Choose(FlagsOf(computed), *values, zero + no_tap);
+      }
+    }
     Store(fa, taps.fa + x);
-    changes.computed |= std::uint64_t{MaskOf(computed)} << x;
-    const LANE_FLAGS changed =
-        (sample != Load(taps.sample + x)) | (line_shift != Load(taps.line_shift + x)) |
-        (range_step != Load(taps.range_step + x)) | (azimuth_step != Load(taps.azimuth_step + x));
-    if (MaskOf(changed) != 0) {
+    changes.computed |= std::uint64_t{computed} << x;
+    const LANE_FLAGS same = Equal(sample, Load(taps.sample + x)) &
+                            Equal(line_shift, Load(taps.line_shift + x)) &
+                            Equal(range_step, Load(taps.range_step + x)) &
+                            Equal(azimuth_step, Load(taps.azimuth_step + x));
+    if (MaskOf(same) != all_lanes) {
       changes.shifted |= Replace(taps.sample, x, sample) | Replace(taps.line_shift, x, line_shift);
       changes.range |= Replace(taps.range_step, x, range_step);
       changes.azimuth |= Replace(taps.azimuth_step, x, azimuth_step);
