@@ -143,7 +143,7 @@ TEST_P(FastCoreTest, EqualsTheEvaluationOfSinglePixelsBeforeEncoding) {
   EXPECT_GT(computed, 3000);
 }
 
-INSTANTIATE_TEST_SUITE_P(Lengths, FastCoreTest, testing::Range(1, 41));
+INSTANTIATE_TEST_SUITE_P(Lengths, FastCoreTest, testing::Range(shortest_kernel, 41));
 
 /// A centroid that turns the taps of a kernel by so many turns over its length.
 struct LARGE_PHASE {

@@ -39,7 +39,7 @@ void ResampleAs(CODEC, const RESAMPLE_THR_ARG& argument, const ROW_FUNCTIONS& fu
 
 void ResampleBlockFast(const RESAMPLE_THR_ARG& argument, const ROW_FUNCTIONS& functions) {
   const int length = argument.job.kernel->Length();
-  if (length < 1 || length > longest_kernel) {
+  if (length < shortest_kernel || length > longest_kernel) {
     ResampleBlock(argument);
     return;
   }

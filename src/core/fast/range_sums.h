@@ -27,7 +27,7 @@ class RANGE_SUMS {
         filter_run_(functions.range_filter(length_)),
         filter_footprint_(pixel_functions.footprint_filter(length_)),
         weights_(kernel, functions),
-        sums_(2 * ImaginaryDistance()) {}
+        sums_(2 * strip_columns * (static_cast<int>(row_mask_) + 1)) {}
 
   /// Brings the sums to the line at which the columns are. `lines` holds what the runs read.
   void Update(const COLUMN_TRACKER& columns, const SLAVE_LINES<PIXEL>& lines) {
@@ -57,11 +57,8 @@ class RANGE_SUMS {
   /// More moved columns than these of a group are made anew faster all together.
   static constexpr int most_alone = 2;
 
-  int ImaginaryDistance() const { return (static_cast<int>(row_mask_) + 1) * strip_columns; }
-
   SUM_LINES SumsFrom(int x, int k) {
-    double* re = sums_.Values() + x;
-    return {{re, re + ImaginaryDistance()}, row_mask_, oldest_row_ + static_cast<unsigned>(k)};
+    return {sums_.Values() + x, row_mask_, oldest_row_ + static_cast<unsigned>(k)};
   }
 
   /// A run some of whose columns have moved. Returns those of them that are left to do one by one.
@@ -106,5 +103,5 @@ class RANGE_SUMS {
   const FOOTPRINT_FILTER<PIXEL> filter_footprint_;
   unsigned oldest_row_ = 0;
   WEIGHT_ROWS weights_;
-  ALIGNED_VALUES<double> sums_;  ///< a ring of rows of real parts, then of imaginary ones
+  ALIGNED_VALUES<double> sums_;  ///< a ring of rows: real parts, imaginary parts
 };

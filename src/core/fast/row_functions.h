@@ -14,7 +14,8 @@ inline constexpr int strip_columns = 64;
 /// multiples of it, except where they say otherwise.
 inline constexpr int group_columns = 8;
 
-/// Longer kernels are left to the plain core.
+/// Shorter and longer kernels are left to the plain core.
+inline constexpr int shortest_kernel = 2;
 inline constexpr int longest_kernel = 128;
 
 /// Complex values of a run of columns, apart.
@@ -124,16 +125,17 @@ struct RING_LINES {
   }
 };
 
-/// The sums along range of the lines of a footprint, likewise in a ring, of rows of
-/// `strip_columns`.
+/// The sums along range of the lines of a footprint, likewise in a ring: a row of `strip_columns`
+/// real parts, then as many imaginary ones.
 struct SUM_LINES {
-  COMPLEX_ROW rows;
+  double* rows;
   unsigned row_mask;
   unsigned first;
 
-  std::ptrdiff_t Line(int i) const {
-    return static_cast<std::ptrdiff_t>((first + static_cast<unsigned>(i)) & row_mask) *
-           strip_columns;
+  COMPLEX_ROW Line(int i) const {
+    double* re = rows + static_cast<std::ptrdiff_t>((first + static_cast<unsigned>(i)) & row_mask) *
+                            (2 * strip_columns);
+    return {re, re + strip_columns};
   }
 };
 

@@ -20,27 +20,26 @@ class SLAVE_LINES {
               const PIXEL_FUNCTIONS<PIXEL>& pixel_functions)
       : slave_(slave),
         length_(length),
-        row_mask_(std::bit_ceil(static_cast<unsigned>(length + COLUMN_TRACKER::most_lines_apart)) -
-                  1),
         width_(RoundedUp(COLUMN_TRACKER::most_samples_apart + group_columns + length + reserve)),
         decode_(pixel_functions.decode),
         filter_mask_(functions.filter_mask),
-        pixels_(2 * width_ * (static_cast<int>(row_mask_) + 1)),
-        valid_(slave.mask != nullptr ? width_ * (static_cast<int>(row_mask_) + 1) : 0) {}
+        pixels_(2 * width_ * RowsFor(length + COLUMN_TRACKER::most_lines_apart)),
+        valid_(slave.mask != nullptr ? width_ * RowsFor(length + COLUMN_TRACKER::most_lines_apart)
+                                     : 0) {}
 
   /// Brings in what is missing of a window.
   void Hold(const SLAVE_WINDOW& window) {
     if (window.first_sample < first_sample_ || window.end_sample > end_sample_) {
       MoveTo(window);
     }
-    if (window.first_line < first_line_ || window.first_line > end_line_) {
-      Empty(window.first_line);
+    const bool is_elsewhere = window.first_line < first_line_ || window.first_line > end_line_;
+    if (is_elsewhere || window.end_line - window.first_line > Capacity()) {
+      Empty(window);
     }
     for (; end_line_ < window.end_line; ++end_line_) {
       Bring(end_line_);
     }
-    const std::int64_t capacity = std::int64_t{row_mask_} + 1;
-    first_line_ = std::max(first_line_, end_line_ - capacity);
+    first_line_ = std::max(first_line_, end_line_ - Capacity());
   }
 
   /// The real parts from a sample of a line on; imaginary parts lie `ImaginaryDistance` behind.
@@ -62,6 +61,11 @@ class SLAVE_LINES {
   /// Samples on either side of a window that are brought in too, so that it can move.
   static constexpr int reserve = 12;
 
+  static int RowsFor(int lines) {
+    return static_cast<int>(std::bit_ceil(static_cast<unsigned>(lines)));
+  }
+  std::int64_t Capacity() const { return std::int64_t{row_mask_} + 1; }
+
   static constexpr int RoundedUp(int count) {
     return (count + group_columns - 1) / group_columns * group_columns;
   }
@@ -71,11 +75,14 @@ class SLAVE_LINES {
     first_sample_ = window.first_sample - reserve / 3;
     end_sample_ = first_sample_ +
                   RoundedUp(static_cast<int>(window.end_sample - first_sample_) + reserve / 3);
-    Empty(window.first_line);
+    Empty(window);
   }
 
-  void Empty(std::int64_t next_line) {
-    first_line_ = end_line_ = next_line;
+  /// Takes no more rows than the window needs, so that they stay in the nearest cache.
+  void Empty(const SLAVE_WINDOW& window) {
+    row_mask_ =
+        static_cast<unsigned>(RowsFor(static_cast<int>(window.end_line - window.first_line))) - 1;
+    first_line_ = end_line_ = window.first_line;
     last_invalid_line_ = -1;
   }
 
@@ -117,11 +124,11 @@ class SLAVE_LINES {
 
   const SLAVE_ROWS<PIXEL> slave_;
   const int length_;
-  const unsigned row_mask_;
   const int width_;  ///< of a row
   const decltype(PIXEL_FUNCTIONS<PIXEL>::decode) decode_;
   const decltype(ROW_FUNCTIONS::filter_mask) filter_mask_;
 
+  unsigned row_mask_ = 0;          ///< of the rows in use
   std::int64_t first_sample_ = 0;  ///< of all lines that are held
   std::int64_t end_sample_ = 0;
   std::int64_t first_line_ = 0;

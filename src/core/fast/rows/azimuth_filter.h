@@ -22,15 +22,16 @@ void FilterAzimuth(const double* weights, const SUM_LINES& filtered, int length,
     const LANES cosine = Load(phasors.ramp.re + x);
     const LANES sine = Load(phasors.ramp.im + x);
     const LANES twice = cosine + cosine;
-    LANES b1_re{};
-    LANES b1_im{};
+    const LANES first_weight = Load(weights + std::ptrdiff_t{taps - 1} * strip_columns + x);
+    LANES b1_re = first_weight * Load(filtered.Line(taps - 1).re + x);
+    LANES b1_im = first_weight * Load(filtered.Line(taps - 1).im + x);
     LANES b2_re{};
     LANES b2_im{};
 #pragma GCC unroll 16
-    for (int k = taps - 1; k >= 0; --k) {
+    for (int k = taps - 2; k >= 0; --k) {
       const LANES w = Load(weights + std::ptrdiff_t{k} * strip_columns + x);
-      const LANES re = Load(filtered.rows.re + filtered.Line(k) + x);
-      const LANES im = Load(filtered.rows.im + filtered.Line(k) + x);
+      const LANES re = Load(filtered.Line(k).re + x);
+      const LANES im = Load(filtered.Line(k).im + x);
       const LANES b_re = MultiplyAdd(twice, b1_re, MultiplyAdd(w, re, -b2_re));
       const LANES b_im = MultiplyAdd(twice, b1_im, MultiplyAdd(w, im, -b2_im));
       b2_re = b1_re;
@@ -67,16 +68,14 @@ void FilterAzimuthWithRate(const double* weights, const SUM_LINES& filtered, int
     LANES next_re = MultiplyAdd(r_re, step_re, -(r_im * step_im));
     LANES next_im = MultiplyAdd(r_re, step_im, r_im * step_re);
     const double* w = weights + x;
-    const double* re = filtered.rows.re + x;
-    const double* im = filtered.rows.im + x;
     const LANES first_weight = Load(w + std::ptrdiff_t{taps - 1} * strip_columns);
-    LANES s_re = first_weight * Load(re + filtered.Line(taps - 1));
-    LANES s_im = first_weight * Load(im + filtered.Line(taps - 1));
+    LANES s_re = first_weight * Load(filtered.Line(taps - 1).re + x);
+    LANES s_im = first_weight * Load(filtered.Line(taps - 1).im + x);
 #pragma GCC unroll 16
     for (int k = taps - 2; k >= 0; --k) {
       const LANES weight = Load(w + std::ptrdiff_t{k} * strip_columns);
-      const LANES term_re = weight * Load(re + filtered.Line(k));
-      const LANES term_im = weight * Load(im + filtered.Line(k));
+      const LANES term_re = weight * Load(filtered.Line(k).re + x);
+      const LANES term_im = weight * Load(filtered.Line(k).im + x);
       const LANES turned_re = MultiplyAdd(s_re, r_re, MultiplyAdd(-s_im, r_im, term_re));
       s_im = MultiplyAdd(s_re, r_im, MultiplyAdd(s_im, r_re, term_im));
       s_re = turned_re;

@@ -35,13 +35,14 @@ class COLUMN_WEIGHTS<0> {
 };
 
 template <int LENGTH>
-COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<LENGTH>& weights, const double* re,
-                            const double* im, int length) {
+[[gnu::always_inline]] inline COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<LENGTH>& weights,
+                                                          const double* re, const double* im,
+                                                          int length) {
   const int taps = LENGTH > 0 ? LENGTH : length;
-  COMPLEX_LANES even{};
-  COMPLEX_LANES odd{};
+  COMPLEX_LANES even = {weights[0] * Load(re), weights[0] * Load(im)};
+  COMPLEX_LANES odd = {weights[1] * Load(re + 1), weights[1] * Load(im + 1)};
 #pragma GCC unroll 8
-  for (int j = 0; j + 1 < taps; j += 2) {
+  for (int j = 2; j + 1 < taps; j += 2) {
     even.re = MultiplyAdd(weights[j], Load(re + j), even.re);
     even.im = MultiplyAdd(weights[j], Load(im + j), even.im);
     odd.re = MultiplyAdd(weights[j + 1], Load(re + j + 1), odd.re);
@@ -75,9 +76,7 @@ void FilterRange(const double* weights, const RING_LINES<double>& decoded,
                  std::ptrdiff_t decoded_im, int length, int count, std::uint64_t columns,
                  int line_count, const SUM_LINES& sums) {
   if (line_count == 1 && columns == AllColumns(count)) {
-    const std::ptrdiff_t row = sums.Line(0);
-    FilterLine<LENGTH>(weights, decoded.Line(0), decoded_im, length, count,
-                       {sums.rows.re + row, sums.rows.im + row});
+    FilterLine<LENGTH>(weights, decoded.Line(0), decoded_im, length, count, sums.Line(0));
     return;
   }
   for (int x = 0; x < count; x += lanes) {
@@ -89,11 +88,11 @@ void FilterRange(const double* weights, const RING_LINES<double>& decoded,
     for (int k = 0; k < line_count; ++k) {
       const double* pixels = decoded.Line(k) + x;
       COMPLEX_LANES sum = SumAlongRange<LENGTH>(held, pixels, pixels + decoded_im, length);
-      double* re = sums.rows.re + sums.Line(k) + x;
-      double* im = sums.rows.im + sums.Line(k) + x;
+      double* re = sums.Line(k).re + x;
+      double* im = sums.Line(k).im + x;
       if (wanted != all_lanes) {
         const LANE_FLAGS flags = FlagsOf(wanted);
-        sum = {flags ? sum.re : Load(re), flags ? sum.im : Load(im)};
+        sum = {Choose(flags, sum.re, Load(re)), Choose(flags, sum.im, Load(im))};
       }
       Store(sum.re, re);
       Store(sum.im, im);
@@ -120,18 +119,18 @@ void FilterFootprint(const PIXEL* const* lines, std::int64_t sample, const doubl
     for (int i = 0; i < pair_lines; ++i) {
       pixels[i] = lines[k + i < line_count ? k + i : k] + sample;
     }
-    COMPLEX_PAIRS sum{};
+    COMPLEX_PAIRS sum = Multiply(twice_each[0], DecodePairs(pixels));
 #pragma GCC unroll 8
-    for (int j = 0; j + 1 < taps; j += 2) {
-      sum = MultiplyAdd(twice_each[j / 2], DecodePairs(pixels), sum);
+    for (int j = 2; j + 1 < taps; j += 2) {
       for (const PIXEL*& pixel : pixels) {
         pixel += 2;
       }
+      sum = MultiplyAdd(twice_each[j / 2], DecodePairs(pixels), sum);
     }
     if (taps % 2 != 0) {
       PIXEL last[pair_lines][2] = {};
       for (int i = 0; i < pair_lines; ++i) {
-        __builtin_memcpy(static_cast<void*>(last[i]), static_cast<const void*>(pixels[i]),
+        __builtin_memcpy(static_cast<void*>(last[i]), static_cast<const void*>(pixels[i] + 2),
                          sizeof(PIXEL));
         pixels[i] = last[i];
       }
@@ -140,8 +139,8 @@ void FilterFootprint(const PIXEL* const* lines, std::int64_t sample, const doubl
     COMPLEX<double> totals[pair_lines];
     StoreSums(sum, totals);
     for (int i = 0; i < pair_lines && k + i < line_count; ++i) {
-      sums.rows.re[sums.Line(k + i)] = totals[i].re;
-      sums.rows.im[sums.Line(k + i)] = totals[i].im;
+      *sums.Line(k + i).re = totals[i].re;
+      *sums.Line(k + i).im = totals[i].im;
     }
   }
 }
