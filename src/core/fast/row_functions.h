@@ -134,7 +134,7 @@ struct SUM_LINES {
 
   COMPLEX_ROW Line(int i) const {
     double* re = rows + static_cast<std::ptrdiff_t>((first + static_cast<unsigned>(i)) & row_mask) *
-                            (2 * strip_columns);
+                            (std::ptrdiff_t{2} * strip_columns);
     return {re, re + strip_columns};
   }
 };
