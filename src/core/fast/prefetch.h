@@ -6,9 +6,10 @@
 /// lie too far apart for the processor to foresee.
 inline void Prefetch(const void* begin, const void* end) {
   constexpr std::uintptr_t cache_line = 64;
+  constexpr int second_level = 2;  // what a strip keeps needs the first level of the cache
   const auto* byte = static_cast<const char*>(begin);
   byte -= reinterpret_cast<std::uintptr_t>(byte) % cache_line;
   for (; byte < end; byte += cache_line) {
-    __builtin_prefetch(byte);
+    __builtin_prefetch(byte, 0, second_level);
   }
 }

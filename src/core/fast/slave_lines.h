@@ -70,11 +70,14 @@ class SLAVE_LINES {
     return (count + group_columns - 1) / group_columns * group_columns;
   }
 
-  /// Makes room for other samples.
+  /// Makes room for other samples. A window that has left those that are held by little will go on
+  /// to move.
   void MoveTo(const SLAVE_WINDOW& window) {
-    first_sample_ = window.first_sample - reserve / 3;
-    end_sample_ = first_sample_ +
-                  RoundedUp(static_cast<int>(window.end_sample - first_sample_) + reserve / 3);
+    const std::int64_t distance = window.first_sample - first_sample_;
+    const int margin = distance > -reserve && distance < reserve ? reserve / 3 : 0;
+    first_sample_ = window.first_sample - margin;
+    end_sample_ =
+        first_sample_ + RoundedUp(static_cast<int>(window.end_sample - first_sample_) + margin);
     Empty(window);
   }
 
