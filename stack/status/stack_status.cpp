@@ -81,7 +81,9 @@ STACK_STATUS STACK_WATCH::Look(const ACTIVE_SLAVES& active, bool has_starter) {
 SLAVE_STATUS STACK_WATCH::LookAt(const std::string& name, const SURROUNDINGS& surroundings) {
   const auto [known, is_new] = known_.try_emplace(name);
   const auto& queue = surroundings.queue;
-  if (is_new || (queue ? queue->IsRunning() : !known->second.IsDone())) {
+  // What waits in the queue can have run before.
+  const bool may_run = queue && (queue->IsRunning() || known->second.is_at_work);
+  if (is_new || may_run || (!queue && !known->second.IsDone())) {
     known->second = ReadStatus(name);
   }
   SLAVE_STATUS slave = known->second;
@@ -125,6 +127,9 @@ void STACK_WATCH::Correct(SLAVE_STATUS& slave, const SURROUNDINGS& surroundings)
   if (queue && !queue->IsRunning()) {
     slave.state = queue->state == QUEUE_STATE::WAITING ? SLAVE_STATE::WAITING : SLAVE_STATE::HELD;
     slave.reason = queue->reason;
+    if (slave.is_at_work) {  // as on a node that Slurm has lost and that lives
+      slave.reason += "; its last run is still at work";
+    }
   } else if (queue && slave.IsWaiting()) {
     slave.state = SLAVE_STATE::RUNNING;
     slave.reason = queue->reason;
