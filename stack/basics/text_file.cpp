@@ -9,6 +9,8 @@
 #include <iterator>
 #include <system_error>
 
+#include "system/whole_write.h"
+
 namespace {
 
 /// A file of a unique name beside another one, removed unless it takes its place.
@@ -29,11 +31,7 @@ class NEW_TEXT_FILE {
   }
 
   void Write(std::string_view text) const {
-    while (!text.empty()) {
-      const ssize_t written = ::write(descriptor_, text.data(), text.size());
-      ThrowUnless(written >= 0 || errno == EINTR);
-      text.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
-    }
+    ThrowUnless(WriteWhole(descriptor_, text) == text.size());
   }
 
   /// With the permissions of other new files, and on the disk before the name leads to it.
