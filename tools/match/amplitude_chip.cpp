@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <span>
 
 namespace {
@@ -69,8 +70,9 @@ double Sweep(std::span<const VALUE> products, double least) {
 /// have unit power.
 ///
 /// A spectrum that fills the band has no centroid to speak of, and one from noise would do harm:
-/// what is less than four times what uncorrelated pixels add up to counts for nothing.
-void RemoveCarrier(COMPLEX_ARRAY& pixels, const AXIS& axis) {
+/// what is less than four times what uncorrelated pixels add up to counts for nothing, and
+/// `usual`, in turns a pixel, takes its place.
+void RemoveCarrier(COMPLEX_ARRAY& pixels, const AXIS& axis, double usual) {
   constexpr double sure = 4.0;
   const std::vector<VALUE> products = NeighbourProducts(pixels, axis);
   const double noise = std::sqrt(static_cast<double>(axis.count));
@@ -83,7 +85,7 @@ void RemoveCarrier(COMPLEX_ARRAY& pixels, const AXIS& axis) {
   }
   const bool is_sure =
       std::abs(sum) > sure * std::sqrt(static_cast<double>(axis.other_count)) * noise;
-  const double centre = is_sure ? std::arg(sum) : 0.0;
+  const double centre = is_sure ? std::arg(sum) : 2.0 * std::numbers::pi * usual;
   double phase = 0.0;
   for (int i = 0; i < axis.count; ++i) {
     const std::complex<float> turn(std::polar(1.0, -phase));
@@ -97,8 +99,9 @@ void RemoveCarrier(COMPLEX_ARRAY& pixels, const AXIS& axis) {
 
 }  // namespace
 
-AMPLITUDE_CHIP::AMPLITUDE_CHIP(const RANGE_AZIMUTH<int>& size)
+AMPLITUDE_CHIP::AMPLITUDE_CHIP(const RANGE_AZIMUTH<int>& size, double centroid)
     : size_(size),
+      centroid_(centroid),
       columns_(size.range + 2 * margin),
       rows_(size.azimuth + 2 * margin),
       forward_(rows_, columns_, FOURIER_DIRECTION::FORWARD),
@@ -111,8 +114,8 @@ AMPLITUDE_CHIP::AMPLITUDE_CHIP(const RANGE_AZIMUTH<int>& size)
 
 void AMPLITUDE_CHIP::Load(const RASTER_READER& image, std::int64_t sample, std::int64_t line) {
   ReadPixels(image, sample - margin, line - margin);
-  RemoveCarrier(pixels_, {rows_, columns_, columns_, 1});
-  RemoveCarrier(pixels_, {columns_, 1, rows_, columns_});
+  RemoveCarrier(pixels_, {rows_, columns_, columns_, 1}, centroid_);
+  RemoveCarrier(pixels_, {columns_, 1, rows_, columns_}, 0.0);
   WidenSpectrum();
   Detect();
 }

@@ -14,14 +14,15 @@
 /// would be aliased, and a correlation of them biased towards whole and half pixels. A steered or
 /// squinted image may moreover have its azimuth spectrum anywhere, also across the ends of the
 /// band, and moving along the lines: centroid and sweep are estimated from the data, from the
-/// phases between neighbouring pixels, and removed before the spectrum is widened. Only the
-/// amplitudes are used later, so that nothing has to be put back.
+/// phases between neighbouring pixels, and removed before the spectrum is widened. Where it almost
+/// fills the band a chip is too small to tell its centroid, and that of the whole image serves.
+/// Only the amplitudes are used later, so that nothing has to be put back.
 class AMPLITUDE_CHIP {
  public:
   static constexpr int samples_a_pixel = 2;
 
-  /// For rectangles of this size in pixels.
-  explicit AMPLITUDE_CHIP(const RANGE_AZIMUTH<int>& size);
+  /// For rectangles of this size in pixels, of an image with this azimuth centroid [turns a line].
+  AMPLITUDE_CHIP(const RANGE_AZIMUTH<int>& size, double centroid);
 
   /// Reads and detects the rectangle that begins at this sample and line, which may lie in part or
   /// as a whole outside the image. Pixels without data, those that are 0 or not finite, and those
@@ -51,6 +52,7 @@ class AMPLITUDE_CHIP {
   }
 
   RANGE_AZIMUTH<int> size_;
+  double centroid_;
   int columns_;  ///< with the margins
   int rows_;
   COMPLEX_TRANSFORM forward_;

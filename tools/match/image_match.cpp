@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "base/parallel_lines.h"
+#include "check_run/image_centroid.h"
 #include "common/polynomial_fit.h"
 
 namespace {
@@ -38,24 +39,22 @@ RANGE_AZIMUTH<double> Centre(const MATCH_GRID& grid, const WINDOW_SHAPE& shape, 
               static_cast<double>(row) * grid.posting.azimuth + 0.5 * (shape.window.azimuth - 1)};
 }
 
-std::vector<MATCHED_SHIFT> MatchAll(const RASTER_READER& master, const RASTER_READER& slave,
-                                    const WINDOW_SHAPE& shape, const MATCH_GRID& grid,
-                                    const EXPECTED_SHIFT& expected,
+std::vector<MATCHED_SHIFT> MatchAll(const IMAGE_PAIR& pair, const WINDOW_SHAPE& shape,
+                                    const MATCH_GRID& grid, const EXPECTED_SHIFT& expected,
                                     const std::function<void(double)>& progress) {
   std::vector<MATCHED_SHIFT> shifts(static_cast<std::size_t>(grid.count.range) *
                                     static_cast<std::size_t>(grid.count.azimuth));
   std::mutex mutex;
   int finished = 0;
   ForEachLine(grid.count.azimuth, [&](std::int64_t row) {
-    WINDOW_MATCH window(shape);
+    WINDOW_MATCH window(shape, pair);
     for (int column = 0; column < grid.count.range; ++column) {
       const auto index = static_cast<std::size_t>(row * grid.count.range + column);
       const auto [x, y] = Centre(grid, shape, index);
-      shifts[index] =
-          window
-              .Find(master, slave, grid.first.range + std::int64_t{column} * grid.posting.range,
-                    grid.first.azimuth + row * grid.posting.azimuth, expected.At(x, y))
-              .value_or(NoMatch());
+      shifts[index] = window
+                          .Find(grid.first.range + std::int64_t{column} * grid.posting.range,
+                                grid.first.azimuth + row * grid.posting.azimuth, expected.At(x, y))
+                          .value_or(NoMatch());
     }
     const std::lock_guard lock(mutex);
     progress(static_cast<double>(++finished) / grid.count.azimuth);
@@ -99,20 +98,32 @@ MATCH_GRID PilotGrid(const RASTER_READER& master, const WINDOW_SHAPE& shape) {
       {axis(master.Width(), shape.window.range), axis(master.Height(), shape.window.azimuth)});
 }
 
+/// Of the whole image [turns a line]; 0 where the data do not tell it.
+double CentroidOf(const RASTER_READER& image) {
+  constexpr std::int64_t most_pairs = 4096;
+  const IMAGE_LINES lines{
+      .n_samples = image.Width(),
+      .n_lines = image.Height(),
+      .read = [&image](std::int64_t line, std::span<std::complex<double>> values) {
+        image.ReadLine(line, 0, values);
+      }};
+  const IMAGE_CENTROID centroid = MeasureCentroid(lines, nullptr, most_pairs);
+  return centroid.IsMeasured() ? centroid.data.Turns() : 0.0;
+}
+
 /// The coarse shift everywhere, or a surface through large windows where enough of them match.
-EXPECTED_SHIFT ExpectShifts(const RASTER_READER& master, const RASTER_READER& slave,
-                            const COARSE_SHIFT& coarse) {
+EXPECTED_SHIFT ExpectShifts(const IMAGE_PAIR& pair, const COARSE_SHIFT& coarse) {
   constexpr int window = 128;
   constexpr int least_search = 32;
   const EXPECTED_SHIFT expected{{coarse.shift.range}, {coarse.shift.azimuth}};
-  if (master.Width() < window || master.Height() < window) {
+  if (pair.master.Width() < window || pair.master.Height() < window) {
     return expected;
   }
   const WINDOW_SHAPE shape{{window, window},
                            {std::max(least_search, 2 * coarse.cell.range),
                             std::max(least_search, 2 * coarse.cell.azimuth)}};
-  const MATCH_GRID grid = PilotGrid(master, shape);
-  const auto shifts = MatchAll(master, slave, shape, grid, expected, [](double) {});
+  const MATCH_GRID grid = PilotGrid(pair.master, shape);
+  const auto shifts = MatchAll(pair, shape, grid, expected, [](double) {});
   return FitSurfaces(shifts, shape, grid).value_or(expected);
 }
 
@@ -158,8 +169,9 @@ MATCHES MatchImages(const RASTER_READER& master, const RASTER_READER& slave,
                     const WINDOW_SHAPE& shape, const MATCH_GRID& grid,
                     const std::function<void(double)>& progress) {
   MATCHES matches{grid, FindCoarseShift(master, slave), {}};
-  const EXPECTED_SHIFT expected = ExpectShifts(master, slave, matches.coarse);
-  matches.shifts = MatchAll(master, slave, shape, grid, expected, progress);
+  const IMAGE_PAIR pair{master, slave, CentroidOf(master), CentroidOf(slave)};
+  const EXPECTED_SHIFT expected = ExpectShifts(pair, matches.coarse);
+  matches.shifts = MatchAll(pair, shape, grid, expected, progress);
   if (std::all_of(matches.shifts.begin(), matches.shifts.end(),
                   [](const MATCHED_SHIFT& shift) { return shift.snr == 0.0; })) {
     throw std::runtime_error("no window of " + master.Path() + " has a match in " + slave.Path());

@@ -31,10 +31,11 @@ std::array<double, 3> ParabolaWeights(double x) {
 
 }  // namespace
 
-WINDOW_MATCH::WINDOW_MATCH(const WINDOW_SHAPE& shape)
+WINDOW_MATCH::WINDOW_MATCH(const WINDOW_SHAPE& shape, const IMAGE_PAIR& pair)
     : shape_(shape),
-      master_(shape.window),
-      slave_(SearchedSize(shape)),
+      pair_(pair),
+      master_(shape.window, pair.master_centroid),
+      slave_(SearchedSize(shape), pair.slave_centroid),
       columns_(slave_.Columns()),
       rows_(slave_.Rows()),
       forward_(rows_, columns_),
@@ -47,16 +48,14 @@ WINDOW_MATCH::WINDOW_MATCH(const WINDOW_SHAPE& shape)
       squares_(sums_.size()),
       surface_(static_cast<std::size_t>(LagRows() * LagColumns())) {}
 
-std::optional<MATCHED_SHIFT> WINDOW_MATCH::Find(const RASTER_READER& master,
-                                                const RASTER_READER& slave, std::int64_t sample,
-                                                std::int64_t line,
+std::optional<MATCHED_SHIFT> WINDOW_MATCH::Find(std::int64_t sample, std::int64_t line,
                                                 const RANGE_AZIMUTH<std::int64_t>& expected) {
   constexpr double least_share = 0.75;
-  master_.Load(master, sample, line);
+  master_.Load(pair_.master, sample, line);
   if (master_.DataShare({}, shape_.window) < least_share) {
     return std::nullopt;
   }
-  slave_.Load(slave, sample + expected.range - shape_.search.range,
+  slave_.Load(pair_.slave, sample + expected.range - shape_.search.range,
               line + expected.azimuth - shape_.search.azimuth);
   Correlate();
   SumSquares();

@@ -7,6 +7,14 @@
 
 #include "match/amplitude_chip.h"
 
+/// Two images and their azimuth centroids [turns a line], 0 where these are not known.
+struct IMAGE_PAIR {
+  const RASTER_READER& master;
+  const RASTER_READER& slave;
+  double master_centroid = 0.0;
+  double slave_centroid = 0.0;
+};
+
 /// Sizes in pixels.
 struct WINDOW_SHAPE {
   RANGE_AZIMUTH<int> window = {64, 64};
@@ -33,13 +41,12 @@ struct MATCHED_SHIFT {
 /// pixels are thus no different from whole pixels.
 class WINDOW_MATCH {
  public:
-  explicit WINDOW_MATCH(const WINDOW_SHAPE& shape);
+  WINDOW_MATCH(const WINDOW_SHAPE& shape, const IMAGE_PAIR& pair);
 
   /// Shift of the window whose first pixel is given, looked for around the expected one. Nothing
   /// where less than three quarters of the window have data in either image, or where the
   /// correlation is largest at the end of the search.
-  std::optional<MATCHED_SHIFT> Find(const RASTER_READER& master, const RASTER_READER& slave,
-                                    std::int64_t sample, std::int64_t line,
+  std::optional<MATCHED_SHIFT> Find(std::int64_t sample, std::int64_t line,
                                     const RANGE_AZIMUTH<std::int64_t>& expected);
 
  private:
@@ -75,6 +82,7 @@ class WINDOW_MATCH {
   NINE Correlations(const LAG& centre, double step) const;
 
   WINDOW_SHAPE shape_;
+  const IMAGE_PAIR& pair_;
   AMPLITUDE_CHIP master_;
   AMPLITUDE_CHIP slave_;
   int columns_;  ///< of the transforms
