@@ -133,8 +133,9 @@ struct SUM_LINES {
   unsigned first;
 
   COMPLEX_ROW Line(int i) const {
-    double* re = rows + static_cast<std::ptrdiff_t>((first + static_cast<unsigned>(i)) & row_mask) *
-                            (std::ptrdiff_t{2} * strip_columns);
+    constexpr std::ptrdiff_t row_length = 2 * static_cast<std::ptrdiff_t>(strip_columns);
+    const unsigned row = (first + static_cast<unsigned>(i)) & row_mask;
+    double* const re = rows + row_length * static_cast<std::ptrdiff_t>(row);
     return {re, re + strip_columns};
   }
 };
