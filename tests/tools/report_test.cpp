@@ -150,7 +150,10 @@ TEST_F(REPORT_TEST, OpensWithTheQualityOfTheOutput) {
   });
   EXPECT_EQ(Count(fringes, misfit), 0U) << "of a signal with fringes";
   EXPECT_EQ(Count(fringes, "<dd>1.25 % (30)</dd>"), 1U) << "half the components of a column in 40";
-  page_of(PIXEL_TYPE::C_FLT_6, [](int, int) { return VALUE(1e-45, 0.0); });  // has no decibels
+  Real("match_snr.ras", 5, 4, [](int, int) { return 9.0; });
+  EXPECT_EQ(Count(page_of(PIXEL_TYPE::C_FLT_6, [](int, int) { return VALUE(1e-45, 0.0); }),
+                  "<strong>Signal-to-noise ratio of the shifts, match_snr.ras.</strong>"),
+            1U);
   EXPECT_EQ(Count(Page("none.ras"), "Fit to the master: MEM_MGR: can not open: none.ras."), 1U);
 }
 

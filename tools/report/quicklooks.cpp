@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <filesystem>
 #include <functional>
+#include <string_view>
 
 #include "base/error_exception.h"
 #include "common/figure_text.h"
@@ -65,6 +67,30 @@ void AddShifts(QUICKLOOK_GROUP& group, const char* title, const char* unit, cons
       return figure;
     }));
   }
+}
+
+/// What `match` and `interferogram` have left in the directory of the run.
+QUICKLOOK_GROUP DrawPairFiles(const RUN_RECORD& run) {
+  constexpr std::pair<std::string_view, const char*> kinds[] = {
+      {"_snr.ras", "Signal-to-noise ratio of the shifts"}, {"_coherence.ras", "Coherence"}};
+  QUICKLOOK_GROUP group{"Measured shifts and interferogram", {}};
+  std::vector<std::filesystem::path> paths;
+  for (const auto& entry : std::filesystem::directory_iterator(run.Resolved("."))) {
+    paths.push_back(entry.path());
+  }
+  std::sort(paths.begin(), paths.end());
+  for (const auto& [end, name] : kinds) {
+    for (const std::filesystem::path& path : paths) {
+      const std::string file = path.filename().string();
+      if (file.ends_with(end)) {
+        group.pictures.push_back(Draw(std::string(name) + ", " + file, [&](QUICKLOOK&) {
+          const SHOWN_RASTER raster(path.string());
+          return ValueFigure(raster, SizeFor(raster));
+        }));
+      }
+    }
+  }
+  return group;
 }
 
 /// The shifts of a mapping polynomial over the output.
@@ -164,6 +190,7 @@ std::vector<QUICKLOOK_GROUP> DrawQuicklooks(const RUN_RECORD& run, const std::st
     AddPairs(groups, run, master);
   }
   groups.push_back(DrawShifts(run));
+  groups.push_back(DrawPairFiles(run));
   if (const PATH mask = run.Output("MaskOut")) {
     const auto draw = [&](QUICKLOOK&) {
       const SHOWN_RASTER raster(*mask);
