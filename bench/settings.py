@@ -51,13 +51,13 @@ def centroids(build, directory, size):
     for turns in CENTROIDS:
         scene = _scene(build, directory / f"centroid{turns}", size, "--warp", 0.4)
         pool = scene / "slave.pool"
-        prf = float(re.search(r"^prf FLT_15 (\S+)$", pool.read_text(), re.M)[1])
-        text = re.sub(r"(fdc_poly_coeff FLT_15_M 0 \d+ 0 )\d+\n\{\n(?:\{[^}]*\}\n)+",
+        prf = float(re.search(r"^prf +FLT_15 +(\S+)$", pool.read_text(), re.M)[1])
+        text = re.sub(r"(fdc_poly_coeff +FLT_15_M +0 \d+ 0 )\d+\s*\{\s*(?:\{[^}]*\}\s*)+",
                       lambda found: _constant(found[1], turns * prf), pool.read_text())
         pool.write_text(text)
         for length in LENGTHS:
             contenders[length, turns] = _run(build, scene, size, length, 64)
-    return contenders
+    return dict(sorted(contenders.items()))
 
 
 def _constant(begin, frequency):
