@@ -87,7 +87,7 @@ void MeasureDoppler(const DOPPLER_OPTIONS& options) {
   const IMAGE_CENTROID centroid =
       MeasureCentroid(slave.Lines(), is_annotated ? &model : nullptr, most_pairs);
   WriteCentroid(centroid, model.Prf(), std::cout);
-  if (const std::string objection = centroid.Objection(); !objection.empty()) {
+  if (const std::string objection = centroid.Objection(); is_annotated && !objection.empty()) {
     std::cout << "warning: " << objection << "\n";
   }
   if (!options.picture.empty()) {
