@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <filesystem>
 #include <functional>
 #include <limits>
 #include <optional>
@@ -21,6 +22,7 @@
 #include "logging/logging.h"
 #include "picture/multilook.h"
 #include "report/histograms.h"
+#include "report/shift_fit.h"
 #include "report/shown_raster.h"
 
 namespace {
@@ -216,9 +218,7 @@ std::string SpanText(const SPAN& span, const char* unit) {
   return FormattedText("%.4g to %.4g %s", span.least, span.most, unit);
 }
 
-void MeasurePhysics(const RUN_RECORD& run, QUALITY& quality) {
-  RESAMPLE_INPUT input;
-  FillInput(run, input);
+void MeasurePhysics(const RESAMPLE_INPUT& input, QUALITY& quality) {
   const RUN_PHYSICS physics = LookAtPhysics(input, 0);
   quality.figures.push_back(
       {"Doppler centroid",
@@ -228,6 +228,43 @@ void MeasurePhysics(const RUN_RECORD& run, QUALITY& quality) {
        ""});
   quality.figures.push_back({"Range shift", SpanText(physics.range_shift, "samples"), ""});
   quality.figures.push_back({"Azimuth shift", SpanText(physics.azimuth_shift, "lines"), ""});
+}
+
+void AddDepartures(const std::string& of_what, const RANGE_AZIMUTH<DEPARTURE>& departures,
+                   QUALITY& quality) {
+  const auto add = [&](const char* axis, const DEPARTURE& departure, const char* unit) {
+    const std::string text = FigureText(departure.rms, 3) + " " + unit + " RMS, " +
+                             FigureText(departure.largest, 3) + " at most, of " +
+                             std::to_string(departure.points);
+    quality.figures.push_back({axis + of_what, text, ""});
+  };
+  add("Range shifts, ", departures.range, "samples");
+  add("Azimuth shifts, ", departures.azimuth, "lines");
+}
+
+/// The prefixes of what `match` has left in the directory of the run.
+std::vector<std::string> MeasuredShifts(const RUN_RECORD& run) {
+  constexpr std::string_view end = "_range.ras";
+  std::vector<std::string> prefixes;
+  for (const auto& entry : std::filesystem::directory_iterator(run.Resolved("."))) {
+    const std::string path = entry.path().string();
+    const std::string prefix = path.substr(0, path.size() - std::min(path.size(), end.size()));
+    if (path.ends_with(end) && std::filesystem::exists(prefix + ".pool")) {
+      prefixes.push_back(prefix);
+    }
+  }
+  std::sort(prefixes.begin(), prefixes.end());
+  return prefixes;
+}
+
+void MeasureShifts(const RUN_RECORD& run, const RESAMPLE_INPUT& input, QUALITY& quality) {
+  Try(quality, "Shifts, mapping less polynomial",
+      [&] { AddDepartures("mapping less polynomial", DepartureFromPolynomials(input), quality); });
+  for (const std::string& prefix : MeasuredShifts(run)) {
+    const std::string name = std::filesystem::path(prefix).filename().string() + " less mapping";
+    Try(quality, ("Shifts, " + name).c_str(),
+        [&] { AddDepartures(name, DepartureFromMapping(prefix, *input.mapping), quality); });
+  }
 }
 
 }  // namespace
@@ -240,6 +277,11 @@ QUALITY MeasureQuality(const RUN_RECORD& run, const std::string& master) {
   Try(quality, "Valid pixels", [&] { MeasureValidShare(run, quality); });
   Try(quality, "Saturated components", [&] { MeasureValues(run, quality); });
   AddFindings(run, quality);
-  Try(quality, "Centroid and shifts", [&] { MeasurePhysics(run, quality); });
+  Try(quality, "Centroid and shifts", [&] {
+    RESAMPLE_INPUT input;
+    FillInput(run, input);
+    MeasurePhysics(input, quality);
+    MeasureShifts(run, input, quality);
+  });
   return quality;
 }
