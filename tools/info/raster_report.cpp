@@ -88,8 +88,9 @@ void WritePercentiles(const AMPLITUDE_HISTOGRAM& amplitudes, std::ostream& repor
 }  // namespace
 
 void WriteRasterReport(const std::string& path, std::ostream& report) {
+  const RASTER_HEADER header = ReadRasterHeader(path);
   report << "file: " << PrintableText(path) << "\n";
-  WriteHeader(ReadRasterHeader(path), report);
+  WriteHeader(header, report);
   report.flush();
   const RASTER_READER raster(path);
   if (raster.Type() == PIXEL_TYPE::RGB) {

@@ -1,5 +1,6 @@
 #include "mask/mask_command.h"
 
+#include <cstdint>
 #include <iostream>
 #include <memory>
 
@@ -27,6 +28,7 @@ void AddMaskCommand(CLI::App& app) {
     if (*finite) {
       options->invalid.clear();
     }
-    std::cout << "valid pixels: " << WriteValidityMask(*options) << "\n";
+    const std::int64_t valid = WriteValidityMask(*options);
+    std::cout << "valid pixels: " << valid << "\n";
   });
 }
