@@ -15,7 +15,9 @@ WRITE_BACK::WRITE_BACK(std::vector<const MEM_MGR*> rasters) : rasters_(std::move
 
 /// Allocates nothing: an error must not leave a thread.
 void WRITE_BACK::CarryOverUntilEnded() {
-  constexpr std::chrono::milliseconds period(250);
+  // Pages on their way to the disk have to be had anew by the workers, which are not done with all
+  // of them: more often costs more time than it saves.
+  constexpr std::chrono::seconds period(1);
   std::unique_lock lock(mutex_);
   while (!ended_.wait_for(lock, period, [this] { return has_ended_; })) {
     for (const MEM_MGR* raster : rasters_) {
