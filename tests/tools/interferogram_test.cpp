@@ -8,22 +8,20 @@
 
 namespace {
 
-constexpr int width = 23;
+constexpr int width = 1123;  // more than is summed up at a time
 constexpr int height = 17;
 constexpr int looks_range = 5;
 constexpr int looks_azimuth = 3;
 
 class INTERFEROGRAM : public COMMAND_TEST {
  protected:
-  static VALUE First(int x, int y) {
-    return x == 7 && y == 4 ? VALUE(NAN, 1.0)
-                            : RandomSpeckle(1, static_cast<std::uint64_t>(x + 100 * y));
+  static VALUE Speckle(std::uint64_t seed, int x, int y) {
+    return RandomSpeckle(
+        seed, static_cast<std::uint64_t>(x) + std::uint64_t{width} * static_cast<std::uint64_t>(y));
   }
+  static VALUE First(int x, int y) { return x == 7 && y == 4 ? VALUE(NAN, 1.0) : Speckle(1, x, y); }
   static VALUE Second(int x, int y) {
-    const auto index = static_cast<std::uint64_t>(x + 100 * y);
-    return x == 8 && y == 5
-               ? VALUE()
-               : std::polar(2.0, -0.4) * RandomSpeckle(1, index) + RandomSpeckle(2, index);
+    return x == 8 && y == 5 ? VALUE() : std::polar(2.0, -0.4) * Speckle(1, x, y) + Speckle(2, x, y);
   }
   /// Nothing of the second cell of the first row.
   static bool IsValid(int x, int y) { return x % 4 != 0 && (x < 5 || x > 9 || y > 2); }
@@ -83,7 +81,7 @@ TEST_F(INTERFEROGRAM, CellsAreTheSumsOfTheirValidPixels) {
 
 TEST_F(INTERFEROGRAM, WhatCanNotBeMadeLeavesNothing) {
   MakeInputs();
-  for (const auto& [out, options] : {std::pair("out.ras", " --looks 24,1"),
+  for (const auto& [out, options] : {std::pair("out.ras", " --looks 1124,1"),
                                      {"out.ras", " --looks 0"},
                                      {"second", " --looks 1"},
                                      {"out.nothing", " --looks 1"},

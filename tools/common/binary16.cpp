@@ -2,32 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace {
 
 constexpr int mantissa_bits = 10;
 constexpr int exponent_bias = 15;
-constexpr int exponent_of_infinity = 31;
 constexpr double largest = 65504.0;
 const double smallest_normal = std::ldexp(1.0, 1 - exponent_bias);
 
 }  // namespace
-
-double Binary16ToDouble(std::uint16_t bits) noexcept {
-  const int exponent = (bits >> mantissa_bits) & 0x1F;
-  const int mantissa = bits & 0x3FF;
-  double magnitude = 0.0;
-  if (exponent == exponent_of_infinity) {
-    magnitude = mantissa == 0 ? std::numeric_limits<double>::infinity()
-                              : std::numeric_limits<double>::quiet_NaN();
-  } else if (exponent == 0) {
-    magnitude = std::ldexp(mantissa, 1 - exponent_bias - mantissa_bits);
-  } else {
-    magnitude = std::ldexp(mantissa + 0x400, exponent - exponent_bias - mantissa_bits);
-  }
-  return (bits & 0x8000) != 0 ? -magnitude : magnitude;
-}
 
 std::uint16_t DoubleToBinary16(double value) noexcept {
   if (std::isnan(value)) {

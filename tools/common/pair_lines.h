@@ -26,6 +26,8 @@ class PAIR_LINES {
     std::vector<VALUE> b;
     std::vector<VALUE> mask;
   };
+  /// So many pixels at a time stay in the nearest cache between the passes over them.
+  static constexpr std::int64_t handy_count = 512;
   /// Reads as many pixels as asked for, from `first` on. Throws as RASTER_READER::ReadLine does.
   void Read(std::int64_t line, std::int64_t first, std::int64_t count, LINE& pixels) const;
 

@@ -12,26 +12,25 @@ struct BINARY_16 {
   explicit operator double() const noexcept { return Binary16ToDouble(bits); }
 };
 
-template <class COMPONENT>
-double ReadComponent(const std::byte* from) noexcept {
-  COMPONENT component;
-  std::memcpy(&component, from, sizeof component);
-  return static_cast<double>(component);
+template <class STORED>
+double ReadNumber(const std::byte* from) noexcept {
+  STORED stored;
+  std::memcpy(&stored, from, sizeof stored);
+  return static_cast<double>(stored);
 }
 
-template <class COMPONENT>
+template <class STORED>
 void CopyReal(const std::byte* pixels, std::span<std::complex<double>> values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
-    values[i] = ReadComponent<COMPONENT>(pixels + i * sizeof(COMPONENT));
+    values[i] = ReadNumber<STORED>(pixels + i * sizeof(STORED));
   }
 }
 
-template <class COMPONENT>
-void CopyComplex(const std::byte* pixels, std::span<std::complex<double>> values) {
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    const std::byte* pixel = pixels + 2 * i * sizeof(COMPONENT);
-    values[i] = {ReadComponent<COMPONENT>(pixel),
-                 ReadComponent<COMPONENT>(pixel + sizeof(COMPONENT))};
+template <class STORED>
+void CopyPairs(const std::byte* pixels, std::span<std::complex<double>> values) {
+  auto* const numbers = reinterpret_cast<double*>(values.data());
+  for (std::size_t i = 0; i < 2 * values.size(); ++i) {
+    numbers[i] = ReadNumber<STORED>(pixels + i * sizeof(STORED));
   }
 }
 
@@ -72,15 +71,15 @@ void RASTER_READER::ReadLine(std::int64_t line, std::int64_t first,
     case PIXEL_TYPE::FLT_15:
       return CopyReal<double>(pixels, values);
     case PIXEL_TYPE::C_U_INT_8:
-      return CopyComplex<std::uint8_t>(pixels, values);
+      return CopyPairs<std::uint8_t>(pixels, values);
     case PIXEL_TYPE::C_INT_16:
-      return CopyComplex<std::int16_t>(pixels, values);
+      return CopyPairs<std::int16_t>(pixels, values);
     case PIXEL_TYPE::C_FLT_2:
-      return CopyComplex<BINARY_16>(pixels, values);
+      return CopyPairs<BINARY_16>(pixels, values);
     case PIXEL_TYPE::C_FLT_6:
-      return CopyComplex<float>(pixels, values);
+      return CopyPairs<float>(pixels, values);
     case PIXEL_TYPE::C_FLT_15:
-      return CopyComplex<double>(pixels, values);
+      return CopyPairs<double>(pixels, values);
     default:
       throw std::invalid_argument("pixels are no numbers in " + path_);
   }

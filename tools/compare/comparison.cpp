@@ -21,8 +21,11 @@ SUMS SumLines(const PAIR_LINES& pair, const REGION& region, const OF_LINE& of_li
   std::vector<SUMS> parts(static_cast<std::size_t>(region.n_lines));
   ForEachLine(region.n_lines, [&](std::int64_t i) {
     thread_local LINE line;
-    pair.Read(region.first_line + i, region.first_sample, region.n_samples, line);
-    parts[static_cast<std::size_t>(i)] = of_line(line);
+    const std::int64_t end = region.first_sample + region.n_samples;
+    for (std::int64_t first = region.first_sample; first < end; first += PAIR_LINES::handy_count) {
+      pair.Read(region.first_line + i, first, std::min(PAIR_LINES::handy_count, end - first), line);
+      parts[static_cast<std::size_t>(i)].Add(of_line(line));
+    }
   });
   SUMS sums;
   for (const SUMS& part : parts) {

@@ -1,5 +1,6 @@
 #include "interferogram/interferogram.h"
 
+#include <algorithm>
 #include <cmath>
 #include <mutex>
 #include <stdexcept>
@@ -9,20 +10,32 @@
 
 namespace {
 
-/// The sums of the cells of one row.
-std::vector<PAIR_SUMS> SumCells(const PAIR_LINES& pair, const RANGE_AZIMUTH<int>& looks,
-                                std::int64_t row, std::int64_t columns) {
+/// Sums up cells side by side in one row, from the sample `first` on.
+void SumCells(const PAIR_LINES& pair, const RANGE_AZIMUTH<int>& looks, std::int64_t row,
+              std::int64_t first, std::span<PAIR_SUMS> cells) {
   thread_local PAIR_LINES::LINE line;
   const auto width = static_cast<std::size_t>(looks.range);
-  std::vector<PAIR_SUMS> sums(static_cast<std::size_t>(columns));
+  const auto count = static_cast<std::int64_t>(cells.size() * width);
   for (int look = 0; look < looks.azimuth; ++look) {
-    pair.Read(row * looks.azimuth + look, 0, columns * looks.range, line);
+    pair.Read(row * looks.azimuth + look, first, count, line);
     const std::span<const PAIR_LINES::VALUE> a(line.a);
     const std::span<const PAIR_LINES::VALUE> b(line.b);
-    for (std::size_t column = 0; column < sums.size(); ++column) {
-      sums[column].Add(
-          SumPairs(a.subspan(column * width, width), b.subspan(column * width, width)));
+    for (std::size_t cell = 0; cell < cells.size(); ++cell) {
+      cells[cell].Add(SumPairs(a.subspan(cell * width, width), b.subspan(cell * width, width)));
     }
+  }
+}
+
+/// The sums of the cells of one row.
+std::vector<PAIR_SUMS> SumRow(const PAIR_LINES& pair, const RANGE_AZIMUTH<int>& looks,
+                              std::int64_t row, std::int64_t columns) {
+  std::vector<PAIR_SUMS> sums(static_cast<std::size_t>(columns));
+  const std::int64_t handy_columns =
+      std::max<std::int64_t>(1, PAIR_LINES::handy_count / looks.range);
+  for (std::int64_t column = 0; column < columns; column += handy_columns) {
+    const std::span<PAIR_SUMS> cells(
+        sums.begin() + column, static_cast<std::size_t>(std::min(handy_columns, columns - column)));
+    SumCells(pair, looks, row, column * looks.range, cells);
   }
   return sums;
 }
@@ -59,7 +72,7 @@ void MakeInterferogram(const PAIR_LINES& pair, const RANGE_AZIMUTH<int>& looks,
   std::mutex mutex;
   std::int64_t finished = 0;
   ForEachLine(rows, [&](std::int64_t row) {
-    const std::vector<PAIR_SUMS> cells = SumCells(pair, looks, row, columns);
+    const std::vector<PAIR_SUMS> cells = SumRow(pair, looks, row, columns);
     interferogram.Write(row, Numbers(cells, [](const PAIR_SUMS& cell, auto& numbers) {
                           numbers.push_back(OrZero(cell, cell.cross.real() / cell.weight));
                           numbers.push_back(OrZero(cell, cell.cross.imag() / cell.weight));
