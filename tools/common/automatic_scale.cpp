@@ -2,26 +2,22 @@
 
 #include <algorithm>
 #include <cmath>
+#include <concepts>
+#include <limits>
+#include <type_traits>
+
+#include "common/stored_number.h"
 
 namespace {
 
 /// What the percentile is brought to at most; 0 for types that hold any number.
 double TargetOf(PIXEL_TYPE type) {
-  switch (type) {
-    case PIXEL_TYPE::U_INT_8:
-    case PIXEL_TYPE::C_U_INT_8:
-      return 0x1p6;
-    case PIXEL_TYPE::INT_16:
-    case PIXEL_TYPE::C_INT_16:
-      return 0x1p13;
-    case PIXEL_TYPE::INT_32:
-      return 0x1p29;
-    case PIXEL_TYPE::FLT_2:
-    case PIXEL_TYPE::C_FLT_2:
-      return 0x1p10;
-    default:
-      return 0.0;
-  }
+  return VisitStoredNumber(type, []<class STORED>(STORED) {
+    if constexpr (std::integral<STORED>) {
+      return std::exp2(std::numeric_limits<STORED>::digits - 2);
+    }
+    return std::is_same_v<STORED, BINARY_16> ? 0x1p10 : 0.0;
+  });
 }
 
 }  // namespace

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <concepts>
 #include <cstring>
 #include <limits>
-#include <stdexcept>
 
-#include "common/binary16.h"
+#include "common/stored_number.h"
 
 namespace {
 
@@ -17,13 +17,14 @@ struct ENCODED {
   double value;
 };
 
-template <class INTEGER>
-struct INTEGER_ENCODER {
-  static ENCODED<INTEGER> Encode(double number) noexcept {
-    using LIMITS = std::numeric_limits<INTEGER>;
+/// How numbers become pixels of the type NUMBER: here an integer.
+template <class NUMBER>
+struct ENCODER {
+  static ENCODED<NUMBER> Encode(double number) noexcept {
+    using LIMITS = std::numeric_limits<NUMBER>;
     const double rounded = std::isnan(number) ? 0.0 : std::nearbyint(number);
     const double value = std::clamp<double>(rounded, LIMITS::min(), LIMITS::max());
-    return {static_cast<INTEGER>(value), value};
+    return {static_cast<NUMBER>(value), value};
   }
   /// Whether a stored value is the end of the range that the number lies beyond.
   static bool IsClipped(double number, double value) noexcept {
@@ -31,8 +32,8 @@ struct INTEGER_ENCODER {
   }
 };
 
-template <class REAL>
-struct REAL_ENCODER {
+template <std::floating_point REAL>
+struct ENCODER<REAL> {
   static ENCODED<REAL> Encode(double number) noexcept {
     constexpr double largest = std::numeric_limits<REAL>::max();
     const double value = std::isfinite(number) ? std::clamp(number, -largest, largest) : number;
@@ -45,7 +46,8 @@ struct REAL_ENCODER {
   }
 };
 
-struct BINARY_16_ENCODER {
+template <>
+struct ENCODER<BINARY_16> {
   static ENCODED<std::uint16_t> Encode(double number) noexcept {
     const std::uint16_t bits = DoubleToBinary16(number);
     return {bits, Binary16ToDouble(bits)};
@@ -56,12 +58,12 @@ struct BINARY_16_ENCODER {
   }
 };
 
-struct STANDARD_BINARY_16_ENCODER : BINARY_16_ENCODER {
+struct STANDARD_BINARY_16_ENCODER : ENCODER<BINARY_16> {
   static ENCODED<std::uint16_t> Encode(double number) noexcept {
     constexpr double steps = 0x1p24;
     const double magnitude = std::nearbyint(std::abs(number) * steps);
     if (!(magnitude < 0x1p10)) {
-      return BINARY_16_ENCODER::Encode(number);
+      return ENCODER<BINARY_16>::Encode(number);
     }
     const int sign = std::signbit(number) && magnitude > 0.0 ? 0x8000 : 0;
     const auto bits = static_cast<std::uint16_t>(sign | static_cast<int>(magnitude));
@@ -69,10 +71,10 @@ struct STANDARD_BINARY_16_ENCODER : BINARY_16_ENCODER {
   }
 };
 
-template <class ENCODER>
+template <class ENCODING>
 void Encode(std::span<const double> numbers, std::byte* pixels, ENCODING_COUNTS& counts) {
   for (const double number : numbers) {
-    const auto encoded = ENCODER::Encode(number);
+    const auto encoded = ENCODING::Encode(number);
     std::memcpy(pixels, &encoded.stored, sizeof encoded.stored);
     pixels += sizeof encoded.stored;
     if (encoded.value == number) {
@@ -80,7 +82,7 @@ void Encode(std::span<const double> numbers, std::byte* pixels, ENCODING_COUNTS&
     }
     if (std::isnan(number)) {
       counts.not_a_number += std::isnan(encoded.value) ? 0 : 1;
-    } else if (ENCODER::IsClipped(number, encoded.value)) {
+    } else if (ENCODING::IsClipped(number, encoded.value)) {
       ++counts.clipped;
     } else {
       ++counts.rounded;
@@ -106,27 +108,8 @@ bool HoldsPairs(PIXEL_TYPE type) noexcept {
 
 void EncodePixels(PIXEL_TYPE type, std::span<const double> numbers, std::byte* pixels,
                   ENCODING_COUNTS& counts) {
-  switch (type) {
-    case PIXEL_TYPE::U_INT_8:
-    case PIXEL_TYPE::C_U_INT_8:
-      return Encode<INTEGER_ENCODER<std::uint8_t>>(numbers, pixels, counts);
-    case PIXEL_TYPE::INT_16:
-    case PIXEL_TYPE::C_INT_16:
-      return Encode<INTEGER_ENCODER<std::int16_t>>(numbers, pixels, counts);
-    case PIXEL_TYPE::INT_32:
-      return Encode<INTEGER_ENCODER<std::int32_t>>(numbers, pixels, counts);
-    case PIXEL_TYPE::FLT_2:
-    case PIXEL_TYPE::C_FLT_2:
-      return Encode<BINARY_16_ENCODER>(numbers, pixels, counts);
-    case PIXEL_TYPE::FLT_6:
-    case PIXEL_TYPE::C_FLT_6:
-      return Encode<REAL_ENCODER<float>>(numbers, pixels, counts);
-    case PIXEL_TYPE::FLT_15:
-    case PIXEL_TYPE::C_FLT_15:
-      return Encode<REAL_ENCODER<double>>(numbers, pixels, counts);
-    default:
-      throw std::invalid_argument("pixels of this type hold no numbers");
-  }
+  VisitStoredNumber(
+      type, [&]<class STORED>(STORED) { Encode<ENCODER<STORED>>(numbers, pixels, counts); });
 }
 
 void EncodeStandardBinary16(std::span<const double> numbers, std::byte* pixels,

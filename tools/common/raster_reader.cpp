@@ -3,14 +3,9 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "common/binary16.h"
+#include "common/stored_number.h"
 
 namespace {
-
-struct BINARY_16 {
-  std::uint16_t bits;
-  explicit operator double() const noexcept { return Binary16ToDouble(bits); }
-};
 
 template <class STORED>
 double ReadNumber(const std::byte* from) noexcept {
@@ -20,7 +15,7 @@ double ReadNumber(const std::byte* from) noexcept {
 }
 
 template <class STORED>
-void CopyReal(const std::byte* pixels, std::span<std::complex<double>> values) {
+void CopyNumbers(const std::byte* pixels, std::span<std::complex<double>> values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     values[i] = ReadNumber<STORED>(pixels + i * sizeof(STORED));
   }
@@ -57,30 +52,10 @@ const std::byte* RASTER_READER::Pixels(std::int64_t line, std::int64_t first,
 void RASTER_READER::ReadLine(std::int64_t line, std::int64_t first,
                              std::span<std::complex<double>> values) const {
   const std::byte* pixels = Pixels(line, first, values.size());
-  switch (type_) {
-    case PIXEL_TYPE::U_INT_8:
-      return CopyReal<std::uint8_t>(pixels, values);
-    case PIXEL_TYPE::INT_16:
-      return CopyReal<std::int16_t>(pixels, values);
-    case PIXEL_TYPE::INT_32:
-      return CopyReal<std::int32_t>(pixels, values);
-    case PIXEL_TYPE::FLT_2:
-      return CopyReal<BINARY_16>(pixels, values);
-    case PIXEL_TYPE::FLT_6:
-      return CopyReal<float>(pixels, values);
-    case PIXEL_TYPE::FLT_15:
-      return CopyReal<double>(pixels, values);
-    case PIXEL_TYPE::C_U_INT_8:
-      return CopyPairs<std::uint8_t>(pixels, values);
-    case PIXEL_TYPE::C_INT_16:
-      return CopyPairs<std::int16_t>(pixels, values);
-    case PIXEL_TYPE::C_FLT_2:
-      return CopyPairs<BINARY_16>(pixels, values);
-    case PIXEL_TYPE::C_FLT_6:
-      return CopyPairs<float>(pixels, values);
-    case PIXEL_TYPE::C_FLT_15:
-      return CopyPairs<double>(pixels, values);
-    default:
-      throw std::invalid_argument("pixels are no numbers in " + path_);
+  if (type_ == PIXEL_TYPE::RGB) {
+    throw std::invalid_argument("pixels are no numbers in " + path_);
   }
+  VisitStoredNumber(type_, [&]<class STORED>(STORED) {
+    IsComplex() ? CopyPairs<STORED>(pixels, values) : CopyNumbers<STORED>(pixels, values);
+  });
 }
