@@ -111,10 +111,3 @@ bool COLUMN_TRACKER::FitsWindow(const COLUMN_RUN& run) {
   window_ = wider;
   return true;
 }
-
-SLAVE_WINDOW COLUMN_TRACKER::WindowOfRuns() const {
-  const std::int64_t offset = footprint_.Offset();
-  const std::int64_t length = footprint_.Length();
-  return {window_.first_sample - offset, window_.end_sample - offset + group_columns - 1 + length,
-          window_.first_line + line_ - offset, window_.end_line + line_ - offset + length};
-}

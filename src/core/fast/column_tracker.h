@@ -69,7 +69,12 @@ class COLUMN_TRACKER {
   std::span<const COLUMN_RUN> Runs() const { return {runs_, run_count_}; }
   COLUMN_SET Singles() const { return singles_; }
   /// What the runs read, from the first tap of the first one to the last of the last one.
-  SLAVE_WINDOW WindowOfRuns() const;
+  SLAVE_WINDOW WindowOfRuns() const {
+    const std::int64_t offset = footprint_.Offset();
+    const std::int64_t length = footprint_.Length();
+    return {window_.first_sample - offset, window_.end_sample - offset + group_columns - 1 + length,
+            window_.first_line + line_ - offset, window_.end_line + line_ - offset + length};
+  }
   std::int64_t SlaveLine(const COLUMN_RUN& run) const { return run.line_shift + line_; }
   std::int64_t FirstTapSample(const COLUMN_RUN& run) const {
     return run.sample - footprint_.Offset();

@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-/// Asks for all cache lines of [begin, end) before they are needed. Neighbouring lines of a raster
-/// lie too far apart for the processor to foresee.
+/// Asks for all cache lines of [begin, end) before they are read. Neighbouring lines of a raster
+/// lie too far apart for the processor to foresee. The row function `prefetch_written` does it for
+/// what is written.
 inline void Prefetch(const void* begin, const void* end) {
   constexpr std::uintptr_t cache_line = 64;
   constexpr int second_level = 2;  // what a strip keeps needs the first level of the cache

@@ -233,5 +233,8 @@ struct ROW_FUNCTIONS {
   void (*combine_masks)(const RING_LINES<unsigned char>& masks, int length, int count,
                         unsigned char* valid);
 
+  /// Asks for all cache lines of [begin, end) before they are written.
+  void (*prefetch_written)(const void* begin, const void* end);
+
   FUNCTIONS_OF_ALL_PIXELS<PIXEL_CODECS> pixels;
 };

@@ -118,6 +118,10 @@ class SLAVE_LINES {
     if (line + lines_ahead < slave_.height) {
       const PIXEL* pixels = slave_.pixels[line + lines_ahead];
       Prefetch(pixels + first, pixels + end);
+      if (slave_.mask != nullptr) {
+        const unsigned char* mask = slave_.mask[line + lines_ahead];
+        Prefetch(mask + first, mask + end);
+      }
     }
   }
 

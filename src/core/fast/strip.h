@@ -8,7 +8,6 @@
 #include "core/fast/azimuth_sums.h"
 #include "core/fast/column_tracker.h"
 #include "core/fast/deramp_phasors.h"
-#include "core/fast/prefetch.h"
 #include "core/fast/range_sums.h"
 #include "core/fast/row_functions.h"
 #include "core/fast/slave_lines.h"
@@ -54,9 +53,7 @@ class STRIP {
       if (columns_.Computed().IsEmpty()) {
         continue;
       }
-      if (line < last_line) {
-        PrefetchOutput(line + 1);
-      }
+      PrefetchOutput(std::min(line + lines_ahead, last_line));
       if (!columns_.Runs().empty()) {
         slave_lines_.Hold(columns_.WindowOfRuns());
       }
@@ -71,16 +68,19 @@ class STRIP {
   }
 
  private:
+  /// From an output line to the one whose memory is asked for.
+  static constexpr unsigned lines_ahead = 1;
+
   static unsigned char* const* RowsOf(const MEM_MGR* mask) {
     return mask != nullptr ? mask->Rows<unsigned char>() : nullptr;
   }
 
   void PrefetchOutput(unsigned line) const {
     const PIXEL* pixels = output_[line] + first_column_;
-    Prefetch(pixels, pixels + column_count_);
+    functions_.prefetch_written(pixels, pixels + column_count_);
     if (output_mask_ != nullptr) {
       const unsigned char* mask = output_mask_[line] + first_column_;
-      Prefetch(mask, mask + column_count_);
+      functions_.prefetch_written(mask, mask + column_count_);
     }
   }
 

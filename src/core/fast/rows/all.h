@@ -10,6 +10,7 @@
 #include "core/fast/rows/phases.h"
 #include "core/fast/rows/pixels.h"
 #include "core/fast/rows/positions.h"
+#include "core/fast/rows/prefetch.h"
 #include "core/fast/rows/range_filter.h"
 #include "core/fast/rows/taps.h"
 
@@ -60,6 +61,7 @@ constexpr ROW_FUNCTIONS all_row_functions = {
         },
     .filter_mask = FilterMask,
     .combine_masks = CombineMasks,
+    .prefetch_written = PrefetchWritten,
     .pixels = FunctionsOfPixels(PIXEL_CODECS()),
 };
 
