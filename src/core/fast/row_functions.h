@@ -142,7 +142,8 @@ struct SUM_LINES {
 
 /// sums[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1, for the first
 /// `line_count` lines and those of `count` columns that `columns` names: bit x for column x.
-/// `decoded_im` is how far the imaginary parts lie behind the real ones.
+/// `decoded_im` is how far the imaginary parts lie behind the real ones. Up to 7 samples behind the
+/// last ones of a line are read too, and can have any value.
 using RANGE_FILTER = void (*)(const double* weights, const RING_LINES<double>& decoded,
                               std::ptrdiff_t decoded_im, int length, int count,
                               std::uint64_t columns, int line_count, const SUM_LINES& sums);

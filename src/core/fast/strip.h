@@ -53,7 +53,9 @@ class STRIP {
       if (columns_.Computed().IsEmpty()) {
         continue;
       }
-      PrefetchOutput(std::min(line + lines_ahead, last_line));
+      if (line < last_line) {
+        PrefetchOutput(line + 1);
+      }
       if (!columns_.Runs().empty()) {
         slave_lines_.Hold(columns_.WindowOfRuns());
       }
@@ -68,9 +70,6 @@ class STRIP {
   }
 
  private:
-  /// From an output line to the one whose memory is asked for.
-  static constexpr unsigned lines_ahead = 1;
-
   static unsigned char* const* RowsOf(const MEM_MGR* mask) {
     return mask != nullptr ? mask->Rows<unsigned char>() : nullptr;
   }

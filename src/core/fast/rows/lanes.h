@@ -14,6 +14,7 @@
 #endif
 
 #include <cstdint>
+#include <utility>
 
 #include "base/complex.h"
 
@@ -54,6 +55,29 @@ inline LANES LoadFirst(const double* values, int count) {
     loaded[i] = values[i];
   }
   return loaded;
+#endif
+}
+
+/// Whether a load of lanes from any address takes longer than to make them of others: one as long
+/// as a cache line always reads two of them.
+#if defined(__AVX512F__)
+inline constexpr bool loads_are_dear = true;
+#else
+inline constexpr bool loads_are_dear = false;
+#endif
+
+/// Lanes `FIRST` and later of the first vector, then as many of the second as are missing.
+template <int FIRST, int... LANE>
+LANES Shifted(LANES first, LANES second, std::integer_sequence<int, LANE...>) {
+  return __builtin_shufflevector(first, second, FIRST + LANE...);
+}
+template <int FIRST>
+[[gnu::always_inline]] inline LANES Shifted(LANES first, LANES second) {
+#if defined(__AVX512F__)
+  return reinterpret_cast<LANES>(_mm512_maskz_alignr_epi64(
+      all_lanes, reinterpret_cast<__m512i>(second), reinterpret_cast<__m512i>(first), FIRST));
+#else
+  return Shifted<FIRST>(first, second, std::make_integer_sequence<int, lanes>());
 #endif
 }
 

@@ -2,6 +2,9 @@
 
 // Part of the row functions, compiled once for every level of the processor: see lanes.h.
 
+#include <type_traits>
+#include <utility>
+
 #include "core/fast/rows/lengths.h"
 #include "core/fast/rows/pixels.h"
 
@@ -34,11 +37,74 @@ class COLUMN_WEIGHTS<0> {
   const double* weights_;
 };
 
+/// The samples that as many columns as there are lanes read, tap by tap.
+class LOADED_SAMPLES {
+ public:
+  explicit LOADED_SAMPLES(const double* samples) : samples_(samples) {}
+  template <int TAP>
+  [[gnu::always_inline]] LANES Of() const {
+    return Load(samples_ + TAP);
+  }
+
+ private:
+  const double* samples_;
+};
+/// The same, made of as few loads as can be.
+template <int LENGTH>
+class SHIFTED_SAMPLES {
+ public:
+  explicit SHIFTED_SAMPLES(const double* samples) {
+    for (int i = 0; i < vectors; ++i) {
+      held_[i] = Load(samples + std::ptrdiff_t{i} * lanes);
+    }
+  }
+  template <int TAP>
+  [[gnu::always_inline]] LANES Of() const {
+    if constexpr (TAP % lanes == 0) {
+      return held_[TAP / lanes];
+    } else {
+      return Shifted<TAP % lanes>(held_[TAP / lanes], held_[TAP / lanes + 1]);
+    }
+  }
+
+ private:
+  static constexpr int vectors = (LENGTH + 2 * lanes - 2) / lanes;
+  LANES held_[vectors];
+};
+
+template <int LENGTH>
+using TAP_SAMPLES = std::conditional_t<loads_are_dear, SHIFTED_SAMPLES<LENGTH>, LOADED_SAMPLES>;
+
+template <int TAP, int LENGTH>
+[[gnu::always_inline]] inline void AddTap(const COLUMN_WEIGHTS<LENGTH>& weights,
+                                          const TAP_SAMPLES<LENGTH>& re,
+                                          const TAP_SAMPLES<LENGTH>& im, COMPLEX_LANES& sum) {
+  sum.re = MultiplyAdd(weights[TAP], re.template Of<TAP>(), sum.re);
+  sum.im = MultiplyAdd(weights[TAP], im.template Of<TAP>(), sum.im);
+}
+
+template <int LENGTH, int... PAIR>
+[[gnu::always_inline]] inline COMPLEX_LANES SumOfPairs(const COLUMN_WEIGHTS<LENGTH>& weights,
+                                                       const TAP_SAMPLES<LENGTH>& re,
+                                                       const TAP_SAMPLES<LENGTH>& im,
+                                                       std::integer_sequence<int, PAIR...>) {
+  COMPLEX_LANES even = {weights[0] * re.template Of<0>(), weights[0] * im.template Of<0>()};
+  COMPLEX_LANES odd = {weights[1] * re.template Of<1>(), weights[1] * im.template Of<1>()};
+  ((AddTap<2 * PAIR + 2>(weights, re, im, even), AddTap<2 * PAIR + 3>(weights, re, im, odd)), ...);
+  return {even.re + odd.re, even.im + odd.im};
+}
+
 template <int LENGTH>
 [[gnu::always_inline]] inline COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<LENGTH>& weights,
                                                           const double* re, const double* im,
-                                                          int length) {
-  const int taps = LENGTH > 0 ? LENGTH : length;
+                                                          int /*taps*/) {
+  static_assert(LENGTH % 2 == 0);
+  return SumOfPairs(weights, TAP_SAMPLES<LENGTH>(re), TAP_SAMPLES<LENGTH>(im),
+                    std::make_integer_sequence<int, LENGTH / 2 - 1>());
+}
+
+inline COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<0>& weights, const double* re,
+                                   const double* im, int taps) {
   COMPLEX_LANES even = {weights[0] * Load(re), weights[0] * Load(im)};
   COMPLEX_LANES odd = {weights[1] * Load(re + 1), weights[1] * Load(im + 1)};
 #pragma GCC unroll 8
@@ -64,8 +130,8 @@ template <int LENGTH>
 void FilterLine(const double* weights, const double* pixels, std::ptrdiff_t decoded_im, int length,
                 int count, COMPLEX_ROW sums) {
   for (int x = 0; x < count; x += lanes) {
-    const COMPLEX_LANES sum = SumAlongRange<LENGTH>(COLUMN_WEIGHTS<LENGTH>(weights + x), pixels + x,
-                                                    pixels + x + decoded_im, length);
+    const COMPLEX_LANES sum = SumAlongRange(COLUMN_WEIGHTS<LENGTH>(weights + x), pixels + x,
+                                            pixels + x + decoded_im, length);
     Store(sum.re, sums.re + x);
     Store(sum.im, sums.im + x);
   }
@@ -87,7 +153,7 @@ void FilterRange(const double* weights, const RING_LINES<double>& decoded,
     const COLUMN_WEIGHTS<LENGTH> held(weights + x);
     for (int k = 0; k < line_count; ++k) {
       const double* pixels = decoded.Line(k) + x;
-      COMPLEX_LANES sum = SumAlongRange<LENGTH>(held, pixels, pixels + decoded_im, length);
+      COMPLEX_LANES sum = SumAlongRange(held, pixels, pixels + decoded_im, length);
       double* re = sums.Line(k).re + x;
       double* im = sums.Line(k).im + x;
       if (wanted != all_lanes) {

@@ -16,15 +16,8 @@ inline std::uint64_t Replace(double* held, int x, LANES values) {
   return changed << x;
 }
 
-/// The last lane of the first vector, and all but the last one of the second.
-template <int... LANE>
-LANES OneBefore(LANES first, LANES second, std::integer_sequence<int, LANE...>) {
-  return __builtin_shufflevector(first, second, lanes - 1 + LANE...);
-}
-
 /// The columns that read the sample behind that of the column before, of the same line.
 inline std::uint64_t FindJoined(const double* sample, const double* line_shift) {
-  constexpr auto all = std::make_integer_sequence<int, lanes>();
   const LANES zero{};
   LANES sample_before = zero + no_tap;
   LANES shift_before = zero + no_tap;
@@ -32,8 +25,8 @@ inline std::uint64_t FindJoined(const double* sample, const double* line_shift) 
   for (int x = 0; x < strip_columns; x += lanes) {
     const LANES samples = Load(sample + x);
     const LANES shifts = Load(line_shift + x);
-    const LANE_FLAGS flags = Equal(samples, OneBefore(sample_before, samples, all) + 1.0) &
-                             Equal(shifts, OneBefore(shift_before, shifts, all));
+    const LANE_FLAGS flags = Equal(samples, Shifted<lanes - 1>(sample_before, samples) + 1.0) &
+                             Equal(shifts, Shifted<lanes - 1>(shift_before, shifts));
     joined |= std::uint64_t{MaskOf(flags)} << x;
     sample_before = samples;
     shift_before = shifts;
