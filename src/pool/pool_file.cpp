@@ -11,17 +11,16 @@
 
 #include "logging/logging.h"
 #include "system/c_locale.h"
+#include "system/take_lock.h"
 #include "system/temporary_file.h"
 
-POOL_FILE::POOL_FILE(const char* name, int flags)
-    // Without O_NONBLOCK a FIFO in place of the pool would hang the program.
-    : name_(name), descriptor_(::open(name, flags | O_CLOEXEC | O_NONBLOCK)) {}
+POOL_FILE::POOL_FILE(const char* name, int flags) : name_(name), file_(name, flags) {}
 
 POOL_FILE POOL_FILE::CreateTemporary(const std::string& directory) {
   POOL_FILE file;
   file.name_ = directory + (directory.ends_with('/') ? "" : "/");
   file.name_.append(temporary_prefix).append("XXXXXX");
-  file.descriptor_ = CreateTemporaryFile(file.name_.data(), 0);
+  file.file_ = FILE_DESCRIPTOR(CreateTemporaryFile(file.name_.data(), 0));
   file.is_removed_at_end_ = file.IsOpen();
   return file;
 }
@@ -32,7 +31,7 @@ POOL_FILE::POOL_FILE(POOL_FILE&& other) noexcept {
 
 POOL_FILE& POOL_FILE::operator=(POOL_FILE&& other) noexcept {
   std::swap(name_, other.name_);
-  std::swap(descriptor_, other.descriptor_);
+  std::swap(file_, other.file_);
   std::swap(is_removed_at_end_, other.is_removed_at_end_);
   std::swap(is_locked_, other.is_locked_);
   return *this;
@@ -42,37 +41,23 @@ POOL_FILE::~POOL_FILE() {
   if (is_removed_at_end_) {
     Remove();  // before its lock goes, as it would be a left-over file else
   }
-  if (IsOpen()) {
-    ::close(descriptor_);
-  }
 }
 
 bool POOL_FILE::IsDirectory() const noexcept {
   struct stat status = {};
-  return ::fstat(descriptor_, &status) == 0 && S_ISDIR(status.st_mode);
+  return ::fstat(file_.Get(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 bool POOL_FILE::IsRegular() const noexcept {
   struct stat status = {};
-  return ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
-}
-
-bool POOL_FILE::IsAtItsName() const noexcept {
-  struct stat open_file = {};
-  struct stat named_file = {};
-  return ::fstat(descriptor_, &open_file) == 0 && ::stat(Name(), &named_file) == 0 &&
-         open_file.st_dev == named_file.st_dev && open_file.st_ino == named_file.st_ino;
-}
-
-bool POOL_FILE::Truncate(std::size_t length) noexcept {
-  return ::ftruncate(descriptor_, static_cast<off_t>(length)) == 0;
+  return ::fstat(file_.Get(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 bool POOL_FILE::Write(std::string_view text) noexcept {
   off_t offset = 0;
   while (!text.empty()) {
     errno = ENOSPC;  // should nothing be written without a reason
-    const ssize_t length = ::pwrite(descriptor_, text.data(), text.size(), offset);
+    const ssize_t length = ::pwrite(file_.Get(), text.data(), text.size(), offset);
     if (length == 0 || (length < 0 && errno != EINTR)) {
       return false;
     }
@@ -84,13 +69,9 @@ bool POOL_FILE::Write(std::string_view text) noexcept {
   return true;
 }
 
-bool POOL_FILE::Sync() noexcept {
-  return ::fsync(descriptor_) == 0;
-}
-
 bool POOL_FILE::FinishWriting() noexcept {
   // Each close of a descriptor reports them. Without a free one the sync has had the last word.
-  const int duplicate = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);
+  const int duplicate = ::fcntl(file_.Get(), F_DUPFD_CLOEXEC, 0);
   return duplicate < 0 || ::close(duplicate) == 0;
 }
 
@@ -104,10 +85,10 @@ POOL_LOCK::POOL_LOCK(const POOL_FILE& file, KIND kind) : file_(file.is_locked_ ?
     return;
   }
   const int operation = kind == KIND::SHARED ? LOCK_SH : LOCK_EX;
-  bool is_held = TakeLock(file.descriptor_, operation | LOCK_NB);
+  bool is_held = TakeLock(file.Descriptor(), operation | LOCK_NB);
   if (!is_held && errno == EWOULDBLOCK) {
     Log() << LOGGING_LEVEL_T::WARNING << "waiting for the lock of parameter file " << file.Name();
-    is_held = TakeLock(file.descriptor_, operation);
+    is_held = TakeLock(file.Descriptor(), operation);
   }
   if (!is_held && kind == KIND::EXCLUSIVE) {
     Log() << LOGGING_LEVEL_T::WARNING << "can not lock parameter file " << file.Name() << ": "
@@ -119,6 +100,6 @@ POOL_LOCK::POOL_LOCK(const POOL_FILE& file, KIND kind) : file_(file.is_locked_ ?
 POOL_LOCK::~POOL_LOCK() {
   if (file_ != nullptr) {
     file_->is_locked_ = false;
-    ::flock(file_->descriptor_, LOCK_UN);
+    ::flock(file_->Descriptor(), LOCK_UN);
   }
 }

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
 
-/// An open pool file: its name and its descriptor, which is closed at the end. For trouble that
-/// only the caller can word the operations return false.
+#include "system/file_descriptor.h"
+
+/// An open pool file and its name. For trouble that only the caller can word the operations return
+/// false.
 class POOL_FILE {
  public:
   /// No file, under the name "xxx.dat".
@@ -15,8 +18,6 @@ class POOL_FILE {
   POOL_FILE(const char* name, int flags);
   POOL_FILE(POOL_FILE&& other) noexcept;
   POOL_FILE& operator=(POOL_FILE&& other) noexcept;
-  POOL_FILE(const POOL_FILE&) = delete;
-  POOL_FILE& operator=(const POOL_FILE&) = delete;
   ~POOL_FILE();
 
   /// Creates a file of a unique name, "<directory>/pool_XXXXXX", open for writing. It is removed at
@@ -26,20 +27,22 @@ class POOL_FILE {
   static constexpr std::string_view temporary_prefix = "pool_";
   void Keep() noexcept { is_removed_at_end_ = false; }
 
-  bool IsOpen() const noexcept { return descriptor_ >= 0; }
+  bool IsOpen() const noexcept { return file_.IsOpen(); }
   bool IsDirectory() const noexcept;
   bool IsRegular() const noexcept;
   /// Whether a POOL_LOCK holds this file now.
   bool IsLocked() const noexcept { return is_locked_; }
   /// Whether the name still leads to this file.
-  bool IsAtItsName() const noexcept;
+  bool IsAtItsName() const noexcept { return file_.IsFile(Name()); }
   const char* Name() const noexcept { return name_.c_str(); }
-  int Descriptor() const noexcept { return descriptor_; }
+  int Descriptor() const noexcept { return file_.Get(); }
 
   /// Each tells whether it worked; errno says why not.
-  bool Truncate(std::size_t length) noexcept;
-  bool Write(std::string_view text) noexcept;  ///< from the start of the file on
-  bool Sync() noexcept;                        ///< to the disk
+  bool Truncate(std::size_t length) noexcept {
+    return file_.SetLength(static_cast<std::int64_t>(length));
+  }
+  bool Write(std::string_view text) noexcept;    ///< from the start of the file on
+  bool Sync() noexcept { return file_.Sync(); }  ///< to the disk
   /// Reports what disks of a network tell only at a close, and leaves the file open and locked.
   bool FinishWriting() noexcept;
   bool Remove() noexcept;
@@ -48,7 +51,7 @@ class POOL_FILE {
   friend class POOL_LOCK;
 
   std::string name_ = "xxx.dat";
-  int descriptor_ = -1;
+  FILE_DESCRIPTOR file_;
   bool is_removed_at_end_ = false;
   mutable bool is_locked_ = false;
 };

@@ -11,7 +11,7 @@
 #include "base/error_exception.h"
 #include "logging/logging.h"
 #include "system/c_locale.h"
-#include "system/temporary_file.h"
+#include "system/take_lock.h"
 
 namespace {
 

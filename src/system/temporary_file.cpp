@@ -5,11 +5,11 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <memory>
 
 #include "system/file_descriptor.h"
+#include "system/take_lock.h"
 
 namespace {
 
@@ -37,14 +37,6 @@ bool CanBeTemporary(const dirent& entry, std::string_view prefix) noexcept {
 }
 
 }  // namespace
-
-bool TakeLock(int descriptor, int operation) noexcept {
-  int result = 0;
-  do {
-    result = ::flock(descriptor, operation);
-  } while (result != 0 && errno == EINTR);
-  return result == 0;
-}
 
 int CreateTemporaryFile(char* name, int flags) noexcept {
   const int descriptor = ::mkostemp(name, flags | O_CLOEXEC);

@@ -10,9 +10,6 @@
 /// a mark, by which later processes recognise those that a killed one has left. Functions that tell
 /// whether they worked leave the reason of a failure in `errno`.
 
-/// flock(2), repeated after interruptions.
-bool TakeLock(int descriptor, int operation) noexcept;
-
 /// Creates a file of a unique name, for the user alone, and opens it for reading and writing with
 /// these flags besides; -1 when that fails. `name` ends with "XXXXXX", which becomes the file's
 /// own.

@@ -127,25 +127,16 @@ std::optional<CHILD_END> CHILD_PROCESS::WaitWith(int options) {
   return end_;
 }
 
-PRINTED_TEXT::PRINTED_TEXT() : descriptor_(::memfd_create("printed", MFD_CLOEXEC)) {
-  if (descriptor_ < 0) {
+PRINTED_TEXT::PRINTED_TEXT() : file_(::memfd_create("printed", MFD_CLOEXEC)) {
+  if (!file_.IsOpen()) {
     throw std::system_error(errno, std::generic_category(), "memfd_create");
-  }
-}
-
-PRINTED_TEXT::PRINTED_TEXT(PRINTED_TEXT&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)) {}
-
-PRINTED_TEXT::~PRINTED_TEXT() {
-  if (descriptor_ >= 0) {
-    ::close(descriptor_);
   }
 }
 
 std::string PRINTED_TEXT::Text() const {
   std::string text;
   std::array<char, 4096> block{};
-  for (ssize_t length = 0; (length = ::pread(descriptor_, block.data(), block.size(),
+  for (ssize_t length = 0; (length = ::pread(file_.Get(), block.data(), block.size(),
                                              static_cast<off_t>(text.size()))) > 0;) {
     text.append(block.data(), static_cast<std::size_t>(length));
   }

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "system/file_descriptor.h"
+
 /// What to start.
 struct CHILD_SETTINGS {
   std::vector<std::string> command;   ///< the first is the program, looked up in PATH
@@ -57,17 +59,12 @@ class PRINTED_TEXT {
  public:
   /// Throws std::system_error when there can be no further one.
   PRINTED_TEXT();
-  PRINTED_TEXT(PRINTED_TEXT&& other) noexcept;
-  PRINTED_TEXT& operator=(PRINTED_TEXT&&) = delete;
-  PRINTED_TEXT(const PRINTED_TEXT&) = delete;
-  PRINTED_TEXT& operator=(const PRINTED_TEXT&) = delete;
-  ~PRINTED_TEXT();
 
-  int Descriptor() const noexcept { return descriptor_; }
+  int Descriptor() const noexcept { return file_.Get(); }
   std::string Text() const;
 
  private:
-  int descriptor_;
+  FILE_DESCRIPTOR file_;
 };
 
 /// What a command printed on both of its streams, and how it ended.

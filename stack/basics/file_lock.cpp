@@ -1,7 +1,6 @@
 #include "basics/file_lock.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
@@ -28,24 +27,16 @@ bool Lock(int descriptor, int operation) {
 }  // namespace
 
 FILE_LOCK::FILE_LOCK(const std::filesystem::path& file, WAY way)
-    : descriptor_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
-  if (descriptor_ < 0) {
+    : file_(file.c_str(), O_RDWR | O_CREAT, 0666) {
+  if (!file_.IsOpen()) {
     throw std::system_error(errno, std::generic_category(), "can not open " + file.string());
   }
-  is_held_ = Lock(descriptor_, way == WAY::TRY ? F_OFD_SETLK : F_OFD_SETLKW);
-}
-
-FILE_LOCK::~FILE_LOCK() {
-  ::close(descriptor_);
+  is_held_ = Lock(file_.Get(), way == WAY::TRY ? F_OFD_SETLK : F_OFD_SETLKW);
 }
 
 bool IsLocked(const std::filesystem::path& file) {
-  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) {
-    return false;
-  }
+  const FILE_DESCRIPTOR opened(file.c_str(), O_RDONLY);
   struct flock lock = WholeFile();
-  const bool is_known = ::fcntl(descriptor, F_OFD_GETLK, &lock) == 0;
-  ::close(descriptor);
-  return is_known && lock.l_type != F_UNLCK;
+  return opened.IsOpen() && ::fcntl(opened.Get(), F_OFD_GETLK, &lock) == 0 &&
+         lock.l_type != F_UNLCK;
 }

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "system/file_descriptor.h"
+
 /// An exclusive lock on a file, which is created for it. Whoever dies lets it go.
 class FILE_LOCK {
  public:
@@ -9,17 +11,14 @@ class FILE_LOCK {
 
   /// Throws std::system_error when the file cannot be created.
   FILE_LOCK(const std::filesystem::path& file, WAY way);
-  ~FILE_LOCK();
-  FILE_LOCK(const FILE_LOCK&) = delete;
-  FILE_LOCK& operator=(const FILE_LOCK&) = delete;
 
   /// Always, when it was waited for; file systems without locks count as well.
   bool IsHeld() const noexcept { return is_held_; }
   /// A child that keeps it open holds the lock as well.
-  int Descriptor() const noexcept { return descriptor_; }
+  int Descriptor() const noexcept { return file_.Get(); }
 
  private:
-  int descriptor_ = -1;
+  FILE_DESCRIPTOR file_;
   bool is_held_ = false;
 };
 

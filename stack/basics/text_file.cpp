@@ -9,7 +9,7 @@
 #include <iterator>
 #include <system_error>
 
-#include "system/whole_write.h"
+#include "system/file_descriptor.h"
 
 namespace {
 
@@ -17,30 +17,28 @@ namespace {
 class NEW_TEXT_FILE {
  public:
   explicit NEW_TEXT_FILE(const std::filesystem::path& target)
-      : target_(target), name_(target.string() + ".XXXXXX") {
-    descriptor_ = ::mkostemp(name_.data(), O_CLOEXEC);
-    ThrowUnless(descriptor_ >= 0);
+      : target_(target),
+        name_(target.string() + ".XXXXXX"),
+        file_(::mkostemp(name_.data(), O_CLOEXEC)) {
+    ThrowUnless(file_.IsOpen());
   }
   NEW_TEXT_FILE(const NEW_TEXT_FILE&) = delete;
   NEW_TEXT_FILE& operator=(const NEW_TEXT_FILE&) = delete;
   ~NEW_TEXT_FILE() {
-    ::close(descriptor_);
     if (!took_place_) {
       ::unlink(name_.c_str());
     }
   }
 
-  void Write(std::string_view text) const {
-    ThrowUnless(WriteWhole(descriptor_, text) == text.size());
-  }
+  void Write(std::string_view text) const { ThrowUnless(file_.Write(text.data(), text.size())); }
 
   /// With the permissions of other new files, and on the disk before the name leads to it.
   void TakePlace() {
     const mode_t mask = ::umask(0);
     ::umask(mask);
     constexpr mode_t all = 0666;
-    ThrowUnless(::fchmod(descriptor_, all & ~mask) == 0);
-    ThrowUnless(::fsync(descriptor_) == 0);
+    ThrowUnless(::fchmod(file_.Get(), all & ~mask) == 0);
+    ThrowUnless(file_.Sync());
     ThrowUnless(::rename(name_.c_str(), target_.c_str()) == 0);
     took_place_ = true;
   }
@@ -54,7 +52,7 @@ class NEW_TEXT_FILE {
 
   std::filesystem::path target_;
   std::string name_;
-  int descriptor_ = -1;
+  FILE_DESCRIPTOR file_;
   bool took_place_ = false;
 };
 

@@ -1,7 +1,6 @@
 #include "run/attempt_files.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -61,13 +60,8 @@ int RemoveOldAttemptFiles(const SLAVE_FOLDER& folder) {
   return removed;
 }
 
-SCREEN::SCREEN(const fs::path& file)
-    : descriptor_(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {
-  if (descriptor_ < 0) {
+SCREEN::SCREEN(const fs::path& file) : file_(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666) {
+  if (!file_.IsOpen()) {
     throw std::system_error(errno, std::generic_category(), "can not create " + file.string());
   }
-}
-
-SCREEN::~SCREEN() {
-  ::close(descriptor_);
 }

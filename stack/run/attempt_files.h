@@ -4,6 +4,7 @@
 #include <string>
 
 #include "description/stack_folder.h"
+#include "system/file_descriptor.h"
 
 /// Where one attempt of a slave's run leaves its log and what it prints: files that no other
 /// attempt touches, with the time of its begin and its task in their names.
@@ -30,11 +31,8 @@ class SCREEN {
  public:
   /// Throws std::system_error when it cannot be created.
   explicit SCREEN(const std::filesystem::path& file);
-  SCREEN(const SCREEN&) = delete;
-  SCREEN& operator=(const SCREEN&) = delete;
-  ~SCREEN();
-  int Descriptor() const noexcept { return descriptor_; }
+  int Descriptor() const noexcept { return file_.Get(); }
 
  private:
-  int descriptor_;
+  FILE_DESCRIPTOR file_;
 };

@@ -71,10 +71,9 @@ void CopyFile(const fs::path& from, const fs::path& to) {
 
 /// Forgets what memory holds of a file that is on the disk, so that the disk is read next.
 void DropPages(const fs::path& path) {
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  ::fsync(descriptor);
-  ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_DONTNEED);
-  ::close(descriptor);
+  const FILE_DESCRIPTOR file(path.c_str(), O_RDONLY);
+  file.Sync();
+  ::posix_fadvise(file.Get(), 0, 0, POSIX_FADV_DONTNEED);
 }
 
 bool HaveSameContent(const fs::path& a, const fs::path& b) {
