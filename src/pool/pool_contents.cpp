@@ -175,7 +175,8 @@ PoolValueType TypeOnKeyLine(POOL_LINE line) {
   return PoolTypeOfWord(line.NextWord());
 }
 
-std::vector<POOL_ENTRY_LINES> PoolEntryLines(const LINES& lines) {
+std::vector<POOL_ENTRY_LINES> PoolEntryLines(const LINES& lines,
+                                             const std::function<bool(std::size_t)>& goes) {
   const BLOCK_SEARCH blocks(lines);
   std::vector<POOL_ENTRY_LINES> entries;
   for (std::size_t i = 0; i < lines.size();) {
@@ -184,7 +185,7 @@ std::vector<POOL_ENTRY_LINES> PoolEntryLines(const LINES& lines) {
       continue;
     }
     entries.push_back(blocks.EntryAt(i));
-    i = entries.back().end;
+    i = goes(i) ? entries.back().damaged_end : entries.back().end;
   }
   return entries;
 }

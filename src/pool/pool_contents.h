@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 #include "pool/pool_lines.h"
@@ -24,8 +25,11 @@ struct POOL_ENTRY_LINES {
 };
 
 /// All entries in their order, those of repeated keys too. Every line outside of blocks that can
-/// hold a key begins one. Takes a time in proportion to the number of lines.
-std::vector<POOL_ENTRY_LINES> PoolEntryLines(const std::vector<POOL_LINE>& lines);
+/// hold a key begins one; of an entry for whose key line `goes` is true the damaged block is a block
+/// as well. Takes a time in proportion to the number of lines.
+std::vector<POOL_ENTRY_LINES> PoolEntryLines(
+    const std::vector<POOL_LINE>& lines,
+    const std::function<bool(std::size_t)>& goes = [](std::size_t) { return false; });
 
 /// The type of the entry on a key line, UNKNOWN when its type word is none of the format.
 PoolValueType TypeOnKeyLine(POOL_LINE line);

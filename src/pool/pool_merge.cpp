@@ -63,9 +63,6 @@ class MERGE {
   std::string Merged() {
     std::size_t behind = 0;
     for (const POOL_ENTRY_LINES& entry : entries_) {
-      if (entry.begin < behind) {  // in a damaged block that has gone
-        continue;
-      }
       CopyTo(behind, entry.begin);
       if (const PARAMETER_POOL_ITEM* item = ItemOf(entry.begin)) {
         Write(*item);
@@ -135,7 +132,8 @@ class MERGE {
 
   const LINES& lines_;
   const PARAMETER_POOL_LIST& items_;
-  const std::vector<POOL_ENTRY_LINES> entries_ = PoolEntryLines(lines_);
+  const std::vector<POOL_ENTRY_LINES> entries_ =
+      PoolEntryLines(lines_, [this](std::size_t line) { return ItemOf(line) != nullptr; });
   std::set<const PARAMETER_POOL_ITEM*> have_entry_;  ///< outside of the blocks of others
   std::set<const PARAMETER_POOL_ITEM*> written_;
   std::string merged_;
