@@ -17,9 +17,9 @@ std::int64_t BytesOnDisk(const std::string& path) {
 
 }  // namespace
 
-std::vector<DISK_NEED> DiskNeeds(const std::vector<NEW_FILE>& files) {
+std::vector<DISK_NEED> DiskNeeds(const std::vector<EXPECTED_FILE>& files) {
   std::map<dev_t, DISK_NEED> needs;
-  for (const NEW_FILE& file : files) {
+  for (const EXPECTED_FILE& file : files) {
     const std::string directory = DirectoryOf(file.path);
     struct stat status {};
     struct statvfs disk {};

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// An output file, which replaces one of the same name.
-struct NEW_FILE {
+/// An output file that a run will write, in the place of one of the same name.
+struct EXPECTED_FILE {
   std::string path;
   std::int64_t length;  ///< in bytes, all pixels included
   /// Of that, what will certainly be written: files are sparse where no pixel is computed.
@@ -23,4 +23,4 @@ struct DISK_NEED {
 };
 
 /// One element a file system. A file whose directory cannot be looked at is left out.
-std::vector<DISK_NEED> DiskNeeds(const std::vector<NEW_FILE>& files);
+std::vector<DISK_NEED> DiskNeeds(const std::vector<EXPECTED_FILE>& files);

@@ -146,7 +146,7 @@ RUN_FIGURES RUN_CHECK::Measure() const {
   figures.physics = LookAtPhysics(input_, PairsOfLines());
   figures.outputs = Outputs(figures.coverage.Share());
   figures.mapped_bytes = MappedInputBytes();
-  for (const NEW_FILE& output : figures.outputs) {
+  for (const EXPECTED_FILE& output : figures.outputs) {
     figures.mapped_bytes += output.length;
   }
   figures.own_bytes = OwnBytes();
@@ -161,15 +161,16 @@ std::int64_t RUN_CHECK::PairsOfLines() const {
   return std::min(enough, most_pixels_ / (2 * std::max<std::int64_t>(1, input_.slave.Width())));
 }
 
-std::vector<NEW_FILE> RUN_CHECK::Outputs(double share) const {
+std::vector<EXPECTED_FILE> RUN_CHECK::Outputs(double share) const {
   const std::int64_t pixels = std::int64_t{input_.n_samples} * input_.n_lines;
   const auto output = [&](const std::string& path, PIXEL_TYPE type) {
     constexpr std::int64_t header = 32;
     const std::int64_t length = pixels * BytesPerPixel(type);
     const auto written = static_cast<std::int64_t>(static_cast<double>(length) * share);
-    return NEW_FILE{path, header + length, header + written};
+    return EXPECTED_FILE{path, header + length, header + written};
   };
-  std::vector<NEW_FILE> outputs = {output(parameters_.outputs.slave, input_.slave.PixelType())};
+  std::vector<EXPECTED_FILE> outputs = {
+      output(parameters_.outputs.slave, input_.slave.PixelType())};
   if (parameters_.outputs.mask) {
     outputs.push_back(output(*parameters_.outputs.mask, PIXEL_TYPE::U_INT_8));
   }

@@ -23,7 +23,7 @@ struct RUN_FIGURES {
   std::int64_t mapped_bytes =
       0;                       ///< of inputs and outputs, read and written through the page cache
   std::int64_t own_bytes = 0;  ///< kernel and row tables
-  std::vector<NEW_FILE> outputs;
+  std::vector<EXPECTED_FILE> outputs;
   std::vector<DISK_NEED> disks;
 };
 
@@ -61,7 +61,7 @@ class RUN_CHECK {
 
   RUN_FIGURES Measure() const;
   std::int64_t PairsOfLines() const;
-  std::vector<NEW_FILE> Outputs(double share) const;
+  std::vector<EXPECTED_FILE> Outputs(double share) const;
   std::int64_t MappedInputBytes() const;
   std::int64_t OwnBytes() const;
   void JudgeMapping();

@@ -7,6 +7,8 @@ target_compile_options(compile_options INTERFACE
   # False alarms of g++ 12 on text + std::string (GCC bug 105651).
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<BOOL:${RESAMPLE_WERROR}>:-Werror>
+  # Where several files are compiled as one, a name of one of them hides no name of another.
+  $<$<BOOL:${CMAKE_UNITY_BUILD}>:-Wno-shadow>
   # A fused multiply-add would change the documented order of operations, and with it
   # positions and table indices.
   -ffp-contract=off)

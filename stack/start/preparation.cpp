@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 struct SLAVE_FINDINGS {
   std::string failure;  ///< the first one; empty when the run can begin
   std::vector<std::string> warnings;
-  std::vector<NEW_FILE> outputs;
+  std::vector<EXPECTED_FILE> outputs;
 };
 
 SLAVE_FINDINGS CheckSlave(const SLAVE_FOLDER& folder) {
@@ -190,7 +190,7 @@ class PREPARATION {
   STACK_FOLDER folder_;
   const WISHES& wishes_;
   STACK_WORK work_;
-  std::vector<NEW_FILE> outputs_;
+  std::vector<EXPECTED_FILE> outputs_;
 };
 
 }  // namespace

@@ -63,7 +63,8 @@ class NUMBERS {
 /// The number as an integer modulo its width; 0 for what has none.
 template <class INTEGER>
 INTEGER ToInteger(double number) {
-  return std::abs(number) < 0x1p62 ? static_cast<INTEGER>(static_cast<std::int64_t>(number)) : 0;
+  const bool has_integer = std::abs(number) < 0x1p62;
+  return static_cast<INTEGER>(has_integer ? static_cast<std::int64_t>(number) : 0);
 }
 
 template <class COMPONENT>

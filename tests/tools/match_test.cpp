@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int side = 512;
+constexpr int image_side = 512;
 constexpr double coherence = 0.8;
 
 /// Azimuth spectra in cycles a line: where the centroid is, and how fast it moves.
@@ -33,11 +33,11 @@ class MATCH : public COMMAND_TEST, public testing::WithParamInterface<CASE> {
     std::array<PERIODIC_SIGNAL::PIXELS, PERIODIC_SIGNAL::layer_count> layers;
     std::uint64_t index = 0;
     for (auto& layer : layers) {
-      for (int i = 0; i < side * side; ++i) {
+      for (int i = 0; i < image_side * image_side; ++i) {
         layer.push_back(1000.0 * RandomSpeckle(seed, index++));
       }
     }
-    return PERIODIC_SIGNAL(side, bandwidth, std::move(layers));
+    return PERIODIC_SIGNAL(image_side, bandwidth, std::move(layers));
   }
 
   /// The image whose common part has been moved by so much; each has a noise of its own.
@@ -45,7 +45,7 @@ class MATCH : public COMMAND_TEST, public testing::WithParamInterface<CASE> {
                           std::uint64_t noise_seed) const {
     const PERIODIC_SIGNAL common = MakeSignal(1, spectrum.bandwidth);
     const PERIODIC_SIGNAL noise = MakeSignal(noise_seed, spectrum.bandwidth);
-    return Complex(name, side, side, [&](int x, int y) {
+    return Complex(name, image_side, image_side, [&](int x, int y) {
       const VALUE value = std::sqrt(coherence) * common.At(y - azimuth, x - range)[0] +
                           std::sqrt(1.0 - coherence) * noise.AtPixel(y, x)[1];
       return std::polar(1.0,
@@ -112,15 +112,15 @@ TEST_F(MATCH, RastersAndRecordTellWhereTheWindowsWere) {
   EXPECT_EQ(record.posting.azimuth, 100);
   EXPECT_EQ(record.first.range, 123.5);
   EXPECT_EQ(record.first.azimuth, 60.5) << "a window of 32 lines has its centre between two";
-  EXPECT_EQ(record.master_size.range, side);
+  EXPECT_EQ(record.master_size.range, image_side);
 }
 
 TEST_F(MATCH, ImagesWithoutCommonFeaturesAreRefused) {
   MakeImage("master", 0.0, 0.0, {}, 2);
   const PERIODIC_SIGNAL other = MakeSignal(5, 0.8);
-  Complex("other", side, side, [&](int x, int y) { return other.AtPixel(y, x)[0]; });
-  Complex("flat", side, side, [](int, int) { return 7.0; });
-  Real("real", side, side, [](int, int) { return 7.0; });
+  Complex("other", image_side, image_side, [&](int x, int y) { return other.AtPixel(y, x)[0]; });
+  Complex("flat", image_side, image_side, [](int, int) { return 7.0; });
+  Real("real", image_side, image_side, [](int, int) { return 7.0; });
   const auto match = [&](const char* slave, const char* options = "") {
     Run(AddMatchCommand,
         "match " + Path("master") + " " + Path(slave) + " --out " + Path("m") + options);

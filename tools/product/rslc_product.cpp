@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr double speed_of_light = 299792458.0;
-
 std::string BandOf(const std::string& group) {
   const std::size_t begin = std::string("/science/").size();
   return group.substr(begin, group.find('/', begin) - begin);

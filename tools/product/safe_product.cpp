@@ -166,7 +166,6 @@ const SAFE_PRODUCT::SWATH& SAFE_PRODUCT::SwathOf(const SLC_IMAGE_NAME& name) con
 }
 
 SLC_IMAGE SAFE_PRODUCT::Describe(const SLC_IMAGE_NAME& name) const {
-  constexpr double speed_of_light = 299792458.0;
   const SWATH& swath = SwathOf(name);
   const ANNOTATION& annotation = swath.annotation;
   const auto positive = [&](const std::string& path) {

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr double speed_of_light = 299792458.0;
 constexpr double fit_tolerance = 1e-3;  // Hz
 
 /// A polynomial in powers of (tau - t0).

@@ -10,6 +10,8 @@
 #include "product/utc_time.h"
 #include "raster/pixel_type.h"
 
+constexpr double speed_of_light = 299792458.0;  ///< in vacuum, by definition [m/s]
+
 /// The Doppler centroid of an image: polynomials in two-way range time, one for each of several
 /// azimuth times, between which coefficients are interpolated linearly.
 struct CENTROID_POLYNOMIALS {
