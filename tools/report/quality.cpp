@@ -183,14 +183,10 @@ void MeasureValues(const RUN_RECORD& run, QUALITY& quality) {
        ShareText(saturated, 2 * amplitudes.Total()) + " (" + std::to_string(saturated) + ")", ""});
 }
 
-/// What the run itself has counted; logs of older runs do not tell.
 void AddFindings(const RUN_RECORD& run, QUALITY& quality) {
-  constexpr std::string_view separator = ", non-finite inputs under valid mask: ";
-  const std::string text = run.Log().After("  - Saturated output components: ").value_or("");
-  const std::size_t end = text.find(separator);
-  if (end != std::string::npos) {
-    quality.figures.push_back({"Saturated, by the run", text.substr(0, end), ""});
-    quality.figures.push_back({"Non-finite inputs", text.substr(end + separator.size()), ""});
+  if (const std::optional<RUN_FINDINGS> findings = run.Log().Findings()) {
+    quality.figures.push_back({"Saturated, by the run", findings->saturated, ""});
+    quality.figures.push_back({"Non-finite inputs", findings->non_finite, ""});
   }
 }
 

@@ -132,6 +132,16 @@ std::optional<std::string> RUN_LOG::Parameter(std::string_view name) const {
   return std::nullopt;
 }
 
+std::optional<RUN_FINDINGS> RUN_LOG::Findings() const {
+  constexpr std::string_view separator = ", non-finite inputs under valid mask: ";
+  const std::string text = After("  - Saturated output components: ").value_or("");
+  const std::size_t end = text.find(separator);
+  if (end == std::string::npos) {
+    return std::nullopt;
+  }
+  return RUN_FINDINGS{text.substr(0, end), text.substr(end + separator.size())};
+}
+
 std::optional<double> RUN_LOG::ExecutionSeconds() const {
   const auto text = After("execution time:");
   if (!text) {

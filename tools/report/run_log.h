@@ -12,6 +12,12 @@ struct LOGGED_PARAMETER {
   std::string source;  ///< "arguments", "configuration file", ...; empty when unknown
 };
 
+/// What a run has counted.
+struct RUN_FINDINGS {
+  std::string saturated;   ///< components of the output
+  std::string non_finite;  ///< components of the input under valid mask
+};
+
 /// The log file of a run, line by line: what a person would read out of it.
 class RUN_LOG {
  public:
@@ -33,6 +39,9 @@ class RUN_LOG {
   /// below INFO tells fewer, and no sources.
   const std::vector<LOGGED_PARAMETER>& Parameters() const noexcept { return parameters_; }
   std::optional<std::string> Parameter(std::string_view name) const;
+
+  /// Nothing in logs of runs that did not come to their end and of older programs.
+  std::optional<RUN_FINDINGS> Findings() const;
 
   /// Of the run; nothing when it has no end.
   std::optional<double> ExecutionSeconds() const;

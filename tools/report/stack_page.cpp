@@ -37,6 +37,7 @@ constexpr std::array order = {SLAVE_STATE::FAILED,    SLAVE_STATE::DIED,    SLAV
 struct ROW {
   SLAVE_STATUS slave;
   std::size_t warnings = 0;  ///< in the log of the last attempt
+  RUN_FINDINGS findings;     ///< of the last attempt
 
   auto Rank() const {
     const auto* const place = std::find(order.begin(), order.end(), slave.state);
@@ -44,18 +45,19 @@ struct ROW {
   }
 };
 
-std::size_t WarningsIn(const std::filesystem::path& log) {
+ROW RowOf(const SLAVE_STATUS& slave, const std::filesystem::path& log_file) {
   try {
-    return RUN_LOG(log.string()).Texts("WARN").size();
+    const RUN_LOG log(log_file.string());
+    return {slave, log.Texts("WARN").size(), log.Findings().value_or(RUN_FINDINGS{})};
   } catch (const std::exception&) {
-    return 0;  // it has not begun
+    return {slave, 0, {}};  // it has not begun
   }
 }
 
 std::vector<ROW> RowsOf(const STACK_FOLDER& stack, const STACK_STATUS& status) {
   std::vector<ROW> rows;
   for (const SLAVE_STATUS& slave : status.slaves) {
-    rows.push_back({slave, WarningsIn(stack.Run(slave.name).LogFile())});
+    rows.push_back(RowOf(slave, stack.Run(slave.name).LogFile()));
   }
   std::stable_sort(rows.begin(), rows.end(),
                    [](const ROW& a, const ROW& b) { return a.Rank() < b.Rank(); });
@@ -82,6 +84,7 @@ std::string RowText(const ROW& row) {
               state) +
          Cell(slave.reason) + Cell(std::to_string(slave.attempts.size())) +
          Cell(slave.attempts.empty() ? "" : slave.attempts.back().host) + Cell(SecondsText(slave)) +
+         Cell(row.findings.saturated) + Cell(row.findings.non_finite) +
          (row.warnings == 0 ? Cell("") : Cell(std::to_string(row.warnings), "warned")) + "</tr>\n";
 }
 
@@ -102,8 +105,8 @@ std::string MakeStackPage(const std::filesystem::path& directory) {
       Escaped(status.name) + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<h1>" +
       Escaped(status.name) + "</h1>\n<p>" + Escaped(text.substr(0, text.find('\n'))) +
       "</p>\n<table>\n<thead><tr>";
-  for (const char* title :
-       {"Slave", "State", "Reason", "Attempts", "Machine", "Duration", "Warnings"}) {
+  for (const char* title : {"Slave", "State", "Reason", "Attempts", "Machine", "Duration",
+                            "Saturated", "Non-finite inputs", "Warnings"}) {
     html += std::string("<th scope=\"col\">") + title + "</th>";
   }
   html += "</tr></thead>\n<tbody>\n";
