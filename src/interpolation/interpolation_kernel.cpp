@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <new>
 
 #include "base/error_exception.h"
@@ -19,27 +18,11 @@ using enum LOGGING_LEVEL_T;
   throw ERROR_NO_MEMORY();
 }
 
-/// Asks once for the memory of all rows, so that a table out of proportion is refused at once and
-/// not when it has filled the machine row by row.
-bool FitsIntoMemory(int subpix_count, int length) {
-  const std::size_t rows = static_cast<std::size_t>(subpix_count);
-  const std::size_t row_bytes =
-      sizeof(ARRAY<double>) + static_cast<std::size_t>(length) * sizeof(double);
-  if (row_bytes > std::numeric_limits<std::ptrdiff_t>::max() / rows) {
-    return false;
-  }
-  // Called by name: the compiler may leave out an unused new-expression.
-  void* probe = ::operator new(rows* row_bytes, std::nothrow);
-  const bool fits = probe != nullptr;
-  ::operator delete(probe);
-  return fits;
-}
-
 }  // namespace
 
 void INTERPOLATION_KERNEL::InitKernel(const BASIC::TYPES::KernelType& type, int length,
                                       int subpix_count, float coefficient) {
-  rows_.clear();
+  has_table_ = false;
   type_ = type;
   coefficient_ = coefficient;
   length_ = length;
@@ -78,20 +61,15 @@ void INTERPOLATION_KERNEL::ResizeTable() {
           << subpix_count_ << "\n";
     throw ERROR_ARGUMENT();
   }
+  constexpr std::ptrdiff_t cache_line = 8;  // weights
   const int tap_count = std::max(length_, 0);
-  if (!FitsIntoMemory(subpix_count_, tap_count) ||
-      table_.Resize(RANGE<int>(0, subpix_count_)) != CONTAINER_OK) {
+  row_stride_ = (tap_count + cache_line - 1) / cache_line * cache_line;
+  try {
+    table_ = ALIGNED_VALUES<double>(subpix_count_, row_stride_);
+  } catch (const std::bad_alloc&) {
     RefuseForMemory(subpix_count_, tap_count);
   }
-  ARRAY<double>* rows = table_.Origin();
-  for (int k = 0; k < subpix_count_; ++k) {
-    if (rows[k].Resize(RANGE<int>(0, tap_count)) != CONTAINER_OK) {
-      RefuseForMemory(subpix_count_, tap_count);
-    }
-  }
-  rows_.resize(static_cast<std::size_t>(subpix_count_));
-  std::transform(rows, rows + subpix_count_, rows_.begin(),
-                 [](const ARRAY<double>& row) { return row.Origin(); });
+  has_table_ = true;
 }
 
 void INTERPOLATION_KERNEL::FillTable(const KERNEL_SHAPE& shape, float requested_length) {
@@ -100,7 +78,7 @@ void INTERPOLATION_KERNEL::FillTable(const KERNEL_SHAPE& shape, float requested_
   const int first_offset = -(length_ / 2 - 1);
   for (int k = 0; k < subpix_count_; ++k) {
     const double fraction = static_cast<double>(k) / subpix_count;
-    double* weights = table_.Origin()[k].Origin();
+    double* weights = table_.Values() + k * row_stride_;
     for (int i = 0; i < length_; ++i) {
       weights[i] = shape.value(static_cast<double>(i + first_offset) - fraction, window);
     }

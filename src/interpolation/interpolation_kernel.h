@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
 
-#include "base/array.h"
+#include "base/aligned_values.h"
 #include "interpolation/kernel_type.h"
 
 struct KERNEL_SHAPE;
@@ -45,9 +44,10 @@ class INTERPOLATION_KERNEL {
   /// Number of sub-pixel positions N.
   int SubpixCount() const noexcept { return subpix_count_; }
   /// Whether the table has been computed.
-  bool HasTable() const noexcept { return !rows_.empty(); }
+  bool HasTable() const noexcept { return has_table_; }
   /// The L weights of sub-pixel position k, 0 <= k < N.
-  const double* Row(int k) const noexcept { return rows_[static_cast<std::size_t>(k)]; }
+  /// A row begins a cache line, and zeros fill its last one.
+  const double* Row(int k) const noexcept { return table_.Values() + k * row_stride_; }
 
  private:
   void CorrectParameters(const KERNEL_SHAPE& shape);
@@ -58,6 +58,7 @@ class INTERPOLATION_KERNEL {
   float coefficient_ = 0.0F;
   int length_ = 0;
   int subpix_count_ = 0;
-  ARRAY<ARRAY<double>> table_;
-  std::vector<const double*> rows_;  ///< of the table, for quick access
+  bool has_table_ = false;
+  std::ptrdiff_t row_stride_ = 0;
+  ALIGNED_VALUES<double> table_;
 };

@@ -7,10 +7,10 @@
 /// what is written.
 inline void Prefetch(const void* begin, const void* end) {
   constexpr std::uintptr_t cache_line = 64;
-  constexpr int second_level = 2;  // what a strip keeps needs the first level of the cache
+  constexpr int first_level = 3;  // there are processors that ignore hints for the others
   const auto* byte = static_cast<const char*>(begin);
   byte -= reinterpret_cast<std::uintptr_t>(byte) % cache_line;
   for (; byte < end; byte += cache_line) {
-    __builtin_prefetch(byte, 0, second_level);
+    __builtin_prefetch(byte, 0, first_level);
   }
 }

@@ -140,13 +140,19 @@ struct SUM_LINES {
   }
 };
 
-/// sums[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1, for the first
-/// `line_count` lines and those of `count` columns that `columns` names: bit x for column x.
-/// `decoded_im` is how far the imaginary parts lie behind the real ones. Up to 7 samples behind the
-/// last ones of a line are read too, and can have any value.
-using RANGE_FILTER = void (*)(const double* weights, const RING_LINES<double>& decoded,
+/// sums[x] = sum over j of weights[j][x] pixels[x + j], j = 0 .. length - 1, for those of `count`
+/// columns that `columns` names: bit x for column x. `decoded_im` is how far the imaginary parts
+/// lie behind the real ones. Up to 7 samples behind the last ones are read too, and can have any
+/// value.
+using RANGE_FILTER = void (*)(const double* weights, const double* pixels,
                               std::ptrdiff_t decoded_im, int length, int count,
-                              std::uint64_t columns, int line_count, const SUM_LINES& sums);
+                              std::uint64_t columns, COMPLEX_ROW sums);
+
+/// The same for all lines of the footprints of a group, with the kernel row of each column, which
+/// something pads to a multiple of 8 weights.
+using GROUP_FILTER = void (*)(const double* const* kernel_rows, const RING_LINES<double>& decoded,
+                              std::ptrdiff_t decoded_im, int length, unsigned columns,
+                              const SUM_LINES& sums);
 
 /// sums[x] = sum over k of weights[k][x] filtered[k][x], turned tap by tap.
 using AZIMUTH_FILTER = void (*)(const double* weights, const SUM_LINES& filtered, int length,
@@ -203,8 +209,8 @@ struct ROW_FUNCTIONS {
   TAP_CHANGES(*locate_taps)
   (const double* rg, const double* az, double line, const POSITION_LIMITS& limits,
    double subpix_count, const TAP_ROWS& taps);
-  /// to[j][i] = rows[i][j] for the columns of a group and j = 0 .. length - 1.
-  void (*transpose_rows)(const double* const* rows, int length, double* to);
+  /// to[j][i] = kernel_rows[i][j] for the columns of a group and j = 0 .. length - 1.
+  void (*transpose_rows)(const double* const* kernel_rows, int length, double* to);
 
   /// range_time[x] = start + sample[x] / rate
   void (*range_times)(const double* sample, double start, double rate, int count,
@@ -225,6 +231,7 @@ struct ROW_FUNCTIONS {
   bool (*close_sine_cosine)(const double* turns, COMPLEX_ROW phasor);
 
   RANGE_FILTER (*range_filter)(int length);
+  GROUP_FILTER (*group_filter)(int length);
   AZIMUTH_FILTER (*azimuth_filter)(int length);
   RATE_AZIMUTH_FILTER (*rate_azimuth_filter)(int length);
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "core/fast/aligned_values.h"
+#include "base/aligned_values.h"
 #include "core/fast/column_tracker.h"
 #include "core/fast/prefetch.h"
 #include "core/fast/row_functions.h"
@@ -23,9 +23,9 @@ class SLAVE_LINES {
         width_(RoundedUp(COLUMN_TRACKER::most_samples_apart + group_columns + length + reserve)),
         decode_(pixel_functions.decode),
         filter_mask_(functions.filter_mask),
-        pixels_(2 * width_ * RowsFor(length + COLUMN_TRACKER::most_lines_apart)),
-        valid_(slave.mask != nullptr ? width_ * RowsFor(length + COLUMN_TRACKER::most_lines_apart)
-                                     : 0) {}
+        pixels_(RowsFor(length + COLUMN_TRACKER::most_lines_apart), std::ptrdiff_t{2} * width_),
+        valid_(RowsFor(length + COLUMN_TRACKER::most_lines_apart),
+               slave.mask != nullptr ? width_ : 0) {}
 
   /// Brings in what is missing of a window.
   void Hold(const SLAVE_WINDOW& window) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/fast/aligned_values.h"
+#include "base/aligned_values.h"
 #include "core/fast/column_set.h"
 #include "core/fast/row_functions.h"
 #include "interpolation/interpolation_kernel.h"
@@ -11,7 +11,7 @@ class WEIGHT_ROWS {
   WEIGHT_ROWS(const INTERPOLATION_KERNEL& kernel, const ROW_FUNCTIONS& functions)
       : kernel_(kernel),
         transpose_(functions.transpose_rows),
-        rows_(kernel.Length() * strip_columns) {}
+        rows_(kernel.Length(), strip_columns) {}
 
   /// Brings the weights of some columns to their sub-pixel steps, after the steps of others, or the
   /// same ones, have changed.
@@ -25,11 +25,9 @@ class WEIGHT_ROWS {
     for (int first = 0; first < strip_columns; first += group_columns) {
       const COLUMN_SET columns = loaded.OfGroup(first);
       if (columns.HoldsMoreThan(most_alone)) {
-        const double* weights[group_columns];
-        for (int i = 0; i < group_columns; ++i) {
-          weights[i] = OfStep(steps[first + i]);
-        }
-        transpose_(weights, kernel_.Length(), rows_.Values() + first);
+        const double* kernel_rows[group_columns];
+        FindRows(steps + first, kernel_rows);
+        transpose_(kernel_rows, kernel_.Length(), rows_.Values() + first);
         continue;
       }
       for (const int x : columns) {
@@ -46,6 +44,13 @@ class WEIGHT_ROWS {
   const double* OfStep(double step) const {
     const int row = static_cast<int>(step);
     return kernel_.Row(row < 0 || row == kernel_.SubpixCount() ? 0 : row);
+  }
+
+  /// Likewise for the columns of a group.
+  void FindRows(const double* steps, const double* (&kernel_rows)[group_columns]) const {
+    for (int i = 0; i < group_columns; ++i) {
+      kernel_rows[i] = OfStep(steps[i]);
+    }
   }
 
  private:

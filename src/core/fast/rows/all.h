@@ -13,6 +13,7 @@
 #include "core/fast/rows/prefetch.h"
 #include "core/fast/rows/range_filter.h"
 #include "core/fast/rows/taps.h"
+#include "core/fast/rows/transpose.h"
 
 namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
 
@@ -47,6 +48,11 @@ constexpr ROW_FUNCTIONS all_row_functions = {
         [](int length) {
           return ForLength(length,
                            [](auto taps) -> RANGE_FILTER { return FilterRange<taps.count>; });
+        },
+    .group_filter =
+        [](int length) {
+          return ForLength(length,
+                           [](auto taps) -> GROUP_FILTER { return FilterGroup<taps.count>; });
         },
     .azimuth_filter =
         [](int length) {

@@ -45,19 +45,6 @@ inline void Store(LANES value, double* values) {
   *reinterpret_cast<UNALIGNED_LANES*>(values) = value;
 }
 
-/// The first `count` of as many values as there are lanes; the others are not touched, and are 0.
-inline LANES LoadFirst(const double* values, int count) {
-#if defined(__AVX512F__)
-  return _mm512_maskz_loadu_pd(static_cast<__mmask8>((1U << count) - 1), values);
-#else
-  LANES loaded{};
-  for (int i = 0; i < count; ++i) {
-    loaded[i] = values[i];
-  }
-  return loaded;
-#endif
-}
-
 /// Whether a load of lanes from any address takes longer than to make them of others: one as long
 /// as a cache line always reads two of them.
 #if defined(__AVX512F__)

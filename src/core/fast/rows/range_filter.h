@@ -7,34 +7,40 @@
 
 #include "core/fast/rows/lengths.h"
 #include "core/fast/rows/pixels.h"
+#include "core/fast/rows/transpose.h"
 
 namespace {  // NOLINT(cert-dcl59-cpp): see lanes.h
 
 // Sums along range. However one comes about, for a run of columns or for a single one, its even
 // taps are summed first and its odd ones apart from them, so that its bits are the same.
 
-/// The weights of as many columns as there are lanes, held where the length is known.
-template <int LENGTH>
-class COLUMN_WEIGHTS {
+/// The weights of as many columns as there are lanes, from rows of a strip's columns.
+class STRIP_WEIGHTS {
  public:
-  explicit COLUMN_WEIGHTS(const double* weights) {
-    for (int j = 0; j < LENGTH; ++j) {
-      held_[j] = Load(weights + std::ptrdiff_t{j} * strip_columns);
-    }
-  }
-  LANES operator[](int j) const { return held_[j]; }
-
- private:
-  LANES held_[LENGTH];
-};
-template <>
-class COLUMN_WEIGHTS<0> {
- public:
-  explicit COLUMN_WEIGHTS(const double* weights) : weights_(weights) {}
+  explicit STRIP_WEIGHTS(const double* weights) : weights_(weights) {}
   LANES operator[](int j) const { return Load(weights_ + std::ptrdiff_t{j} * strip_columns); }
 
  private:
   const double* weights_;
+};
+
+/// The same from kernel rows, one a column. Where the length is known, registers hold them.
+template <int LENGTH>
+class KERNEL_WEIGHTS {
+ public:
+  KERNEL_WEIGHTS(const double* const* kernel_rows, int length) {
+#pragma GCC unroll 8
+    for (int i = 0; i < (LENGTH > 0 ? squares : (length + lanes - 1) / lanes); ++i) {
+      LoadTransposed(kernel_rows, i * lanes, held_[i]);
+    }
+  }
+  LANES operator[](int j) const {
+    return held_[j / lanes][j % lanes];
+  }
+
+ private:
+  static constexpr int squares = ((LENGTH > 0 ? LENGTH : longest_kernel) + lanes - 1) / lanes;
+  LANES held_[squares][lanes];
 };
 
 /// The samples that as many columns as there are lanes read, tap by tap.
@@ -75,18 +81,16 @@ class SHIFTED_SAMPLES {
 template <int LENGTH>
 using TAP_SAMPLES = std::conditional_t<loads_are_dear, SHIFTED_SAMPLES<LENGTH>, LOADED_SAMPLES>;
 
-template <int TAP, int LENGTH>
-[[gnu::always_inline]] inline void AddTap(const COLUMN_WEIGHTS<LENGTH>& weights,
-                                          const TAP_SAMPLES<LENGTH>& re,
-                                          const TAP_SAMPLES<LENGTH>& im, COMPLEX_LANES& sum) {
+template <int TAP, class WEIGHTS, class SAMPLES>
+[[gnu::always_inline]] inline void AddTap(const WEIGHTS& weights, const SAMPLES& re,
+                                          const SAMPLES& im, COMPLEX_LANES& sum) {
   sum.re = MultiplyAdd(weights[TAP], re.template Of<TAP>(), sum.re);
   sum.im = MultiplyAdd(weights[TAP], im.template Of<TAP>(), sum.im);
 }
 
-template <int LENGTH, int... PAIR>
-[[gnu::always_inline]] inline COMPLEX_LANES SumOfPairs(const COLUMN_WEIGHTS<LENGTH>& weights,
-                                                       const TAP_SAMPLES<LENGTH>& re,
-                                                       const TAP_SAMPLES<LENGTH>& im,
+template <class WEIGHTS, class SAMPLES, int... PAIR>
+[[gnu::always_inline]] inline COMPLEX_LANES SumOfPairs(const WEIGHTS& weights, const SAMPLES& re,
+                                                       const SAMPLES& im,
                                                        std::integer_sequence<int, PAIR...>) {
   COMPLEX_LANES even = {weights[0] * re.template Of<0>(), weights[0] * im.template Of<0>()};
   COMPLEX_LANES odd = {weights[1] * re.template Of<1>(), weights[1] * im.template Of<1>()};
@@ -94,17 +98,9 @@ template <int LENGTH, int... PAIR>
   return {even.re + odd.re, even.im + odd.im};
 }
 
-template <int LENGTH>
-[[gnu::always_inline]] inline COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<LENGTH>& weights,
-                                                          const double* re, const double* im,
-                                                          int /*taps*/) {
-  static_assert(LENGTH % 2 == 0);
-  return SumOfPairs(weights, TAP_SAMPLES<LENGTH>(re), TAP_SAMPLES<LENGTH>(im),
-                    std::make_integer_sequence<int, LENGTH / 2 - 1>());
-}
-
-inline COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<0>& weights, const double* re,
-                                   const double* im, int taps) {
+template <class WEIGHTS>
+[[gnu::always_inline]] inline COMPLEX_LANES SumOfAnyLength(const WEIGHTS& weights, const double* re,
+                                                           const double* im, int taps) {
   COMPLEX_LANES even = {weights[0] * Load(re), weights[0] * Load(im)};
   COMPLEX_LANES odd = {weights[1] * Load(re + 1), weights[1] * Load(im + 1)};
 #pragma GCC unroll 8
@@ -121,47 +117,52 @@ inline COMPLEX_LANES SumAlongRange(const COLUMN_WEIGHTS<0>& weights, const doubl
   return {even.re + odd.re, even.im + odd.im};
 }
 
-inline std::uint64_t AllColumns(int count) {
-  return ~std::uint64_t{0} >> (strip_columns - count);
+template <int LENGTH, class WEIGHTS>
+[[gnu::always_inline]] inline COMPLEX_LANES SumAlongRange(const WEIGHTS& weights, const double* re,
+                                                          const double* im, int length) {
+  if constexpr (LENGTH > 0) {
+    static_assert(LENGTH % 2 == 0);
+    return SumOfPairs(weights, TAP_SAMPLES<LENGTH>(re), TAP_SAMPLES<LENGTH>(im),
+                      std::make_integer_sequence<int, LENGTH / 2 - 1>());
+  } else {
+    return SumOfAnyLength(weights, re, im, length);
+  }
 }
 
-/// One line for all of the columns.
+/// Leaves sums of columns that are not wanted as they are.
+[[gnu::always_inline]] inline void StoreWanted(COMPLEX_LANES sum, unsigned wanted, double* re,
+                                               double* im) {
+  if (wanted != all_lanes) {
+    const LANE_FLAGS flags = FlagsOf(wanted);
+    sum = {Choose(flags, sum.re, Load(re)), Choose(flags, sum.im, Load(im))};
+  }
+  Store(sum.re, re);
+  Store(sum.im, im);
+}
+
 template <int LENGTH>
-void FilterLine(const double* weights, const double* pixels, std::ptrdiff_t decoded_im, int length,
-                int count, COMPLEX_ROW sums) {
+void FilterRange(const double* weights, const double* pixels, std::ptrdiff_t decoded_im, int length,
+                 int count, std::uint64_t columns, COMPLEX_ROW sums) {
   for (int x = 0; x < count; x += lanes) {
-    const COMPLEX_LANES sum = SumAlongRange(COLUMN_WEIGHTS<LENGTH>(weights + x), pixels + x,
-                                            pixels + x + decoded_im, length);
-    Store(sum.re, sums.re + x);
-    Store(sum.im, sums.im + x);
+    const COMPLEX_LANES sum = SumAlongRange<LENGTH>(STRIP_WEIGHTS(weights + x), pixels + x,
+                                                    pixels + x + decoded_im, length);
+    StoreWanted(sum, static_cast<unsigned>(columns >> x) & all_lanes, sums.re + x, sums.im + x);
   }
 }
 
 template <int LENGTH>
-void FilterRange(const double* weights, const RING_LINES<double>& decoded,
-                 std::ptrdiff_t decoded_im, int length, int count, std::uint64_t columns,
-                 int line_count, const SUM_LINES& sums) {
-  if (line_count == 1 && columns == AllColumns(count)) {
-    FilterLine<LENGTH>(weights, decoded.Line(0), decoded_im, length, count, sums.Line(0));
-    return;
-  }
-  for (int x = 0; x < count; x += lanes) {
-    const auto wanted = static_cast<unsigned>(columns >> x) & all_lanes;
+void FilterGroup(const double* const* kernel_rows, const RING_LINES<double>& decoded,
+                 std::ptrdiff_t decoded_im, int length, unsigned columns, const SUM_LINES& sums) {
+  for (int x = 0; x < group_columns; x += lanes) {
+    const unsigned wanted = (columns >> x) & all_lanes;
     if (wanted == 0) {
       continue;
     }
-    const COLUMN_WEIGHTS<LENGTH> held(weights + x);
-    for (int k = 0; k < line_count; ++k) {
+    const KERNEL_WEIGHTS<LENGTH> weights(kernel_rows + x, length);
+    for (int k = 0; k < length; ++k) {
       const double* pixels = decoded.Line(k) + x;
-      COMPLEX_LANES sum = SumAlongRange(held, pixels, pixels + decoded_im, length);
-      double* re = sums.Line(k).re + x;
-      double* im = sums.Line(k).im + x;
-      if (wanted != all_lanes) {
-        const LANE_FLAGS flags = FlagsOf(wanted);
-        sum = {Choose(flags, sum.re, Load(re)), Choose(flags, sum.im, Load(im))};
-      }
-      Store(sum.re, re);
-      Store(sum.im, im);
+      const COMPLEX_LANES sum = SumAlongRange<LENGTH>(weights, pixels, pixels + decoded_im, length);
+      StoreWanted(sum, wanted, sums.Line(k).re + x, sums.Line(k).im + x);
     }
   }
 }

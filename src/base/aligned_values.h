@@ -4,12 +4,14 @@
 #include <memory>
 #include <new>
 
-/// Zero-initialised values, aligned to cache lines.
+/// Zero-initialised values, the first of which begins a cache line.
 template <class T>
 class ALIGNED_VALUES {
  public:
-  explicit ALIGNED_VALUES(int count)
-      : values_(new (alignment) T[static_cast<std::size_t>(count)]{}) {}
+  ALIGNED_VALUES() = default;
+  /// As many values as rows of that length have.
+  ALIGNED_VALUES(std::ptrdiff_t rows, std::ptrdiff_t row_length)
+      : values_(new (alignment) T[static_cast<std::size_t>(rows * row_length)]{}) {}
 
   T* Values() { return values_.get(); }
   const T* Values() const { return values_.get(); }
