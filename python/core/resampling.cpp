@@ -58,7 +58,8 @@ std::pair<py::object, py::object> ResamplePairs(
     const MAPPING& mapping, const KERNEL& kernel, const DOPPLER& doppler, std::pair<int, int> shape,
     const std::string& imaging_mode, bool ps_mode, std::optional<int> threads,
     const PYTHON_LOG& log) {
-  const auto [n_lines, n_samples] = shape;
+  const int n_lines = shape.first;
+  const int n_samples = shape.second;
   if (n_lines < 1 || n_samples < 1) {
     throw std::invalid_argument("the output needs at least one line and one sample");
   }
