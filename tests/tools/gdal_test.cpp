@@ -170,6 +170,11 @@ TEST_F(GDAL_TEST, PixelsWithoutDataAreZeroInImageAndMask) {
   EXPECT_EQ(ValuesAt("out.tif", 0, 0), "nan\n");
   EXPECT_EQ(ValuesAt("out.tif", 1, 0), "700\n");
   EXPECT_NE(Import("out.tif").find("no data: 0\nnot finite: 3\n"), std::string::npos);
+
+  // A mask of bytes; -9999 and 0 become the byte 0.
+  Shell("gdal_translate -q -b 1 -mask 1 " + Path("map.tif") + " " + Path("masked.tif"));
+  Import("masked.tif", "--type int_16 --mask-out " + Path("mask.ras"));
+  EXPECT_EQ(Bytes("mask.ras").substr(32), std::string("\0\1\0\0\0\1", 6));
 }
 
 TEST_F(GDAL_TEST, ImportTurnsRowsOfRangeIntoColumns) {

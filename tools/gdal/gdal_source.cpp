@@ -3,7 +3,9 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <limits>
 #include <string_view>
+#include <vector>
 
 #include "base/same_file.h"
 #include "gdal/gdal_errors.h"
@@ -25,12 +27,34 @@ std::string SubdatasetNames(GDALDataset& dataset) {
 }
 
 template <class VALUE>
-void ReadWindow(GDALRasterBand& band, const std::string& path, const GDAL_WINDOW& window,
+void ReadPixels(GDALRasterBand& band, const std::string& path, const GDAL_WINDOW& window,
                 GDALDataType type, std::span<VALUE> values) {
   const GDAL_ERRORS errors;
   if (band.RasterIO(GF_Read, window.x, window.y, window.width, window.height, values.data(),
                     window.width, window.height, type, 0, 0, nullptr) != CE_None) {
     errors.Throw("can not read " + path);
+  }
+}
+
+/// The second of two bands that are parts of complex numbers may be declared as alpha.
+bool HasMaskOfItsOwn(GDALRasterBand& band) {
+  return (band.GetMaskFlags() & (GMF_PER_DATASET | GMF_ALPHA)) == GMF_PER_DATASET;
+}
+
+template <class VALUE>
+void ReadWindow(GDALRasterBand& band, const std::string& path, const GDAL_WINDOW& window,
+                GDALDataType type, std::span<VALUE> values) {
+  ReadPixels(band, path, window, type, values);
+  if (!HasMaskOfItsOwn(band)) {
+    return;
+  }
+  std::vector<unsigned char> mask(static_cast<std::size_t>(window.width) *
+                                  static_cast<std::size_t>(window.height));
+  ReadPixels(*band.GetMaskBand(), path, window, GDT_Byte, std::span(mask));
+  for (std::size_t i = 0; i < mask.size(); ++i) {
+    if (mask[i] == 0) {
+      values[i] = std::numeric_limits<double>::quiet_NaN();
+    }
   }
 }
 

@@ -38,7 +38,8 @@ class GDAL_SOURCE {
   /// The value of pixels without data, if the band has one.
   std::optional<double> NoData(int band) const;
 
-  /// Lines of a window, one after the other. `values` has room for as many as fit.
+  /// Lines of a window, one after the other. `values` has room for as many as fit. NaN stands
+  /// where a mask of the source, one of its own and not an alpha band, tells that there is no data.
   void Read(int band, const GDAL_WINDOW& window, std::span<double> values) const;
   void Read(int band, const GDAL_WINDOW& window, std::span<std::complex<double>> values) const;
 

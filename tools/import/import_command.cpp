@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/encoding_report.h"
 #include "common/new_files.h"
 #include "common/progress_bar.h"
 #include "common/scale_option.h"
@@ -46,12 +47,10 @@ void Import(const IMPORT_OPTIONS& options, const std::string& pool) {
   }
   std::cout << "pixel type: " << DataTypeOf(result.type).Name() << "\n"
             << "width: " << result.width << "\n"
-            << "height: " << result.height << "\n"
-            << "scale: " << result.scale << "\n"
-            << "clipped: " << result.counts.clipped << "\n"
-            << "rounded: " << result.counts.rounded << "\n"
-            << "rounded to zero: " << result.counts.vanished << "\n"
-            << "no data: " << result.no_data << "\n"
+            << "height: " << result.height << "\n";
+  PrintEncoding(result.scale, result.counts,
+                result.width * result.height * (HoldsPairs(result.type) ? 2 : 1));
+  std::cout << "no data: " << result.no_data << "\n"
             << "not finite: " << result.not_finite << "\n";
 }
 

@@ -10,6 +10,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "common/encoding_report.h"
 #include "common/number_checks.h"
 #include "common/scale_option.h"
 #include "product/open_product.h"
@@ -117,13 +118,11 @@ void ListImages(const SLC_PRODUCT& product, const PRODUCT_OPTIONS& options) {
 }
 
 void PrintResult(const PRODUCT_FILES_RESULT& result) {
-  const auto n_pixels = static_cast<double>(result.image.n_samples * result.image.n_lines);
-  std::cout << "scale: " << result.scale << "\n"
-            << "clipped: " << result.counts.clipped << "\n"
-            << "rounded: " << result.counts.rounded << "\n"
-            << "rounded to zero: " << result.counts.vanished << "\n"
-            << "pixels that were no number: " << result.not_finite << "\n"
-            << "valid share: " << static_cast<double>(result.valid) / n_pixels << "\n"
+  const std::int64_t n_pixels = result.image.n_samples * result.image.n_lines;
+  PrintEncoding(result.scale, result.counts, 2 * n_pixels);
+  std::cout << "pixels that were no number: " << result.not_finite << "\n"
+            << "valid share: " << static_cast<double>(result.valid) / static_cast<double>(n_pixels)
+            << "\n"
             << "azimuth times count from: " << result.epoch << " UTC\n";
   if (result.image.centroid.departure > 0.01 * result.image.line_rate) {
     std::cerr << "slctool: warning: polynomials do not follow the product's centroid well\n";
@@ -131,10 +130,6 @@ void PrintResult(const PRODUCT_FILES_RESULT& result) {
   if (result.valid == 0) {
     std::cerr << "slctool: warning: no pixel is valid by the product; slctool mask makes a mask of "
                  "the pixels\n";
-  }
-  if (result.counts.clipped + result.counts.vanished > static_cast<std::int64_t>(0.02 * n_pixels)) {
-    std::cerr << "slctool: warning: more than 1 % of the numbers were clipped or rounded to zero; "
-                 "--scale auto chooses a scale that suits them\n";
   }
 }
 
