@@ -271,7 +271,7 @@ TEST_F(GDAL_TEST, WhatCanNotBeDoneIsRefusedAndLeavesNothing) {
                              std::filesystem::copy_options::overwrite_existing);
   EXPECT_THROW(Vrt("slc.ras.vrt"), std::system_error);
 
-  for (const char* target : {"slc.png", "slc.nothing", "missing/slc.tif"}) {
+  for (const char* target : {"slc.png", "slc.vrt", "slc.nothing", "missing/slc.tif"}) {
     EXPECT_THROW(Export("slc.ras", target), std::runtime_error) << target;
   }
   // This driver knows no complex integers and would store bytes.

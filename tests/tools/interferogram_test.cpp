@@ -85,6 +85,7 @@ TEST_F(INTERFEROGRAM, WhatCanNotBeMadeLeavesNothing) {
                                      {"out.ras", " --looks 0"},
                                      {"second", " --looks 1"},
                                      {"out.nothing", " --looks 1"},
+                                     {"out.png", " --looks 1"},
                                      {"out.ras", ""},
                                      {"none/out.ras", " --looks 1"}}) {
     EXPECT_ANY_THROW(Make(out, options)) << out << options;

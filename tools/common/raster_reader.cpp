@@ -3,6 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "base/error_exception.h"
 #include "common/stored_number.h"
 
 namespace {
@@ -33,7 +34,13 @@ void CopyPairs(const std::byte* pixels, std::span<std::complex<double>> values) 
 
 RASTER_READER::RASTER_READER(const std::string& path) : path_(path) {
   constexpr int read_only = 0;
-  raster_.Map(path.c_str(), read_only);
+  try {
+    raster_.Map(path.c_str(), read_only);
+  } catch (const ERROR_NOT_SUPPORTED_PIXEL_TYPE&) {
+    throw std::invalid_argument(path +
+                                " is no raster of a known pixel type; slctool import makes "
+                                "rasters of the files of other programs");
+  }
   width_ = static_cast<std::int64_t>(raster_.Width());
   height_ = static_cast<std::int64_t>(raster_.Height());
   type_ = raster_.PixelType();

@@ -10,7 +10,8 @@
 #include "raster/mem_mgr.h"
 
 /// Read access to a raster of any pixel type but rgb, line by line and in place: nothing but the
-/// line in work is copied. The constructor throws the errors of MEM_MGR::Map.
+/// line in work is copied. The constructor throws the errors of MEM_MGR::Map, but
+/// std::invalid_argument for a file of another format.
 class RASTER_READER {
  public:
   explicit RASTER_READER(const std::string& path);

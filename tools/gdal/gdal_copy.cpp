@@ -161,35 +161,43 @@ class LINE_DATASET final : public GDALDataset {
   COPIED_NUMBERS numbers_;
 };
 
-bool HasExtension(GDALDriver& driver, const std::string& extension) {
-  const char* extensions = driver.GetMetadataItem(GDAL_DMD_EXTENSIONS);
-  const CPLStringList words(CSLTokenizeString2(extensions != nullptr ? extensions : "", " ", 0));
-  return words.FindString(extension.c_str()) >= 0;
+/// Whether a word is among those that a driver tells of itself.
+bool Lists(GDALDriver& driver, const char* item, const std::string& word) {
+  const char* text = driver.GetMetadataItem(item);
+  const CPLStringList words(CSLTokenizeString2(text != nullptr ? text : "", " ", 0));
+  return words.FindString(word.c_str()) >= 0;
 }
 
+/// Not VRT, whose copies refer to the pixels of what they were made of, and not MEM, which makes no
+/// files.
 bool CanCopyRasters(GDALDriver& driver) {
+  const std::string_view name = driver.GetDescription();
   const auto has = [&](const char* item) { return driver.GetMetadataItem(item) != nullptr; };
-  return has(GDAL_DCAP_RASTER) && (has(GDAL_DCAP_CREATECOPY) || has(GDAL_DCAP_CREATE));
+  return has(GDAL_DCAP_RASTER) && (has(GDAL_DCAP_CREATECOPY) || has(GDAL_DCAP_CREATE)) &&
+         name != "VRT" && name != "MEM";
 }
 
-GDALDriver& DriverForExtension(const std::string& path) {
+/// The first with the extension of a path, null where there is none.
+GDALDriver* DriverForExtension(const std::string& path) {
   GDALDriverManager& drivers = *GetGDALDriverManager();
   const std::string extension = std::filesystem::path(path).extension();
   for (int i = 0; i < drivers.GetDriverCount(); ++i) {
     GDALDriver& driver = *drivers.GetDriver(i);
     if (extension.size() > 1 && CanCopyRasters(driver) &&
-        HasExtension(driver, extension.substr(1))) {
-      return driver;
+        Lists(driver, GDAL_DMD_EXTENSIONS, extension.substr(1))) {
+      return &driver;
     }
   }
-  throw std::runtime_error("no GDAL driver goes with the name " + path + "; name one by --driver");
+  return nullptr;
 }
 
 GDALDriver& Driver(const std::string& name, const std::string& path) {
-  if (name.empty()) {
-    return DriverForExtension(path);
+  GDALDriver* driver = name.empty() ? DriverForExtension(path)
+                                    : GetGDALDriverManager()->GetDriverByName(name.c_str());
+  if (driver == nullptr && name.empty()) {
+    throw std::runtime_error("no GDAL driver goes with the name " + path +
+                             "; name one by --driver");
   }
-  GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(name.c_str());
   if (driver == nullptr || !CanCopyRasters(*driver)) {
     throw std::runtime_error("GDAL has no driver " + name +
                              " that writes rasters; gdalinfo --formats lists those that it has");
@@ -222,6 +230,19 @@ int Report(double part, const char*, void* progress) {
 }
 
 }  // namespace
+
+void CheckGdalFormat(const std::string& path, const char* type) {
+  GDALAllRegister();
+  GDALDriver* const driver = DriverForExtension(path);
+  if (driver == nullptr) {
+    throw std::runtime_error("no GDAL driver goes with the ending of " + path);
+  }
+  if (!Lists(*driver, GDAL_DMD_CREATIONDATATYPES, type)) {
+    throw std::runtime_error(std::string("GDAL's driver ") + driver->GetDescription() +
+                             ", which goes with the ending of " + path + ", does not write " +
+                             type);
+  }
+}
 
 void WriteGdalCopy(const RASTER_READER& raster, const std::string& path,
                    const GDAL_COPY_OPTIONS& options, const PROGRESS& progress) {

@@ -15,6 +15,10 @@ struct GDAL_COPY_OPTIONS {
   std::string mask;    ///< raster whose zeros tell pixels without data; may be empty
 };
 
+/// Throws std::runtime_error unless a GDAL driver with the extension of the path writes pixels of
+/// the data type of this GDAL name, and always where the program was built without GDAL.
+void CheckGdalFormat(const std::string& path, const char* type);
+
 /// Writes a raster of any type as a file of any GDAL driver, without ever holding more than a few
 /// lines of it. Without a type in the options, binary16 becomes Float32 or CFloat32 and pairs of
 /// bytes CInt16, both of which hold the same numbers; every other type keeps its own. Integers are

@@ -57,6 +57,10 @@ int GDAL_SOURCE::LinesAtOnce(int, const GDAL_WINDOW&) const {
   Refuse();
 }
 
+void CheckGdalFormat(const std::string&, const char*) {
+  Refuse();
+}
+
 void WriteGdalCopy(const RASTER_READER&, const std::string&, const GDAL_COPY_OPTIONS&,
                    const PROGRESS&) {
   Refuse();

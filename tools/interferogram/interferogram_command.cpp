@@ -89,8 +89,11 @@ void Make(const INTERFEROGRAM_OPTIONS& options) {
   }
   const PAIR_LINES pair(master, resampled, masks);
   RefuseToReplaceInputs(options);
-
   const fs::path out(options.out);
+  if (out.extension() != own_extension) {
+    CheckGdalFormat(out, "CFloat32");
+  }
+
   NEW_FILES files(out.parent_path());
   {
     PROGRESS_BAR bar;
