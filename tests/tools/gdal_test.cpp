@@ -235,6 +235,11 @@ TEST_F(GDAL_TEST, WhatCanNotBeDoneIsRefusedAndLeavesNothing) {
                               "--window 36,22,2,1", "--window 0,0,0,1", "--window -1,0,2,2"}) {
     EXPECT_THROW(Import("slc.ras.vrt", options), std::invalid_argument) << options;
   }
+  for (const char* taken : {"slc.ras.vrt", "back.ras", "./back.ras"}) {
+    for (const char* option : {"--pool ", "--mask-out "}) {
+      EXPECT_THROW(Import("slc.ras.vrt", option + Path(taken)), std::invalid_argument);
+    }
+  }
   EXPECT_THROW(Import("slc.ras.vrt", "--band 2"), std::runtime_error);
   EXPECT_THROW(Import("slc.ras.vrt", "--type rgb"), CLI::ValidationError);
   EXPECT_THROW(Import("missing.tif"), std::runtime_error);

@@ -190,8 +190,10 @@ TEST_F(OFFSETS, ImpossibleRequestsAreRefused) {
   EXPECT_NO_THROW(MakeMapping("--subsampling 2147483647,65535 --range-map " + Path("a") +
                               " --azimuth-map " + Path("b")));
   const std::string matrices = "--subsampling 4,4 --azimuth-map " + Path("map") + " --range-map ";
-  EXPECT_THROW(MakeMapping(matrices + Path("map")), std::invalid_argument);
-  EXPECT_THROW(MakeMapping(matrices + Path("rg.off")), std::invalid_argument);
+  for (const std::string& taken : {Path("map"), Path("./map"), Path("rg.off")}) {
+    EXPECT_THROW(MakeMapping(matrices + taken), std::invalid_argument);
+    EXPECT_THROW(MakeMapping(matrices + Path("rg") + " --pool " + taken), std::invalid_argument);
+  }
   for (const char* raster : {"slave.ras", "rg_map.ras"}) {  // complex, and of another size
     Run(AddVrtCommand, "vrt " + Path(raster));
     EXPECT_THROW(Run(AddOffsetsCommand, "offsets " + Path(raster) + ".vrt " + Path("az.off.vrt") +
@@ -267,6 +269,10 @@ TEST_P(HILLS, BlundersAreFoundByTheirNeighboursAndReplaced) {
   EXPECT_EQ(is_warned, GetParam() > 0.06);
   EXPECT_LT(RmsError("rg", 1.0), 0.04);
   EXPECT_LT(RmsError("az", -1.0), 0.04);
+  for (const char* first : {"m_azimuth.ras", "m_range.ras"}) {
+    EXPECT_THROW(MakeMatrices(Path(first) + " " + Path("m_range.ras") + Results()),
+                 std::invalid_argument);
+  }
 }
 
 TEST_P(HILLS, TablesWithColumnsInAnyOrderAreRead) {

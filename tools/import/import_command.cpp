@@ -3,9 +3,11 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "base/same_file.h"
 #include "common/encoding_report.h"
 #include "common/new_files.h"
 #include "common/progress_bar.h"
@@ -39,7 +41,18 @@ void RecordScale(const std::string& path, double scale) {
   pool.Update();
 }
 
+void CheckPool(const std::string& pool, const IMPORT_OPTIONS& options) {
+  for (const std::string& raster : {options.source, options.target, options.mask}) {
+    if (!raster.empty() && IsSamePath(pool, raster)) {
+      throw std::invalid_argument(pool + " is a raster and can not be the pool as well");
+    }
+  }
+}
+
 void Import(const IMPORT_OPTIONS& options, const std::string& pool) {
+  if (!pool.empty()) {
+    CheckPool(pool, options);
+  }
   PROGRESS_BAR bar;
   const IMPORT_RESULT result = ImportRaster(options, [&bar](double part) { bar.Show(part); });
   if (!pool.empty()) {

@@ -6,6 +6,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "base/same_file.h"
 #include "common/automatic_scale.h"
 #include "common/new_files.h"
 #include "common/raster_writer.h"
@@ -141,7 +142,7 @@ void CheckFits(const IMPORT_OPTIONS& options, const std::vector<int>& bands,
       throw std::invalid_argument(path + " belongs to the source");
     }
   }
-  if (options.target == options.mask) {
+  if (!options.mask.empty() && IsSamePath(options.target, options.mask)) {
     throw std::invalid_argument("raster and mask have the name " + options.mask);
   }
 }

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/same_file.h"
 #include "common/number_checks.h"
 #include "common/pool_values.h"
 #include "common/progress_bar.h"
@@ -163,26 +164,26 @@ void PrintNodes(const NODE_COUNTS& counts) {
   if (2 * (counts.in_gaps + counts.past_edges) > counts.nodes) {
     Warn(
         "most nodes have no offsets near them and follow from the polynomials and distant ones; "
-        "are "
-        "--posting, --first and --size right?");
+        "are --posting, --first and --size right?");
   }
 }
 
-void CheckMatrixPaths(const OFFSET_SOURCE& offsets, const OFFSETS_OPTIONS& options) {
-  for (const std::string& path : {options.range_map, options.azimuth_map}) {
-    if (offsets.IsMadeOf(path)) {
-      throw std::invalid_argument(path + " belongs to the offsets; name the matrices otherwise");
+/// No two of the files that are written may be one, and none may be an input.
+void CheckOutputs(const OFFSET_SOURCE& offsets, const std::vector<std::string>& outputs) {
+  for (auto output = outputs.begin(); output != outputs.end(); ++output) {
+    if (offsets.IsMadeOf(*output)) {
+      throw std::invalid_argument(*output + " belongs to the offsets; name the results otherwise");
     }
-  }
-  if (options.range_map == options.azimuth_map) {
-    throw std::invalid_argument("both matrices have the name " + options.range_map);
+    if (std::any_of(outputs.begin(), output,
+                    [&](const std::string& other) { return IsSamePath(*output, other); })) {
+      throw std::invalid_argument("two results have the name " + *output);
+    }
   }
 }
 
 using POOL = PARAMETER_POOL_READ_WRITE_CHANGE;
 
 void WriteMatrices(const OFFSET_SOURCE& offsets, const OFFSETS_OPTIONS& options, POOL* pool) {
-  CheckMatrixPaths(offsets, options);
   const auto [width, height] = MasterSize(offsets, options);
   const NODE_AXIS x = NODE_AXIS::For(width, options.subsampling[0], offsets.Posting().range);
   const NODE_AXIS y = NODE_AXIS::For(height, options.subsampling[1], offsets.Posting().azimuth);
@@ -247,6 +248,14 @@ void MakeMapping(OFFSETS_OPTIONS options) {
   options.cleaning.least_snr = options.least_snr.value_or(offsets->LeastSnr());
   const bool polynomial = !options.polynomial_pool.empty();
   const std::string& pool_path = polynomial ? options.polynomial_pool : options.matrix_pool;
+  std::vector<std::string> outputs;
+  if (!polynomial) {
+    outputs = {options.range_map, options.azimuth_map};
+  }
+  if (!pool_path.empty()) {
+    outputs.push_back(pool_path);
+  }
+  CheckOutputs(*offsets, outputs);
   // Opened first: offsets are not read for a pool that can not be written.
   const auto pool = pool_path.empty() ? nullptr : std::make_unique<POOL>(pool_path.c_str());
   if (polynomial) {

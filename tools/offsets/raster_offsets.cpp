@@ -9,15 +9,26 @@
 namespace {
 
 constexpr std::string_view ending_of_range = "_range.ras";
+constexpr std::string_view ending_of_azimuth = "_azimuth.ras";
 
-/// What the names of the other files of `match` begin with, as the range raster tells; empty for
-/// rasters of other programs.
-std::string PrefixOfMatch(const std::string& range) {
-  if (!range.ends_with(ending_of_range)) {
+/// What the names of the other files of `match` begin with, as a raster with this ending tells;
+/// empty for rasters of other programs.
+std::string PrefixOfMatch(const std::string& raster, std::string_view ending = ending_of_range) {
+  if (!raster.ends_with(ending)) {
     return {};
   }
-  const std::string prefix = range.substr(0, range.size() - ending_of_range.size());
+  const std::string prefix = raster.substr(0, raster.size() - ending.size());
   return std::filesystem::exists(prefix + ".pool") ? prefix : std::string();
+}
+
+/// One in place of the other would pass as the raster of another program, at a posting of 1.
+void CheckNames(const RASTER_OFFSETS_OPTIONS& options) {
+  if (!PrefixOfMatch(options.range, ending_of_azimuth).empty()) {
+    throw std::invalid_argument(options.range + " has azimuth offsets; those in range come first");
+  }
+  if (!PrefixOfMatch(options.azimuth, ending_of_range).empty()) {
+    throw std::invalid_argument(options.azimuth + " has range offsets; those in azimuth come next");
+  }
 }
 
 std::optional<OFFSET_RECORD> RecordBeside(const std::string& range) {
@@ -53,6 +64,7 @@ RASTER_OFFSETS::RASTER_OFFSETS(RASTER_OFFSETS_OPTIONS options)
       sign_(options.negate ? -1.0 : 1.0),
       range_(options.range, options.bands[0], options.no_data),
       azimuth_(options.azimuth, options.bands[1], options.no_data) {
+  CheckNames(options);
   CheckSameSize(range_, azimuth_, options.azimuth);
   if (const std::string snr = SnrFile(options); !snr.empty()) {
     snr_.emplace(snr, 1, options.no_data);
