@@ -122,7 +122,8 @@ void Match(const MATCH_OPTIONS& options) {
   const RASTER_READER slave(options.slave);
   for (const RASTER_READER* image : {&master, &slave}) {
     if (!image->IsComplex()) {
-      throw std::invalid_argument("pixels are not complex in " + image->Path());
+      throw std::invalid_argument("pixels are not complex in " + image->Path() +
+                                  "; slctool import --type c_flt_2 makes complex ones of others");
     }
   }
   const MATCH_GRID grid = GridOf(options, master);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -36,6 +37,48 @@ std::vector<FIELD> FieldsOf(const std::string& columns) {
   return fields;
 }
 
+/// The words of a line: between commas or semicolons where it has any, else between blanks.
+std::vector<std::string> WordsOf(const std::string& line) {
+  std::vector<std::string> words;
+  std::istringstream rest(line);
+  const std::size_t separator = line.find_first_of(",;");
+  if (separator == std::string::npos) {
+    words.assign(std::istream_iterator<std::string>(rest), {});
+    return words;
+  }
+  for (std::string word; std::getline(rest >> std::ws, word, line[separator]);) {
+    words.push_back(word.substr(0, word.find_last_not_of(" \t\r") + 1));
+  }
+  return words;
+}
+
+std::optional<double> NumberOf(const std::string& word) {
+  char* end = nullptr;
+  const double number = std::strtod(word.c_str(), &end);
+  return word.empty() || *end != '\0' ? std::nullopt : std::optional(number);
+}
+
+bool IsHeading(const std::vector<std::string>& words) {
+  return std::none_of(words.begin(), words.end(),
+                      [](const std::string& word) { return NumberOf(word).has_value(); });
+}
+
+/// None where a word that counts is missing or no number.
+std::optional<OFFSET> OffsetOf(const std::vector<std::string>& words,
+                               const std::vector<FIELD>& fields) {
+  OFFSET offset;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const auto number = i < words.size() ? NumberOf(words[i]) : std::nullopt;
+    if (i >= words.size() || (fields[i] != nullptr && !number)) {
+      return std::nullopt;
+    }
+    if (fields[i] != nullptr) {
+      offset.*fields[i] = *number;
+    }
+  }
+  return offset;
+}
+
 std::vector<OFFSET> ReadTable(const TEXT_OFFSETS_OPTIONS& options) {
   const std::vector<FIELD> fields = FieldsOf(options.columns);
   std::ifstream file(options.path);
@@ -46,27 +89,19 @@ std::vector<OFFSET> ReadTable(const TEXT_OFFSETS_OPTIONS& options) {
   std::vector<OFFSET> offsets;
   std::string text;
   for (int number = 1; std::getline(file, text); ++number) {
-    std::istringstream words(text);
-    if ((words >> std::ws).eof() || words.peek() == '#') {
+    const std::vector<std::string> words = WordsOf(text);
+    if (words.empty() || words[0].starts_with('#') || (number == 1 && IsHeading(words))) {
       continue;
     }
-    OFFSET offset;
-    for (const FIELD field : fields) {
-      std::string word;
-      char* end = nullptr;
-      const double value = (words >> word) ? std::strtod(word.c_str(), &end) : NAN;
-      if (end == nullptr || (field != nullptr && (*end != '\0' || end == word.c_str()))) {
-        throw std::runtime_error(options.path + ":" + std::to_string(number) +
-                                 ": not the columns " + options.columns);
-      }
-      if (field != nullptr) {
-        offset.*field = value;
-      }
+    std::optional<OFFSET> offset = OffsetOf(words, fields);
+    if (!offset) {
+      throw std::runtime_error(options.path + ":" + std::to_string(number) + ": not the columns " +
+                               options.columns);
     }
-    offset.range *= sign;
-    offset.azimuth *= sign;
-    if (std::isfinite(offset.x) && std::isfinite(offset.y)) {
-      offsets.push_back(offset);
+    offset->range *= sign;
+    offset->azimuth *= sign;
+    if (std::isfinite(offset->x) && std::isfinite(offset->y)) {
+      offsets.push_back(*offset);
     }
   }
   if (offsets.empty()) {

@@ -14,9 +14,11 @@ struct TEXT_OFFSETS_OPTIONS {
   bool negate = false;
 };
 
-/// Offsets as a table of text, one a line in any order, as other matchers write them. Lines that
-/// are empty or begin with "#" do not count. The rows and columns of the source are those of the
-/// grid on which the offsets lie; where they lie on none, cells that hold one on average.
+/// Offsets as a table of text, one a line in any order, as other matchers write them, with blanks,
+/// commas or semicolons between the columns. Lines that are empty or begin with "#" do not count,
+/// nor does a heading, a first line without any number. The rows and columns of the source are
+/// those of the grid on which the offsets lie; where they lie on none, cells that hold one on
+/// average.
 class TEXT_OFFSETS final : public OFFSET_SOURCE {
  public:
   /// Throws std::invalid_argument for a wrong list of columns, and std::runtime_error, which names
