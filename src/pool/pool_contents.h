@@ -25,8 +25,8 @@ struct POOL_ENTRY_LINES {
 };
 
 /// All entries in their order, those of repeated keys too. Every line outside of blocks that can
-/// hold a key begins one; of an entry for whose key line `goes` is true the damaged block is a block
-/// as well. Takes a time in proportion to the number of lines.
+/// hold a key begins one; of an entry for whose key line `goes` is true the damaged block is a
+/// block as well. Takes a time in proportion to the number of lines.
 std::vector<POOL_ENTRY_LINES> PoolEntryLines(
     const std::vector<POOL_LINE>& lines,
     const std::function<bool(std::size_t)>& goes = [](std::size_t) { return false; });
