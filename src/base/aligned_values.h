@@ -9,9 +9,14 @@ template <class T>
 class ALIGNED_VALUES {
  public:
   ALIGNED_VALUES() = default;
-  /// As many values as rows of that length have.
+  /// As many values as rows of that length have. Throws std::bad_alloc by itself: the sanitizers'
+  /// operator new ends the process.
   ALIGNED_VALUES(std::ptrdiff_t rows, std::ptrdiff_t row_length)
-      : values_(new (alignment) T[static_cast<std::size_t>(rows * row_length)]{}) {}
+      : values_(new (alignment, std::nothrow) T[static_cast<std::size_t>(rows * row_length)]{}) {
+    if (values_ == nullptr) {
+      throw std::bad_alloc();
+    }
+  }
 
   T* Values() { return values_.get(); }
   const T* Values() const { return values_.get(); }
