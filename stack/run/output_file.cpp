@@ -94,8 +94,8 @@ int RemovePartialOutputs(const std::vector<fs::path>& outputs) {
 PARTIAL_FILE::PARTIAL_FILE(const fs::path& output) : path_(PartialOutput(output)) {
   while (true) {
     // One that was left over is held until a new one, which nobody can have open, has its place.
-    const std::unique_ptr<FILE_LOCK> left_over = std::move(lock_);
-    lock_ = std::make_unique<FILE_LOCK>(path_, FILE_LOCK::WAY::TRY);
+    auto left_over = std::make_unique<FILE_LOCK>(path_, FILE_LOCK::WAY::TRY);
+    lock_.swap(left_over);
     if (!lock_->IsHeld()) {
       throw STACK_ERROR("another run is at work on " + path_.string());
     }

@@ -19,10 +19,7 @@ const std::string image_information = "imageAnnotation.imageInformation.";
 std::vector<std::string> NamesIn(const std::string& folder) {
   const GDAL_ERRORS ignored;
   const CPLStringList entries(VSIReadDir(folder.c_str()));
-  std::vector<std::string> names;
-  for (int i = 0; i < entries.size(); ++i) {
-    names.emplace_back(entries[i]);
-  }
+  std::vector<std::string> names(entries.List(), entries.List() + entries.size());
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -99,13 +96,14 @@ std::string SAFE_PRODUCT::FolderIn(const std::string& path) {
   if (IsProductFolder(given.parent_path()) && given.filename() == "manifest.safe") {
     return given.parent_path();
   }
-  const std::string zip = "/vsizip/{" + given.string() + "}";
+  std::string zip = "/vsizip/{" + given.string() + "}";
   if (IsProductFolder(zip)) {
     return zip;
   }
   for (const std::string& name : NamesIn(zip)) {
-    if (IsProductFolder(zip + "/" + name)) {
-      return zip + "/" + name;
+    std::string folder = std::filesystem::path(zip) / name;
+    if (IsProductFolder(folder)) {
+      return folder;
     }
   }
   return "";
