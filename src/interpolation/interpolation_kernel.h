@@ -45,8 +45,8 @@ class INTERPOLATION_KERNEL {
   int SubpixCount() const noexcept { return subpix_count_; }
   /// Whether the table has been computed.
   bool HasTable() const noexcept { return has_table_; }
-  /// The L weights of sub-pixel position k, 0 <= k < N.
-  /// A row begins a cache line, and zeros fill its last one.
+  /// The L weights of sub-pixel position k, 0 <= k < N. A row begins a cache line, and zeros fill
+  /// its last one.
   const double* Row(int k) const noexcept { return table_.Values() + k * row_stride_; }
 
  private:

@@ -148,8 +148,8 @@ using RANGE_FILTER = void (*)(const double* weights, const double* pixels,
                               std::ptrdiff_t decoded_im, int length, int count,
                               std::uint64_t columns, COMPLEX_ROW sums);
 
-/// The same for all lines of the footprints of a group, with the kernel row of each column, which
-/// something pads to a multiple of 8 weights.
+/// The same for all lines of the footprints of a group, with the kernel row of each column. Behind
+/// its weights a row has others, of any value, up to a multiple of 8.
 using GROUP_FILTER = void (*)(const double* const* kernel_rows, const RING_LINES<double>& decoded,
                               std::ptrdiff_t decoded_im, int length, unsigned columns,
                               const SUM_LINES& sums);
